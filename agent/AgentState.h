@@ -1,0 +1,82 @@
+// The agent's bookkeeping, one object a process, and how long it lives.
+
+#pragma once
+
+#include "agent/LaunchRecord.h"
+#include "agent/RecordTable.h"
+
+#include <CL/cl.h>
+
+#include <memory>
+#include <mutex>
+#include <sstream>
+
+namespace corvane {
+
+struct BufferRecord;
+struct KernelRecord;
+struct ProgramRecord;
+
+/// Everything that is remembered between load and flush. Records are defined by
+/// the folders that keep them; agent/entry/ knows all and makes the state.
+struct AgentState {
+  AgentState();
+  ~AgentState();
+
+  /// Written under both locks, so either is enough for reading.
+  std::mutex programsLock;
+  RecordTable<cl_program, ProgramRecord> programs;
+
+  /// Guarded by the agent lock.
+  RecordTable<cl_kernel, KernelRecord> kernels;
+
+  /// A leaf lock: buffers come and go on threads of the runtime.
+  std::mutex buffersLock;
+  RecordTable<cl_mem, BufferRecord> buffers;
+
+  /// Never null; outlives the state while runs are under way.
+  std::shared_ptr<LaunchHistory> launchRecords;
+
+  /// Scratch text of the state's own; no hook writes to it.
+  std::stringstream text;
+
+  /// Kept by the functions below.
+  void (*destroy)(AgentState *) = nullptr;
+  AgentState *nextRetired = nullptr;
+};
+
+/// The state; null before the load and after the flush.
+///
+/// It stays alive for as long as the caller holds an AgentGuard or a StatePin
+/// that it opened before asking, even if a flush elsewhere retires it.
+AgentState *agentState();
+
+/// Keeps the state alive in places that run without the agent lock.
+class StatePin {
+public:
+  StatePin();
+  ~StatePin();
+  StatePin(const StatePin &) = delete;
+  StatePin &operator=(const StatePin &) = delete;
+};
+
+/// Makes \p state the state; \p destroy ends it one day. Hold the agent lock;
+/// there must be no state yet.
+void installAgentState(AgentState *state, void (*destroy)(AgentState *));
+
+/// Takes the state away from everybody and returns it, or null if another
+/// thread was faster. The caller must hand it on to retireAgentState. Waits for
+/// nothing, so that it can be called while the process ends.
+AgentState *takeAgentState();
+
+/// Destroys \p state once nobody uses it any more: now, or when the last guard
+/// or pin is gone. Waits for nothing.
+void retireAgentState(AgentState *state);
+
+/// Whether a retired state still waits for its last user.
+bool hasRetiredStates();
+
+/// Destroys the retired states, unless somebody may still use one.
+void buryRetiredStates();
+
+} // namespace corvane

@@ -1,0 +1,74 @@
+// Keeps the diagnostic log in memory and appends it to its file at exit.
+
+#include "agent/DebugLog.h"
+
+#include "agent/Environment.h"
+#include "agent/platform/Platform.h"
+
+#include <fstream>
+#include <iostream>
+#include <new>
+
+using namespace corvane;
+
+void debug::string_ostream::dump() {
+  const char *path = dumpLogPath();
+  if (path) {
+    std::ofstream file(path, std::ios::out | std::ios::app | std::ios::binary);
+    if (file) {
+      const std::string &log = str();
+      std::cerr << std::to_string(log.size()) + "\n";
+      file.write(log.data(), static_cast<std::streamsize>(log.size()));
+    }
+  }
+  std::string().swap(str());
+}
+
+namespace {
+/// Dumps the log when the process exits or the library is closed. The stream
+/// itself stays: a thread that is still at work may write to it.
+class LogAtExit {
+public:
+  LogAtExit() : stream(*new (storage) debug::string_ostream) {}
+  ~LogAtExit() { stream.dump(); }
+  LogAtExit(const LogAtExit &) = delete;
+  LogAtExit &operator=(const LogAtExit &) = delete;
+
+  debug::string_ostream &stream;
+
+private:
+  alignas(debug::string_ostream) unsigned char storage[sizeof(
+      debug::string_ostream)];
+};
+} // namespace
+
+static debug::string_ostream &keptLog() {
+  static const LogAtExit log;
+  return log.stream;
+}
+
+llvm::raw_fd_ostream &corvane::errorStream() {
+  alignas(llvm::raw_fd_ostream) static unsigned char
+      storage[sizeof(llvm::raw_fd_ostream)];
+  static llvm::raw_fd_ostream &stream = []() -> llvm::raw_fd_ostream & {
+    platform::makeErrorStreamBinary();
+    return *new (storage) llvm::raw_fd_ostream(2, /*shouldClose=*/false,
+                                               /*unbuffered=*/true);
+  }();
+  return stream;
+}
+
+void corvane::writeError(llvm::StringRef line) {
+  errorStream() << line;
+  errorStream().clear_error();
+}
+
+llvm::raw_ostream &corvane::debugLog() {
+  if (!dumpLogPath())
+    return llvm::nulls();
+  return keptLog();
+}
+
+bool corvane::isKept(const llvm::raw_ostream &log) {
+  return &log != &llvm::nulls();
+}

@@ -1,0 +1,52 @@
+// The two channels of text: the error stream and the diagnostic log.
+
+#pragma once
+
+#include "llvm/ADT/StringRef.h"
+#include "llvm/Support/raw_ostream.h"
+
+#include <string>
+
+namespace debug {
+
+/// The text that a string_ostream writes into; a base, so that it is there
+/// before the stream is.
+struct OwnedText {
+  std::string text;
+};
+
+/// A text stream that owns its text.
+class string_ostream : private OwnedText, public llvm::raw_string_ostream {
+public:
+  string_ostream() : llvm::raw_string_ostream(OwnedText::text) {}
+
+  /// Appends the text to the file that CORVANE_DUMP_LOG names, if it names one
+  /// that can be opened, tells its length on the standard error stream, and
+  /// forgets the text.
+  void dump();
+};
+
+} // namespace debug
+
+namespace corvane {
+
+/// The process's standard error, unbuffered; bytes are written as they are.
+///
+/// A stream of our own and not LLVM's errs(), which dies while the process
+/// ends: the application may still call a hook then.
+llvm::raw_fd_ostream &errorStream();
+
+/// Writes \p line on the error stream in one piece, so that the lines of two
+/// threads never mix. A failure is forgotten: LLVM would end the process at
+/// exit for an error that nobody looked at.
+void writeError(llvm::StringRef line);
+
+/// The diagnostic log if CORVANE_DUMP_LOG is defined now, else a stream that
+/// drops what it gets. Looks the variable up, so ask once and keep the answer
+/// over one launch. Hold the agent lock while writing.
+llvm::raw_ostream &debugLog();
+
+/// Whether what is written to \p log, as debugLog gave it, is kept.
+bool isKept(const llvm::raw_ostream &log);
+
+} // namespace corvane

@@ -1,0 +1,50 @@
+// Looks variables up through the C runtime, so the application's changes count.
+
+#include "agent/Environment.h"
+
+#include "agent/platform/Platform.h"
+
+#include <cstdlib>
+#include <string>
+
+using namespace corvane;
+
+const char *corvane::lookUp(const char *name) { return std::getenv(name); }
+
+const char *corvane::autotuneDir() { return lookUp(variable::autotune); }
+
+const char *corvane::installLocation() {
+  return lookUp(variable::installLocation);
+}
+
+const char *corvane::dumpLogPath() { return lookUp(variable::dumpLog); }
+
+bool corvane::flushOnReleaseContext() {
+  const char *value = lookUp(variable::flushOnReleaseContext);
+  return value && *value != '\0';
+}
+
+int corvane::setEnv(const char *name, const char *value, int overwrite) {
+  if (overwrite == 0 && lookUp(name))
+    return -1;
+  platform::defineVariable(name, value);
+  return 0;
+}
+
+void corvane::unsetEnv(const char *name) { platform::removeVariable(name); }
+
+static void moveVariable(const char *from, const char *to) {
+  const char *value = lookUp(from);
+  if (!value)
+    return;
+  setEnv(to, std::string(value).c_str(), 1);
+  unsetEnv(from);
+}
+
+void corvane::hideAutotune() {
+  moveVariable(variable::autotune, variable::autotuneShadow);
+}
+
+void corvane::restoreAutotune() {
+  moveVariable(variable::autotuneShadow, variable::autotune);
+}

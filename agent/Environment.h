@@ -1,0 +1,43 @@
+// The environment variables that configure the agent.
+
+#pragma once
+
+namespace corvane {
+
+/// The names, each looked up wherever it is needed and never cached.
+namespace variable {
+inline constexpr const char *corvane = "CORVANE";
+inline constexpr const char *autotune = "CORVANE_AUTOTUNE";
+inline constexpr const char *autotuneShadow = "CORVANE_AUTOTUNE_SHADOW";
+inline constexpr const char *dumpLog = "CORVANE_DUMP_LOG";
+inline constexpr const char *installLocation = "CORVANE_INSTALL_LOCATION";
+inline constexpr const char *flushOnReleaseContext =
+    "CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT";
+inline constexpr const char *bypassVectorizationSafetyCheck =
+    "AGENT_BYPASS_VECTORIZATION_SAFETY_CHECK";
+} // namespace variable
+
+/// The value of a variable; null when it is not defined. The text belongs to
+/// the environment and lasts until the variable changes.
+const char *lookUp(const char *name);
+
+const char *autotuneDir();     ///< where autotuning results go
+const char *installLocation(); ///< where the report finds its scripts
+const char *dumpLogPath();     ///< the file that gets the diagnostic log
+
+/// Whether the release of a context ends with a flush: defined and not empty.
+bool flushOnReleaseContext();
+
+/// Defines \p name. Returns -1 and changes nothing if it is defined already and
+/// \p overwrite is 0; otherwise 0.
+int setEnv(const char *name, const char *value, int overwrite);
+
+/// Removes \p name from the environment.
+void unsetEnv(const char *name);
+
+/// Parks the value of CORVANE_AUTOTUNE so that the runtime's compiler does not
+/// see it, and brings it back. Not nested. Hold the agent lock.
+void hideAutotune();
+void restoreAutotune();
+
+} // namespace corvane

@@ -1,0 +1,22 @@
+// The runtime's dispatch table as it was given; every call of ours goes
+// through.
+
+#pragma once
+
+#include "agent/DispatchTable.h"
+
+namespace corvane {
+
+/// The saved table. All entries are null before the first load.
+///
+/// Reading needs no lock: the table is written while the agent is being loaded,
+/// before the runtime learns of any hook.
+const DispatchTable &runtime();
+
+/// Saves \p table as the runtime's. Hold the agent lock.
+///
+/// Entries that keep their value are not written again, so a second load with
+/// hooks at work does not disturb them.
+void saveRuntimeTable(const DispatchTable &table);
+
+} // namespace corvane

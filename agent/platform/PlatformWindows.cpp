@@ -1,0 +1,32 @@
+// Windows, through its C runtime.
+
+#include "agent/platform/Platform.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+
+#include <direct.h>
+#include <fcntl.h>
+#include <io.h>
+
+using namespace corvane;
+
+const char *const platform::directorySeparator = "\\";
+
+void platform::defineVariable(const char *name, const char *value) {
+  _putenv((std::string(name) + "=" + value).c_str());
+}
+
+// Here an empty assignment is how a variable is removed.
+void platform::removeVariable(const char *name) { defineVariable(name, ""); }
+
+bool platform::createDirectory(const char *path) {
+  return _mkdir(path) == 0 || errno == EEXIST;
+}
+
+void platform::cutFile(std::FILE *file, long length) {
+  _chsize_s(_fileno(file), length);
+}
+
+void platform::makeErrorStreamBinary() { _setmode(2, _O_BINARY); }

@@ -1,0 +1,87 @@
+# What every target of ours shares, and the two kinds of target that a folder
+# declares: a static library with its arrows, and a library to load.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
+endif()
+
+find_package(Threads REQUIRED)
+find_package(LLVM ${CORVANE_LLVM_VERSION} REQUIRED CONFIG
+             HINTS "/usr/lib/llvm-${CORVANE_LLVM_VERSION}/lib/cmake/llvm")
+message(STATUS "LLVM Support ${LLVM_PACKAGE_VERSION} from ${LLVM_DIR}")
+find_path(CORVANE_OPENCL_HEADERS CL/cl_icd.h REQUIRED
+          DOC "Folder that holds CL/cl_icd.h")
+
+# Flags for all our own code. The headers of LLVM and OpenCL are taken as system
+# headers, because they are not written for our warnings.
+add_library(corvane_options INTERFACE)
+target_include_directories(corvane_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_include_directories(corvane_options SYSTEM
+                           INTERFACE "${CORVANE_OPENCL_HEADERS}")
+target_compile_definitions(corvane_options INTERFACE
+  CL_TARGET_OPENCL_VERSION=300
+  CL_USE_DEPRECATED_OPENCL_1_0_APIS
+  CL_USE_DEPRECATED_OPENCL_1_1_APIS
+  CL_USE_DEPRECATED_OPENCL_1_2_APIS)
+target_link_libraries(corvane_options INTERFACE Threads::Threads)
+if(MSVC)
+  target_compile_options(corvane_options INTERFACE /W4 /WX /utf-8)
+else()
+  target_compile_options(corvane_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_compile_options(corvane_options INTERFACE -Wglobal-constructors)
+  else()
+    # A unique symbol would keep the library in memory after it was closed.
+    target_compile_options(corvane_options INTERFACE -fno-gnu-unique)
+  endif()
+endif()
+if(CORVANE_SANITIZE)
+  target_compile_options(corvane_options INTERFACE
+    "-fsanitize=${CORVANE_SANITIZE}" -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(corvane_options INTERFACE
+    "-fsanitize=${CORVANE_SANITIZE}")
+endif()
+
+add_library(corvane_llvm INTERFACE)
+target_include_directories(corvane_llvm SYSTEM INTERFACE ${LLVM_INCLUDE_DIRS})
+target_compile_definitions(corvane_llvm INTERFACE ${LLVM_DEFINITIONS_LIST})
+target_link_libraries(corvane_llvm INTERFACE LLVMSupport)
+
+# A folder of ours: a static library that names the folders it may use. A call
+# against an arrow has nothing to link with.
+function(corvane_folder name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
+  add_library(corvane_${name} STATIC ${arg_SOURCES})
+  target_link_libraries(corvane_${name} PUBLIC corvane_options corvane_llvm)
+  foreach(used IN LISTS arg_USES)
+    target_link_libraries(corvane_${name} PUBLIC corvane_${used})
+  endforeach()
+endfunction()
+
+# Only the symbols in the list beside the sources leave the library. Everything
+# that was linked in stays inside: the process may hold another LLVM.
+function(corvane_export_only target mapFile defFile)
+  if(WIN32)
+    target_sources(${target} PRIVATE "${defFile}")
+  else()
+    target_link_options(${target} PRIVATE
+      "LINKER:--version-script=${mapFile}"
+      "LINKER:--exclude-libs,ALL" "LINKER:--gc-sections" "LINKER:--as-needed")
+    if(NOT CORVANE_SANITIZE)
+      target_link_options(${target} PRIVATE "LINKER:--no-undefined")
+    endif()
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS "${mapFile}")
+  endif()
+  set_target_properties(${target} PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
+    RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+endfunction()
