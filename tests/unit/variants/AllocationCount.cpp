@@ -1,0 +1,22 @@
+// Stands in for the program's operator new. In a file of its own, because a
+// compiler that sees one half of the pair inlined takes it for a mistake.
+#include "AllocationCount.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+static std::atomic<long> allocations{0};
+
+long corvane::test::allocationCount() { return allocations; }
+
+void *operator new(std::size_t size) {
+  ++allocations;
+  if (void *memory = std::malloc(size ? size : 1))
+    return memory;
+  throw std::bad_alloc();
+}
+
+void operator delete(void *memory) noexcept { std::free(memory); }
+
+void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
