@@ -1,0 +1,49 @@
+// Numbers as text without streams or C formatting, which obey the locale.
+
+#include "results/NumberText.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+
+using namespace corvane;
+
+static std::string numberText(double value, std::chars_format format,
+                              int precision) {
+  if (!std::isfinite(value))
+    value = 0.0;
+  // The longest number has a sign, 309 digits, the point and the decimals.
+  std::array<char, 336> text{};
+  char *const begin = text.data();
+  const std::to_chars_result end =
+      std::to_chars(begin, begin + text.size(), value, format, precision);
+  return std::string(begin, end.ptr);
+}
+
+std::string corvane::fixedText(double value, int decimals) {
+  return numberText(value, std::chars_format::fixed, decimals);
+}
+
+std::string corvane::generalText(double value) {
+  return numberText(value, std::chars_format::general, 6);
+}
+
+static std::string_view withoutLeadingBlanks(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(" \t\n\v\f\r");
+  return begin == std::string_view::npos ? "" : text.substr(begin);
+}
+
+// std::from_chars knows no plus sign.
+static std::string_view withoutPlus(std::string_view text) {
+  const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+  return plus ? text.substr(1) : text;
+}
+
+double corvane::leadingNumber(std::string_view text) {
+  text = withoutPlus(withoutLeadingBlanks(text));
+  double value = 0.0;
+  const std::from_chars_result end =
+      std::from_chars(text.data(), text.data() + text.size(), value);
+  return end.ec == std::errc() && std::isfinite(value) ? value : 0.0;
+}

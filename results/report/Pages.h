@@ -1,0 +1,56 @@
+// The pages of the HTML report, each a function from data to a stream.
+//
+// All texts are part of the interface, byte for byte. Configurations must have
+// been ranked.
+
+#pragma once
+
+#include "results/ConfigResults.h"
+#include "results/ResultsTable.h"
+
+#include "llvm/Support/raw_ostream.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// What the names of a configuration's pages begin with: "k_1024___64__".
+std::string pageBase(const ConfigResults &config);
+
+/// What a person calls a configuration: "k [ x:1024/64 ] ".
+std::string configTitle(const ConfigResults &config);
+
+/// The sample count that the report shows for all versions of a configuration:
+/// that of the version with the fewest.
+std::size_t sampleCount(const ConfigResults &config);
+
+/// One line of the list of configurations.
+struct IndexEntry {
+  std::string title;
+  std::string page; ///< file name
+};
+
+/// The statistics of a configuration; \p lines is where its samples are in the
+/// results table.
+void writeTablePage(llvm::raw_ostream &out, const ConfigResults &config,
+                    LineRange lines);
+
+/// The samples of a configuration as curves, drawn by a script that is loaded
+/// from \p installLocation.
+void writeGraphPage(llvm::raw_ostream &out, const ConfigResults &config,
+                    const std::string &installLocation);
+
+/// The table page above the graph page.
+void writeFramePage(llvm::raw_ostream &out, const std::string &base);
+
+/// The list of all configurations.
+void writeIndexPage(llvm::raw_ostream &out,
+                    const std::vector<IndexEntry> &entries);
+
+/// The index beside the first configuration.
+void writeMainPage(llvm::raw_ostream &out,
+                   const std::vector<IndexEntry> &entries);
+
+} // namespace corvane

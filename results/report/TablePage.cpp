@@ -1,0 +1,102 @@
+// The table page: one row a version, coloured by whether it beats the original.
+
+#include "results/NumberText.h"
+#include "results/report/Pages.h"
+
+using namespace corvane;
+
+namespace {
+
+/// The colour that the rows written last have.
+enum class RowGroup { None, Lime, Faded, Orange };
+
+} // namespace
+
+static void writeCaption(llvm::raw_ostream &out, const ConfigResults &config,
+                         LineRange lines) {
+  // The title begins with the kernel's name, which so stands there twice.
+  out << "<thead> <th colspan = \"11\" align=\"left\">" << config.kernel
+      << configTitle(config) << "called " << sampleCount(config) << " times"
+      << "<a href=\"../autotune.csv\"> (See details (line " << lines.first
+      << "-" << lines.last << ")) </a> </th> <tr> </thead>\n";
+}
+
+static void writeColumnNames(llvm::raw_ostream &out) {
+  for (const char *name :
+       {"Version", "NumSamples/Total", "Min", "Speedup", "Max", "Speedup",
+        "Median", "Speedup", "Mean", "Speedup", "stddev"})
+    out << "<th>" << name << "</th>";
+  out << "\n";
+}
+
+// Variants faster than the original are lime, the original is faded, and the
+// slower variants are orange.
+static RowGroup openGroup(llvm::raw_ostream &out, RowGroup group,
+                          bool isBaseline) {
+  if (isBaseline) {
+    if (group == RowGroup::Lime)
+      out << "</tbody>\n";
+    out << "<tbody style=\"filter:alpha(opacity=40);-moz-opacity:.40;"
+           "opacity:.40;\">\n";
+    return RowGroup::Faded;
+  }
+  if (group == RowGroup::None) {
+    out << "<tbody style=\"background-color:lime\">\n";
+    return RowGroup::Lime;
+  }
+  if (group == RowGroup::Faded) {
+    out << "</tbody>\n<tbody style=\"background-color:orange\">\n";
+    return RowGroup::Orange;
+  }
+  return group;
+}
+
+// Above 1 the version is faster than the original. 0.0 where it is undefined.
+static double speedup(double baseline, double value) {
+  return baseline == 0.0 || value == 0.0 ? 0.0 : baseline / value;
+}
+
+// The count stands there twice; it is not the version's own. Nothing ends a
+// row: the rows follow each other on one line.
+static void writeRow(llvm::raw_ostream &out, const std::string &name,
+                     const VersionStats &stats, const VersionStats &baseline,
+                     std::size_t count) {
+  out << "<tr align=\"center\"><th>" << name << "</th><td align=\"center\">"
+      << count << "/" << count << "</td>";
+  for (double VersionStats::*value :
+       {&VersionStats::min, &VersionStats::max, &VersionStats::median,
+        &VersionStats::mean})
+    out << "<td> " << fixedText(stats.*value, 3) << " </td><td> "
+        << fixedText(speedup(baseline.*value, stats.*value), 1) << "x </td>";
+  out << "<td> " << fixedText(stats.stddev, 3) << " </td>";
+}
+
+static void writeRows(llvm::raw_ostream &out, const ConfigResults &config) {
+  const auto found = config.versions.find(baselineName);
+  const VersionStats none;
+  const VersionStats &baseline =
+      found == config.versions.end() ? none : found->second;
+  const std::size_t count = sampleCount(config);
+  RowGroup group = RowGroup::None;
+  for (const auto &[name, stats] : config.ranking) {
+    group = openGroup(out, group, name == baselineName);
+    writeRow(out, name, stats, baseline, count);
+  }
+}
+
+void corvane::writeTablePage(llvm::raw_ostream &out,
+                             const ConfigResults &config, LineRange lines) {
+  out << "<html><body>\n"
+         "<table style=\"border:3px solid\" align=\"left\" cellpadding=\"5\" "
+         "frame=\"border\" rules=\"groups\">\n"
+         "<colgroup></colgroup>\n"
+         "<colgroup></colgroup>\n"
+         "<colgroup span = \"2\"></colgroup>\n"
+         "<colgroup span = \"2\"></colgroup>\n"
+         "<colgroup span = \"2\"></colgroup>\n"
+         "<colgroup span = \"2\"></colgroup>\n";
+  writeCaption(out, config, lines);
+  writeColumnNames(out);
+  writeRows(out, config);
+  out << "</tbody>\n</table></body></html>\n";
+}
