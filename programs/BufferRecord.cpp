@@ -1,0 +1,21 @@
+// Forgets buffers that the runtime has destroyed.
+
+#include "programs/BufferRecord.h"
+
+#include "agent/AgentState.h"
+
+using namespace corvane;
+
+// Unlocked: the runtime may call this while another thread waits for it with
+// the agent lock in its hands. The pin keeps the state, the leaf lock the
+// table.
+void CL_CALLBACK corvane::bufferReleased(cl_mem memObject, void *) {
+  StatePin pin;
+  AgentState *state = agentState();
+  if (!state)
+    return;
+
+  std::unique_ptr<BufferRecord> dropped;
+  std::lock_guard<std::mutex> lock(state->buffersLock);
+  dropped = state->buffers.remove(memObject);
+}

@@ -1,0 +1,32 @@
+// A buffer of the application's, with room on the host for its contents.
+
+#pragma once
+
+#include "agent/ZeroedArray.h"
+
+#include <CL/cl.h>
+
+#include <cstddef>
+#include <memory>
+
+namespace corvane {
+
+/// Host memory that the runtime reads and writes while transfers are under way;
+/// shared with whoever waits for such a transfer.
+using HostCopy = std::shared_ptr<void>;
+
+/// Owned by the state; found by handle. The state's buffersLock guards it.
+struct BufferRecord {
+  cl_mem memObject = nullptr; ///< borrowed; the application holds it
+  std::size_t size = 0;       ///< bytes, as the application asked for
+  /// False if the host may not both read and write the buffer.
+  bool hostMayTransfer = true;
+  HostCopy
+      hostCopy; ///< size bytes, not initialised; null when there was no room
+};
+
+/// Runs when the runtime destroys a recorded buffer, on any thread and without
+/// the agent lock. Drops the record of \p memObject.
+void CL_CALLBACK bufferReleased(cl_mem memObject, void *userData);
+
+} // namespace corvane

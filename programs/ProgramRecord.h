@@ -1,0 +1,57 @@
+// What a build made: a program's kernels, each with its variants.
+
+#pragma once
+
+#include "variants/TransformedKernel.h"
+
+#include "llvm/ADT/StringMap.h"
+#include "llvm/ADT/StringRef.h"
+
+#include <CL/cl.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+struct AgentState;
+
+/// One kernel of the application's and the variants that can replace it.
+struct KernelGroup {
+  cl_program program = nullptr; ///< borrowed
+  std::string name;             ///< of the kernel; a variant's base name
+  /// In the runtime's order of kernels.
+  std::vector<std::unique_ptr<llvm::TransformedKernelAgent>> variants;
+};
+
+/// A program that was built or linked while the agent watched.
+///
+/// Owned by the state; found by handle. Changed under the agent lock and the
+/// state's programsLock, so either is enough for reading.
+struct ProgramRecord {
+  cl_program program = nullptr;                           ///< borrowed
+  std::vector<std::unique_ptr<KernelGroup>> kernelGroups; ///< as they came
+  std::uint32_t refCount =
+      1;                   ///< builds and links, not the runtime's references
+  std::string kernelNames; ///< the groups' names, joined with ';'
+
+  /// The oldest group of each name; points into kernelGroups.
+  llvm::StringMap<KernelGroup *> groupsByName;
+};
+
+/// The record of \p program with one reference more, or a new one.
+ProgramRecord &findOrAddProgram(AgentState &state, cl_program program);
+
+/// Appends a group, also if there is one of that name already.
+KernelGroup &addGroup(ProgramRecord &record, llvm::StringRef name);
+
+/// The oldest group called \p name; null when there is none.
+KernelGroup *findGroup(const ProgramRecord &record, llvm::StringRef name);
+
+/// Takes one reference from the record of \p program, if there is one, and
+/// forgets it with the last. Hold the agent lock.
+void dropProgramReference(AgentState &state, cl_program program);
+
+} // namespace corvane

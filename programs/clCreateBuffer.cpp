@@ -1,0 +1,61 @@
+// In autotuning mode every buffer gets room on the host for its contents.
+
+#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
+#include "agent/ClError.h"
+#include "agent/Flags.h"
+#include "agent/RuntimeTable.h"
+#include "programs/BufferRecord.h"
+#include "programs/Hooks.h"
+
+#include <cstdlib>
+
+using namespace corvane;
+
+static HostCopy allocateHostCopy(std::size_t size) {
+  void *area = std::malloc(size);
+  return area ? HostCopy(area, FreeMemory()) : nullptr;
+}
+
+static bool hostMayTransfer(cl_mem_flags flags) {
+  constexpr cl_mem_flags restricted =
+      CL_MEM_HOST_READ_ONLY | CL_MEM_HOST_WRITE_ONLY | CL_MEM_HOST_NO_ACCESS;
+  return (flags & restricted) == 0;
+}
+
+static BufferRecord *recordBuffer(AgentState &state, cl_mem buffer,
+                                  cl_mem_flags flags, std::size_t size) {
+  auto record = std::make_unique<BufferRecord>();
+  record->memObject = buffer;
+  record->size = size;
+  record->hostMayTransfer = hostMayTransfer(flags);
+  record->hostCopy = allocateHostCopy(size);
+
+  std::lock_guard<std::mutex> lock(state.buffersLock);
+  return state.buffers.append(buffer, std::move(record));
+}
+
+// Without the callback the record stays for good; the buffer is still usable.
+static void watchForRelease(cl_mem buffer, BufferRecord *record) {
+  const auto setCallback = runtime().clSetMemObjectDestructorCallback;
+  const cl_int status = setCallback
+                            ? setCallback(buffer, bufferReleased, record)
+                            : CL_INVALID_OPERATION;
+  if (status != CL_SUCCESS)
+    reportClError(CallSite::BufferCallback, status);
+}
+
+cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
+                                         size_t size, void *hostPtr,
+                                         cl_int *errcodeRet) {
+  AgentGuard guard;
+  cl_int localStatus = CL_SUCCESS;
+  cl_int *status = errcodeRet ? errcodeRet : &localStatus;
+  cl_mem buffer =
+      runtime().clCreateBuffer(context, flags, size, hostPtr, status);
+  if (*status != CL_SUCCESS || !autotuneOutput())
+    return buffer;
+  if (AgentState *state = agentState())
+    watchForRelease(buffer, recordBuffer(*state, buffer, flags, size));
+  return buffer;
+}

@@ -1,0 +1,71 @@
+// A link, and the discovery of the variants in the linked program.
+
+#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
+#include "agent/ClError.h"
+#include "agent/DebugLog.h"
+#include "agent/Environment.h"
+#include "agent/RuntimeTable.h"
+#include "programs/Devices.h"
+#include "programs/Hooks.h"
+#include "programs/VariantDiscovery.h"
+
+using namespace corvane;
+
+// The text is part of the interface, byte for byte.
+static void warnAboutNotification() {
+  writeError("CV: Warning: user function is used when clLinkProgram is called "
+             "which prevents Corvane from collecting coarse kernels.\n");
+}
+
+// Asked for the report of its failure alone.
+static void checkDevices(cl_program program, const cl_device_id *deviceList) {
+  if (deviceList)
+    return;
+  DeviceList devices;
+  if (const cl_int status = programDevices(program, devices))
+    reportClError(CallSite::LinkDevices, status);
+}
+
+cl_program CL_API_CALL hooks::clLinkProgram(
+    cl_context context, cl_uint numDevices, const cl_device_id *deviceList,
+    const char *options, cl_uint numInputPrograms,
+    const cl_program *inputPrograms,
+    void(CL_CALLBACK *notify)(cl_program program, void *userData),
+    void *userData, cl_int *errcodeRet) {
+  AgentGuard guard;
+  const auto link = [&](auto notification, cl_int *status) {
+    return runtime().clLinkProgram(context, numDevices, deviceList, options,
+                                   numInputPrograms, inputPrograms,
+                                   notification, userData, status);
+  };
+
+  AgentState *state = agentState();
+  if (!state)
+    return link(notify, errcodeRet);
+
+  cl_int localStatus = CL_SUCCESS;
+  cl_int *status = errcodeRet ? errcodeRet : &localStatus;
+  // Without the notification the link is over when the call returns.
+  cl_program program = link(decltype(notify){nullptr}, status);
+  if (!autotuneDir())
+    return program;
+
+  checkDevices(program, deviceList);
+  if (program) {
+    collectKernels(*state, program);
+    return program;
+  }
+
+  hideAutotune();
+  program = link(notify, status);
+  restoreAutotune();
+  if (*status != CL_SUCCESS)
+    return program;
+  if (notify) {
+    warnAboutNotification();
+    return program;
+  }
+  collectKernels(*state, program);
+  return program;
+}
