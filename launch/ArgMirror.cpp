@@ -1,0 +1,46 @@
+// Lazy mirroring: a setting costs a copy, a variant pays when it is launched.
+
+#include "launch/ArgMirror.h"
+
+#include "agent/ClError.h"
+#include "agent/RuntimeTable.h"
+#include "launch/KernelRecord.h"
+
+using namespace corvane;
+
+// A slot this far out could only be reached over as many others, and no kernel
+// has as many arguments: a runtime that accepts the index is wrong.
+static constexpr cl_uint mostArguments = 1U << 16;
+
+static ArgSlot &slotAt(KernelRecord &record, cl_uint index) {
+  auto &slots = record.argSlots;
+  if (index >= slots.size())
+    slots.resize(std::size_t{index} + 1);
+  if (!slots[index])
+    slots[index] = std::make_unique<ArgSlot>();
+  return *slots[index];
+}
+
+void corvane::recordArgument(KernelRecord &record, cl_uint index, size_t size,
+                             const void *value) {
+  if (index >= mostArguments)
+    return;
+  slotAt(record, index).record(index, size, value);
+  const auto &slots = record.argSlots;
+  while (record.recordedCount < slots.size() && slots[record.recordedCount])
+    ++record.recordedCount;
+  ++record.argSetCount;
+}
+
+void corvane::replayArguments(KernelRecord &record, cl_kernel target) {
+  std::uint32_t &seen = record.argSyncCounts[target];
+  if (seen >= record.argSetCount)
+    return;
+  for (const ArgSlot &slot : recordedArguments(record)) {
+    const cl_int status =
+        runtime().clSetKernelArg(target, slot.index, slot.size, slot.value);
+    if (status != CL_SUCCESS)
+      reportClError(CallSite::ReplayArgument, status);
+  }
+  seen = record.argSetCount;
+}

@@ -1,0 +1,20 @@
+// Remembers arguments and replays them just before a launch.
+
+#pragma once
+
+#include <CL/cl.h>
+
+namespace corvane {
+
+struct KernelRecord;
+
+/// Remembers a setting that the runtime has accepted for \p record's kernel.
+void recordArgument(KernelRecord &record, cl_uint index, size_t size,
+                    const void *value);
+
+/// Sets all recorded arguments on \p target, a variant of \p record's or its
+/// own kernel, if it has missed a setting since it was last brought up to date.
+/// A failure is reported and the replay goes on.
+void replayArguments(KernelRecord &record, cl_kernel target);
+
+} // namespace corvane

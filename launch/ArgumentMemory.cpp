@@ -1,0 +1,49 @@
+// Asks the runtime what an argument was declared as.
+
+#include "launch/ArgumentMemory.h"
+
+#include "agent/RuntimeTable.h"
+
+#include <cstdint>
+
+using namespace corvane;
+
+// An object of the runtime's is aligned and lies in the lower half of the
+// address space, but not in its first page. Most numbers are not like that.
+static bool canBeHandle(cl_mem value) {
+  const auto bits = reinterpret_cast<std::uintptr_t>(value);
+  constexpr std::uintptr_t firstPage = 4096;
+  constexpr std::uintptr_t lowerHalf = std::uintptr_t{1} << 47;
+  return bits >= firstPage && bits < lowerHalf && bits % sizeof(void *) == 0;
+}
+
+// Reads one property of an argument; false when the runtime does not tell.
+template <typename Property>
+static bool readProperty(cl_kernel kernel, cl_uint index,
+                         cl_kernel_arg_info name, Property &property) {
+  return runtime().clGetKernelArgInfo(kernel, index, name, sizeof property,
+                                      &property, nullptr) == CL_SUCCESS;
+}
+
+static bool isDeclaredWritable(cl_kernel kernel, cl_uint index) {
+  cl_kernel_arg_address_qualifier space = CL_KERNEL_ARG_ADDRESS_GLOBAL;
+  if (!readProperty(kernel, index, CL_KERNEL_ARG_ADDRESS_QUALIFIER, space))
+    return true;
+  if (space != CL_KERNEL_ARG_ADDRESS_GLOBAL)
+    return false;
+
+  cl_kernel_arg_access_qualifier access = CL_KERNEL_ARG_ACCESS_NONE;
+  if (readProperty(kernel, index, CL_KERNEL_ARG_ACCESS_QUALIFIER, access) &&
+      access != CL_KERNEL_ARG_ACCESS_NONE)
+    return access != CL_KERNEL_ARG_ACCESS_READ_ONLY;
+
+  cl_kernel_arg_type_qualifier type = CL_KERNEL_ARG_TYPE_NONE;
+  return !readProperty(kernel, index, CL_KERNEL_ARG_TYPE_QUALIFIER, type) ||
+         (type & CL_KERNEL_ARG_TYPE_CONST) == 0;
+}
+
+bool corvane::mayBeWritableMemory(cl_kernel kernel, cl_uint index,
+                                  cl_mem value) {
+  return canBeHandle(value) && runtime().clGetKernelArgInfo &&
+         isDeclaredWritable(kernel, index);
+}

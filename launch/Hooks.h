@@ -1,0 +1,35 @@
+// The hooks of this folder. Each has the signature and the contract of the
+// entry point that it stands in for and returns what the runtime returned.
+
+#pragma once
+
+#include <CL/cl.h>
+
+namespace corvane::hooks {
+
+/// Creates the kernel's variants beside it.
+cl_kernel CL_API_CALL clCreateKernel(cl_program program, const char *kernelName,
+                                     cl_int *errcodeRet);
+
+/// Creates the program's ordinary kernels, with the variants beside each.
+cl_int CL_API_CALL clCreateKernelsInProgram(cl_program program,
+                                            cl_uint numKernels,
+                                            cl_kernel *kernels,
+                                            cl_uint *numKernelsRet);
+
+/// Releases the variants when the kernel is gone.
+cl_int CL_API_CALL clReleaseKernel(cl_kernel kernel);
+
+/// Remembers the argument for the variants.
+cl_int CL_API_CALL clSetKernelArg(cl_kernel kernel, cl_uint argIndex,
+                                  size_t argSize, const void *argValue);
+
+/// Launches a variant in place of the kernel, or times the kernel and all its
+/// variants.
+cl_int CL_API_CALL clEnqueueNDRangeKernel(
+    cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
+    const size_t *globalOffset, const size_t *globalSize,
+    const size_t *localSize, cl_uint numEventsInWaitList,
+    const cl_event *eventWaitList, cl_event *event);
+
+} // namespace corvane::hooks

@@ -1,0 +1,17 @@
+// Memory whose last transfer nobody can tell the end of.
+
+#pragma once
+
+#include "programs/BufferRecord.h"
+
+#include <vector>
+
+namespace corvane {
+
+/// Keeps \p copies until the process ends. For transfers that are under way
+/// while there is no event to tell when they are over: too long is better than
+/// too short. A copy that is kept already costs nothing more. Hold the agent
+/// lock.
+void keepForever(std::vector<HostCopy> copies);
+
+} // namespace corvane

@@ -1,0 +1,26 @@
+// Which kernels the application has, and which variants stand beside each.
+
+#pragma once
+
+#include <CL/cl.h>
+
+#include <string>
+
+namespace corvane {
+
+struct AgentState;
+
+/// Keeps a record of \p kernel, if its program is known, and has the runtime
+/// create the kernel's variants. A variant that cannot be created is reported.
+/// Hold the agent lock.
+void registerKernel(AgentState &state, cl_program program, cl_kernel kernel);
+
+/// The same for a kernel whose name the caller has read.
+void registerKernel(AgentState &state, cl_program program, cl_kernel kernel,
+                    std::string name);
+
+/// Forgets \p kernel, which the runtime has destroyed, and releases its
+/// variants. Does nothing for an unknown kernel. Hold the agent lock.
+void dropKernel(AgentState &state, cl_kernel kernel);
+
+} // namespace corvane

@@ -1,0 +1,65 @@
+// Measures completed runs on threads of the runtime.
+
+#include "launch/TimingTicket.h"
+
+#include "agent/ClError.h"
+#include "agent/RuntimeTable.h"
+#include "results/RawTimingLog.h"
+
+#include <new>
+#include <utility>
+
+using namespace corvane;
+
+// Nanoseconds on the device; 0, after a report, if the runtime does not tell.
+static std::uint64_t measure(cl_event event) {
+  cl_ulong start = 0;
+  cl_ulong end = 0;
+  if (const cl_int status = runtime().clGetEventProfilingInfo(
+          event, CL_PROFILING_COMMAND_START, sizeof start, &start, nullptr)) {
+    reportClError(CallSite::ProfilingStart, status);
+    return 0;
+  }
+  if (const cl_int status = runtime().clGetEventProfilingInfo(
+          event, CL_PROFILING_COMMAND_END, sizeof end, &end, nullptr)) {
+    reportClError(CallSite::ProfilingEnd, status);
+    return 0;
+  }
+  return end - start;
+}
+
+static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
+  std::lock_guard<std::mutex> lock(ticket.history->lock);
+  if (!ticket.history->open)
+    return;
+  ticket.record->timings.push_back({std::move(ticket.version), nanoseconds});
+  appendTiming(*ticket.history, *ticket.record);
+}
+
+// Without the agent lock: whoever holds it may be waiting for the runtime,
+// whose thread this is. The status is not looked at: a run that failed took its
+// time as well.
+static void CL_CALLBACK runCompleted(cl_event event, cl_int, void *userData) {
+  const std::unique_ptr<TimingTicket> ticket(
+      static_cast<TimingTicket *>(userData));
+  const std::uint64_t nanoseconds = measure(event);
+  try {
+    recordRun(*ticket, nanoseconds);
+  } catch (const std::bad_alloc &) {
+    // The thread is the runtime's; better to lose a row than the process.
+  }
+}
+
+cl_int corvane::timeRun(cl_event event, std::unique_ptr<TimingTicket> &ticket) {
+  const auto setCallback = runtime().clSetEventCallback;
+  if (!setCallback)
+    return CL_INVALID_OPERATION;
+
+  // The callback may run, and end the ticket, before the call returns.
+  TimingTicket *handedOver = ticket.release();
+  const cl_int status =
+      setCallback(event, CL_COMPLETE, runCompleted, handedOver);
+  if (status != CL_SUCCESS)
+    ticket.reset(handedOver);
+  return status;
+}

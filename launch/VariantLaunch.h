@@ -1,0 +1,40 @@
+// What has to be done to a variant before it can stand in for its kernel.
+
+#pragma once
+
+#include "launch/KernelRecord.h"
+#include "launch/Launch.h"
+
+#include <optional>
+
+namespace corvane {
+
+/// The ND range with which a variant is launched.
+struct VariantRange {
+  Sizes global{};
+  Sizes local{};
+
+  /// Null when the runtime is to choose.
+  const std::size_t *localSize() const {
+    return local[0] != 0 ? local.data() : nullptr;
+  }
+};
+
+/// The range with which \p variant takes \p launch, a regular one; nothing if a
+/// condition rejects the launch's sizes.
+std::optional<VariantRange>
+rangeFor(const llvm::TransformedKernelAgent &variant, const Launch &launch,
+         const Sizes &local);
+
+/// How many arguments the runtime says \p kernel has; nothing if it does not
+/// say.
+std::optional<cl_uint> argumentCount(cl_kernel kernel);
+
+/// Brings the arguments of \p variant up to date; if it has more of them than
+/// the application's kernel has, the last one gets the work-group counts of \p
+/// launch.
+void prepareArguments(KernelRecord &record, cl_kernel variant,
+                      const Launch &launch,
+                      std::optional<cl_uint> kernelArguments);
+
+} // namespace corvane

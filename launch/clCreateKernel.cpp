@@ -1,0 +1,24 @@
+// Creation of one kernel.
+
+#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
+#include "agent/RuntimeTable.h"
+#include "launch/Hooks.h"
+#include "launch/KernelRegistry.h"
+
+using namespace corvane;
+
+cl_kernel CL_API_CALL hooks::clCreateKernel(cl_program program,
+                                            const char *kernelName,
+                                            cl_int *errcodeRet) {
+  AgentGuard guard;
+  cl_int status = CL_SUCCESS;
+  cl_kernel kernel = runtime().clCreateKernel(program, kernelName, &status);
+  if (errcodeRet)
+    *errcodeRet = status;
+  if (status != CL_SUCCESS)
+    return kernel;
+  if (AgentState *state = agentState())
+    registerKernel(*state, program, kernel);
+  return kernel;
+}

@@ -1,0 +1,76 @@
+// Creation of all kernels of a program at once, without the variants.
+
+#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
+#include "agent/ClError.h"
+#include "agent/RuntimeTable.h"
+#include "launch/Hooks.h"
+#include "launch/KernelRegistry.h"
+#include "programs/CreatedKernels.h"
+#include "programs/KernelName.h"
+
+#include <string>
+#include <utility>
+
+using namespace corvane;
+
+static cl_uint countKernels(cl_program program) {
+  cl_uint count = 0;
+  const cl_int status =
+      runtime().clCreateKernelsInProgram(program, 0, nullptr, &count);
+  if (status == CL_SUCCESS)
+    return count;
+  reportClError(CallSite::CountKernelsInProgram, status);
+  return 0;
+}
+
+// Registers the ordinary kernels, writes them to kernels unless that is null,
+// and returns how many there are. There is room for all that the application
+// knows of: it has asked for the count before.
+static cl_uint keepOrdinary(AgentState &state, cl_program program,
+                            CreatedKernels &created, cl_kernel *kernels) {
+  cl_uint kept = 0;
+  while (!created.empty()) {
+    std::string name = readKernelName(created.front());
+    if (variantOf(name)) {
+      (void)created.releaseFront();
+      continue;
+    }
+    cl_kernel kernel = created.takeFront();
+    registerKernel(state, program, kernel, std::move(name));
+    if (kernels)
+      kernels[kept] = kernel;
+    ++kept;
+  }
+  return kept;
+}
+
+cl_int CL_API_CALL hooks::clCreateKernelsInProgram(cl_program program,
+                                                   cl_uint numKernels,
+                                                   cl_kernel *kernels,
+                                                   cl_uint *numKernelsRet) {
+  AgentGuard guard;
+  AgentState *state = agentState();
+  if (!state) {
+    const cl_int status = runtime().clCreateKernelsInProgram(
+        program, numKernels, kernels, numKernelsRet);
+    if (status != CL_SUCCESS)
+      reportClError(CallSite::CreateKernelsInProgram, status);
+    return status;
+  }
+  if (!state->programs.find(program))
+    return CL_INVALID_PROGRAM;
+
+  CreatedKernels created;
+  const cl_int status = created.createUpTo(countKernels(program), program);
+  if (status != CL_SUCCESS)
+    return status;
+  const cl_uint kept = keepOrdinary(*state, program, created, kernels);
+
+  // Kept on purpose: more room than kernels is refused, less is not noticed.
+  if (numKernels != 0 && kept < numKernels)
+    return CL_INVALID_VALUE;
+  if (numKernelsRet)
+    *numKernelsRet = kept;
+  return status;
+}
