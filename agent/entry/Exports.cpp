@@ -1,0 +1,37 @@
+// Loading and unloading of the agent.
+
+#include "agent/entry/Exports.h"
+
+#include "agent/AgentLock.h"
+#include "agent/DebugLog.h"
+#include "agent/Environment.h"
+#include "agent/Flags.h"
+#include "agent/entry/HookTable.h"
+#include "agent/entry/OutputLocation.h"
+#include "agent/entry/ProcessDetach.h"
+#include "agent/entry/Records.h"
+#include "results/Flush.h"
+
+using namespace corvane;
+
+cl_int clAgent_OnLoad(AgentOperations *agent) {
+  debugLog() << "Frontend loaded\n";
+  AgentGuard guard;
+  setHooksInstalled(false);
+  prepareOutput();
+  createAgentState();
+  watchForProcessDetach();
+
+  if (const cl_int status = installHooks(*agent); status != CL_SUCCESS)
+    return status;
+
+  setHooksInstalled(true);
+  setBypassVectorizationSafetyCheck(
+      lookUp(variable::bypassVectorizationSafetyCheck) != nullptr);
+  return CL_SUCCESS;
+}
+
+void clAgent_OnUnload(AgentOperations *) {
+  AgentGuard guard;
+  flushAutotuneResults();
+}

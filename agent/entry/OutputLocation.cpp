@@ -1,0 +1,36 @@
+// Decides, once a load, whether this process autotunes.
+
+#include "agent/entry/OutputLocation.h"
+
+#include "agent/DebugLog.h"
+#include "agent/Environment.h"
+#include "agent/Flags.h"
+#include "agent/platform/Platform.h"
+#include "results/RawTimingLog.h"
+
+#include <string>
+
+using namespace corvane;
+
+// The text is part of the interface, byte for byte.
+static void reportUnusable(const std::string &directory) {
+  writeError("CV: " + directory +
+             " is invalid. There will be no autotune output generated.\n");
+}
+
+void corvane::prepareOutput() {
+  // Looked up and deliberately ignored: the name is reserved.
+  (void)lookUp(variable::corvane);
+
+  const char *value = autotuneDir();
+  if (!value) {
+    setAutotuneOutput(false);
+    return;
+  }
+  const std::string directory = value;
+  platform::createDirectory(directory.c_str());
+  const bool usable = createRawLog(directory);
+  if (!usable)
+    reportUnusable(directory);
+  setAutotuneOutput(usable);
+}

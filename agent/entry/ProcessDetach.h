@@ -1,0 +1,14 @@
+// The end of the process, or of the library's stay in it.
+
+#pragma once
+
+namespace corvane {
+
+/// From now on the results are flushed when the process exits or the library is
+/// closed, if no unload has done so before. Any number of calls.
+///
+/// That flush takes no lock: on Windows the other threads have been stopped by
+/// then, and one may have held any lock.
+void watchForProcessDetach();
+
+} // namespace corvane
