@@ -17,6 +17,7 @@ void debug::string_ostream::dump() {
     std::ofstream file(path, std::ios::out | std::ios::app | std::ios::binary);
     if (file) {
       const std::string &log = str();
+      platform::makeErrorStreamBinary();
       std::cerr << std::to_string(log.size()) + "\n";
       file.write(log.data(), static_cast<std::streamsize>(log.size()));
     }
@@ -47,15 +48,20 @@ static debug::string_ostream &keptLog() {
   return log.stream;
 }
 
-llvm::raw_fd_ostream &corvane::errorStream() {
+static llvm::raw_fd_ostream &unbufferedStream() {
   alignas(llvm::raw_fd_ostream) static unsigned char
       storage[sizeof(llvm::raw_fd_ostream)];
-  static llvm::raw_fd_ostream &stream = []() -> llvm::raw_fd_ostream & {
-    platform::makeErrorStreamBinary();
-    return *new (storage) llvm::raw_fd_ostream(2, /*shouldClose=*/false,
-                                               /*unbuffered=*/true);
-  }();
+  static llvm::raw_fd_ostream &stream = *new (storage) llvm::raw_fd_ostream(
+      2, /*shouldClose=*/false, /*unbuffered=*/true);
   return stream;
+}
+
+void corvane::prepareErrorStream() { unbufferedStream(); }
+
+// Each time, for the application may have gone back to text meanwhile.
+llvm::raw_fd_ostream &corvane::errorStream() {
+  platform::makeErrorStreamBinary();
+  return unbufferedStream();
 }
 
 void corvane::writeError(llvm::StringRef line) {

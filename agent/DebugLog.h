@@ -36,6 +36,10 @@ namespace corvane {
 /// ends: the application may still call a hook then.
 llvm::raw_fd_ostream &errorStream();
 
+/// Makes that stream but leaves the descriptor as it is. Once this has been
+/// called, no use of the stream waits for another thread's.
+void prepareErrorStream();
+
 /// Writes \p line on the error stream in one piece, so that the lines of two
 /// threads never mix. A failure is forgotten: LLVM would end the process at
 /// exit for an error that nobody looked at.

@@ -12,9 +12,23 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
 
+if(WIN32)
+  include(CorvaneWindows)
+  if(CMAKE_CROSSCOMPILING)
+    corvane_prepare_cross_build()
+  endif()
+endif()
+
 find_package(Threads REQUIRED)
-find_package(LLVM ${CORVANE_LLVM_VERSION} REQUIRED CONFIG
+# Not by find_package's own version: LLVM calls 19.1 no match for 19.
+find_package(LLVM REQUIRED CONFIG
              HINTS "/usr/lib/llvm-${CORVANE_LLVM_VERSION}/lib/cmake/llvm")
+if(NOT LLVM_VERSION_MAJOR EQUAL CORVANE_LLVM_VERSION)
+  message(FATAL_ERROR
+    "LLVM ${LLVM_PACKAGE_VERSION} was found in ${LLVM_DIR}, but LLVM "
+    "${CORVANE_LLVM_VERSION} is wanted: install llvm-${CORVANE_LLVM_VERSION}-dev "
+    "or set CORVANE_LLVM_VERSION.")
+endif()
 message(STATUS "LLVM Support ${LLVM_PACKAGE_VERSION} from ${LLVM_DIR}")
 find_path(CORVANE_OPENCL_HEADERS CL/cl_icd.h REQUIRED
           DOC "Folder that holds CL/cl_icd.h")
@@ -36,9 +50,7 @@ if(MSVC)
 else()
   target_compile_options(corvane_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
-  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    target_compile_options(corvane_options INTERFACE -Wglobal-constructors)
-  else()
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # A unique symbol would keep the library in memory after it was closed.
     target_compile_options(corvane_options INTERFACE -fno-gnu-unique)
   endif()
@@ -56,12 +68,20 @@ target_include_directories(corvane_llvm SYSTEM INTERFACE ${LLVM_INCLUDE_DIRS})
 target_compile_definitions(corvane_llvm INTERFACE ${LLVM_DEFINITIONS_LIST})
 target_link_libraries(corvane_llvm INTERFACE LLVMSupport)
 
+# Code that is loaded into somebody's process runs nothing before it is asked.
+function(corvane_no_constructors target)
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_compile_options(${target} PRIVATE -Wglobal-constructors)
+  endif()
+endfunction()
+
 # A folder of ours: a static library that names the folders it may use. A call
 # against an arrow has nothing to link with.
 function(corvane_folder name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
   add_library(corvane_${name} STATIC ${arg_SOURCES})
   target_link_libraries(corvane_${name} PUBLIC corvane_options corvane_llvm)
+  corvane_no_constructors(corvane_${name})
   foreach(used IN LISTS arg_USES)
     target_link_libraries(corvane_${name} PUBLIC corvane_${used})
   endforeach()
@@ -72,6 +92,7 @@ endfunction()
 function(corvane_export_only target mapFile defFile)
   if(WIN32)
     target_sources(${target} PRIVATE "${defFile}")
+    corvane_finish_dll(${target})
   else()
     target_link_options(${target} PRIVATE
       "LINKER:--version-script=${mapFile}"

@@ -1,6 +1,19 @@
 # A binary of GoogleTest tests, each of which CTest runs in a process of its own.
 
-find_package(GTest REQUIRED)
+if(CMAKE_CROSSCOMPILING)
+  # Debian has GoogleTest built for itself only, but its sources as well.
+  find_path(CORVANE_GOOGLETEST_SOURCES googlemock/CMakeLists.txt
+            PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH
+            DOC "Folder that holds the sources of GoogleTest")
+  if(NOT CORVANE_GOOGLETEST_SOURCES)
+    message(FATAL_ERROR "The sources of GoogleTest were not found.\n"
+                        "On Debian: apt-get install googletest")
+  endif()
+  set(INSTALL_GTEST OFF CACHE BOOL "Not ours to install" FORCE)
+  add_subdirectory("${CORVANE_GOOGLETEST_SOURCES}" googletest EXCLUDE_FROM_ALL)
+else()
+  find_package(GTest REQUIRED)
+endif()
 include(GoogleTest)
 
 function(corvane_test name)
@@ -8,6 +21,11 @@ function(corvane_test name)
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE corvane_options ${arg_LINKS}
                         GTest::gmock_main)
+  if(WIN32)
+    # Where the DLL lies that it may need.
+    set_target_properties(${name} PROPERTIES
+      RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
                        PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
 endfunction()

@@ -31,6 +31,11 @@ static cl_uint keepOrdinary(AgentState &state, cl_program program,
                             CreatedKernels &created, cl_kernel *kernels) {
   cl_uint kept = 0;
   while (!created.empty()) {
+    if (!created.front()) {
+      // The runtime claims more kernels than it made.
+      (void)created.takeFront();
+      continue;
+    }
     std::string name = readKernelName(created.front());
     if (variantOf(name)) {
       (void)created.releaseFront();

@@ -6,7 +6,7 @@
 
 using namespace corvane;
 
-static constexpr std::size_t blockSize = 256 * 1024;
+static constexpr std::size_t blockSize = 262144;
 
 LineReader::LineReader(const std::string &path) : file(openFile(path, "rb")) {
   if (file)

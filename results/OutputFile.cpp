@@ -4,7 +4,7 @@
 
 using namespace corvane;
 
-static constexpr std::size_t bufferSize = 64 * 1024;
+static constexpr std::size_t bufferSize = 65536;
 
 OutputFile::OutputFile(const std::string &path) : file(openFile(path, "wb")) {
   SetBufferSize(bufferSize);

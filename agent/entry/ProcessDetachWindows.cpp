@@ -2,11 +2,14 @@
 
 #include "agent/entry/ProcessDetach.h"
 
+#include "agent/DebugLog.h"
 #include "results/Flush.h"
 
 #include <windows.h>
 
-void corvane::watchForProcessDetach() {}
+// The loader calls us unasked. But nothing may be made for the first time then:
+// a thread that was stopped while making it would have to be waited for.
+void corvane::watchForProcessDetach() { prepareErrorStream(); }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_DETACH)

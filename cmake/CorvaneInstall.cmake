@@ -1,0 +1,17 @@
+# What cmake --install copies: libraries, the report's script, the licence.
+
+# One folder for both: the layer looks for the agent beside itself.
+set(installed_libraries CorvaneAg)
+if(TARGET CorvaneLayer)
+  list(APPEND installed_libraries CorvaneLayer)
+endif()
+install(TARGETS ${installed_libraries}
+        LIBRARY DESTINATION lib
+        RUNTIME DESTINATION lib
+        ARCHIVE DESTINATION lib)
+
+# <prefix>/share/corvane is what $CORVANE_INSTALL_LOCATION has to name.
+if(TARGET corvane_graph_library)
+  install(FILES "${CORVANE_GRAPH_LIBRARY}" DESTINATION share/corvane)
+endif()
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION share/doc/corvane)

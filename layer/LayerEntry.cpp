@@ -1,0 +1,104 @@
+// The two calls by which an OpenCL loader finds and starts the layer.
+
+#include "layer/AgentLibrary.h"
+#include "layer/LayerAgent.h"
+#include "layer/LayerTable.h"
+#include "layer/NewerCalls.h"
+
+#include <CL/cl_layer.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+using namespace corvane::layer;
+
+static cl_int answer(const void *value, size_t size, size_t roomSize,
+                     void *room, size_t *sizeRet) {
+  if (room && roomSize < size)
+    return CL_INVALID_VALUE;
+  if (room)
+    std::memcpy(room, value, size);
+  if (sizeRet)
+    *sizeRet = size;
+  return CL_SUCCESS;
+}
+
+cl_int CL_API_CALL clGetLayerInfo(cl_layer_info paramName,
+                                  size_t paramValueSize, void *paramValue,
+                                  size_t *paramValueSizeRet) {
+  static constexpr cl_layer_api_version version = CL_LAYER_API_VERSION_100;
+  static constexpr char name[] = "CorvaneLayer";
+  switch (paramName) {
+  case CL_LAYER_API_VERSION:
+    return answer(&version, sizeof(version), paramValueSize, paramValue,
+                  paramValueSizeRet);
+  case CL_LAYER_NAME:
+    return answer(name, sizeof(name), paramValueSize, paramValue,
+                  paramValueSizeRet);
+  default:
+    return CL_INVALID_VALUE;
+  }
+}
+
+/// Lets the agent install its entries in `table`, and says what kept it from
+/// doing so; empty when all went well.
+static std::string startAgent(LayerTable &table) {
+  std::string problem;
+  const AgentLibrary library = loadAgentLibrary(problem);
+  if (!problem.empty())
+    return problem;
+
+  LayerAgent &agent = layerAgent(table);
+  const cl_int status = library.onLoad(&agent);
+  agent.acceptsTable = false;
+  if (status != CL_SUCCESS)
+    return "the agent library refused to start with status " +
+           std::to_string(status) +
+           "; check that layer and agent library are of one build";
+  serveNewerCalls(table);
+  return problem;
+}
+
+/// Fills `table` for a first initialisation, and says what is in the way of
+/// that; empty when the table may go to the loader.
+static std::string prepareTable(LayerTable &table,
+                                const cl_icd_dispatch &loaderTable,
+                                cl_uint count) {
+  // A table that already carries the agent's hooks must not become the one that
+  // the agent forwards to: its hooks would call themselves.
+  static std::atomic<bool> started{false};
+  if (started.exchange(true))
+    return "it was started before in this process; name it once only";
+  if (count < agentEntries)
+    return "the OpenCL loader offers " + std::to_string(count) +
+           " entry points where " + std::to_string(agentEntries) +
+           " are needed; install a newer loader";
+
+  copyLoaderTable(table, loaderTable, count);
+  return startAgent(table);
+}
+
+cl_int CL_API_CALL clInitLayer(cl_uint numEntries,
+                               const cl_icd_dispatch *targetDispatch,
+                               cl_uint *numEntriesRet,
+                               const cl_icd_dispatch **layerDispatchRet) {
+  if (!targetDispatch || !numEntriesRet || !layerDispatchRet)
+    return CL_INVALID_VALUE;
+
+  LayerTable &table = layerTable();
+  const std::string problem = prepareTable(table, *targetDispatch, numEntries);
+  if (problem.empty()) {
+    *numEntriesRet = table.count;
+    *layerDispatchRet = &table.entries;
+    return CL_SUCCESS;
+  }
+
+  // The loader's own table, given back, leaves the application as it was.
+  std::fprintf(stderr, "CorvaneLayer: %s. OpenCL runs on without it.\n",
+               problem.c_str());
+  *numEntriesRet = numEntries;
+  *layerDispatchRet = targetDispatch;
+  return CL_SUCCESS;
+}

@@ -1,0 +1,28 @@
+// The dispatch table that the layer hands to the OpenCL loader.
+
+#include "layer/LayerTable.h"
+
+#include <algorithm>
+#include <cstring>
+
+using namespace corvane::layer;
+
+static constexpr cl_uint knownEntries =
+    sizeof(cl_icd_dispatch) / sizeof(void *);
+
+static_assert(knownEntries >= agentEntries,
+              "the OpenCL headers describe less than the agent works on");
+
+LayerTable &corvane::layer::layerTable() {
+  static LayerTable table;
+  return table;
+}
+
+void corvane::layer::copyLoaderTable(LayerTable &table,
+                                     const cl_icd_dispatch &loaderTable,
+                                     cl_uint count) {
+  // A loader of another age may offer fewer entries than our headers know, so
+  // its table must not be copied as a whole.
+  table.count = std::min(count, knownEntries);
+  std::memcpy(&table.entries, &loaderTable, table.count * sizeof(void *));
+}
