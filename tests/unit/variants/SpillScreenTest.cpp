@@ -83,6 +83,8 @@ TEST(SpillScreen, StartsAtAWarningOnlyWhenItIsAWholeWord) {
 TEST(SpillScreen, StaysFlaggedByLaterWords) {
   EXPECT_TRUE(flags("calclCompile a b c k_coarsed_g0S4 "
                     "calclCompile a b c k Warning:"));
+  EXPECT_TRUE(flags("calclCompile a b c k_coarsed_g0S4 "
+                    "calclCompile a b c k_coarsed_g1S4"));
 }
 
 TEST(SpillScreen, PassesALogWithoutWords) {

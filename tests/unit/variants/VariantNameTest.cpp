@@ -135,6 +135,12 @@ TEST(VariantName, KnowsFiveLetters) {
   EXPECT_FALSE(isVariant("k_coarsed_x1"));
 }
 
+TEST(VariantName, IsSpoiltByAnUnknownLetterInALaterItem) {
+  for (const char *name : {"k_coarsed_g0S4a", "k_coarsed_g0S4z1",
+                           "k_coarsed_g0S4e0S4", "k_coarsed_g0S4x1d0S8"})
+    EXPECT_FALSE(isVariant(name)) << name;
+}
+
 TEST(VariantName, NeedsThreePieces) {
   EXPECT_FALSE(isVariant("coarsed_g0S4"));
   EXPECT_FALSE(isVariant("g0S4"));

@@ -1,0 +1,33 @@
+// Stands in for the C library's allocator: the GNU one lets a program do that,
+// and libraries then call the program's functions as well.
+
+#include "tests/behaviour/launch/AllocationCount.h"
+
+#include <cstddef>
+
+static thread_local long allocations = 0;
+
+long corvane::test::allocationCount() { return allocations; }
+
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void *__libc_realloc(void *memory, std::size_t size);
+
+__attribute__((visibility("default"))) void *malloc(std::size_t size) {
+  ++allocations;
+  return __libc_malloc(size);
+}
+
+__attribute__((visibility("default"))) void *calloc(std::size_t count,
+                                                    std::size_t size) {
+  ++allocations;
+  return __libc_calloc(count, size);
+}
+
+__attribute__((visibility("default"))) void *realloc(void *memory,
+                                                     std::size_t size) {
+  ++allocations;
+  return __libc_realloc(memory, size);
+}
+}

@@ -1,0 +1,34 @@
+// Has the sanitizer's allocator tell of every allocation.
+
+#include "tests/behaviour/launch/AllocationCount.h"
+
+#include <cstddef>
+
+extern "C" int __sanitizer_install_malloc_and_free_hooks(
+    void (*allocated)(const volatile void *, std::size_t),
+    void (*freed)(const volatile void *));
+
+static thread_local long allocations = 0;
+
+static void countAllocation(const volatile void *, std::size_t) {
+  ++allocations;
+}
+
+static void ignoreRelease(const volatile void *) {}
+
+long corvane::test::allocationCount() {
+  static const int installed =
+      __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
+  return installed != 0 ? allocations : -1;
+}
+
+// A buffer may be larger than any memory; that is a null pointer and no crash.
+extern "C" __attribute__((visibility("default"))) const char *
+__asan_default_options() {
+  return "allocator_may_return_null=1";
+}
+
+extern "C" __attribute__((visibility("default"))) const char *
+__tsan_default_options() {
+  return "allocator_may_return_null=1";
+}

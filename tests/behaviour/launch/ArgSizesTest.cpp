@@ -1,0 +1,119 @@
+// Tests of arguments of all sizes, and of indices that no kernel has.
+
+#include "tests/behaviour/launch/Application.h"
+#include "tests/support/Words.h"
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+#include <array>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::ElementsAre;
+
+namespace {
+struct OneArgument : Application {
+  explicit OneArgument(const std::function<void(DispatchTable &)> &prepare = {})
+      : Application({}, prepare) {
+    program.kernel("k", 1).kernel("k_coarsed_g0S4", 1);
+    kernel = create("k");
+  }
+  std::vector<std::string> replayed() {
+    runtime.forgetTranscript();
+    EXPECT_EQ(launch(kernel, {16}), CL_SUCCESS);
+    return runtime.transcript({"clSetKernelArg"});
+  }
+  cl_kernel kernel;
+};
+
+std::string setting(std::size_t size, const std::string &value) {
+  return "clSetKernelArg(kernel k_coarsed_g0S4, 0, " + std::to_string(size) +
+         ", " + value + ")";
+}
+} // namespace
+
+TEST(ArgSizes, HoldASixteenByteArgumentAsSixteenBytes) {
+  OneArgument app;
+  {
+    const std::array<unsigned char, 16> value{1, 2,  3,  4,  5,  6,  7,  8,
+                                              9, 10, 11, 12, 13, 14, 15, 16};
+    app.set(app.kernel, 0, value);
+  }
+  EXPECT_THAT(app.replayed(),
+              ElementsAre(setting(16, "01 02 03 04 05 06 07 08 09 0a 0b 0c 0d "
+                                      "0e 0f 10")));
+}
+
+TEST(ArgSizes, ReplayLocalMemoryAsASizeWithoutAValue) {
+  OneArgument app;
+  EXPECT_EQ(app.cl.clSetKernelArg(app.kernel, 0, 1024, nullptr), CL_SUCCESS);
+  EXPECT_THAT(app.replayed(), ElementsAre(setting(1024, "null")));
+}
+
+TEST(ArgSizes, MayChangeBetweenSmallAndLarge) {
+  OneArgument app;
+  unsigned char fill = 0;
+  for (const std::size_t size :
+       {4, 16, 8, 16, 12, 1, 12, 24, 2, 3, 3, 5, 8, 7, 256, 4}) {
+    const std::vector<unsigned char> value(size, ++fill);
+    app.cl.clSetKernelArg(app.kernel, 0, size, value.data());
+    EXPECT_THAT(app.replayed(),
+                ElementsAre(setting(size, bytesInWords(size, value.data()))));
+  }
+}
+
+TEST(ArgSizes, MayChangeToLocalMemoryAndBack) {
+  OneArgument app;
+  const std::vector<unsigned char> value(16, 3);
+  app.cl.clSetKernelArg(app.kernel, 0, value.size(), value.data());
+  app.cl.clSetKernelArg(app.kernel, 0, value.size(), nullptr);
+  EXPECT_THAT(app.replayed(), ElementsAre(setting(16, "null")));
+  app.cl.clSetKernelArg(app.kernel, 0, value.size(), value.data());
+  EXPECT_THAT(app.replayed(),
+              ElementsAre(setting(16, bytesInWords(16, value.data()))));
+}
+
+TEST(ArgSizes, MayBeMoreThanTheFirstThirtyThree) {
+  Application app;
+  app.program.kernel("k", 40).kernel("k_coarsed_g0S4d39S8", 40);
+  cl_kernel kernel = app.create("k");
+  for (cl_uint index = 0; index != 40; ++index)
+    EXPECT_EQ(app.set(kernel, 39 - index, cl_int{8}), CL_SUCCESS);
+  app.runtime.forgetTranscript();
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.runtime.transcript({"clSetKernelArg"}), testing::SizeIs(40));
+}
+
+namespace {
+decltype(DispatchTable::clSetKernelArg) honestSetting = nullptr;
+
+cl_int CL_API_CALL acceptAnyIndex(cl_kernel kernel, cl_uint index, size_t size,
+                                  const void *value) {
+  return index == 0 ? honestSetting(kernel, index, size, value) : CL_SUCCESS;
+}
+} // namespace
+
+TEST(ArgSizes, SurviveARuntimeThatAcceptsAnyIndex) {
+  OneArgument app([](DispatchTable &table) {
+    honestSetting = table.clSetKernelArg;
+    table.clSetKernelArg = acceptAnyIndex;
+  });
+  const std::vector<unsigned char> large(100, 1);
+  for (const cl_uint index : {0xFFFFFFFFU, 0xFFFFFFFEU, 0x7FFFFFFFU, 65536U})
+    EXPECT_EQ(
+        app.cl.clSetKernelArg(app.kernel, index, large.size(), large.data()),
+        CL_SUCCESS);
+  app.set(app.kernel, 0, cl_int{5});
+  EXPECT_THAT(app.replayed(), ElementsAre(setting(4, "05 00 00 00")));
+  EXPECT_EQ(app.release(app.kernel), CL_SUCCESS);
+}
+
+TEST(ArgSizes, RejectAVariantWhoseDivisorMeetsLocalMemory) {
+  Application app;
+  app.program.kernel("k", 1).kernel("k_coarsed_g0S4d0S4", 1);
+  cl_kernel kernel = app.create("k");
+  EXPECT_EQ(app.cl.clSetKernelArg(kernel, 0, 8, nullptr), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), ElementsAre(plainLaunch("k", "[16]")));
+}

@@ -1,0 +1,29 @@
+// What is written on the standard error stream meanwhile.
+
+#pragma once
+
+#include "tests/support/TempFolder.h"
+
+#include <string>
+
+namespace corvane::test {
+
+/// Collects all bytes written to file descriptor 2 while it lives, by whatever
+/// stream. One at a time.
+class ErrorCapture {
+public:
+  ErrorCapture();
+  ~ErrorCapture();
+  ErrorCapture(const ErrorCapture &) = delete;
+  ErrorCapture &operator=(const ErrorCapture &) = delete;
+
+  /// All that was written so far.
+  std::string text() const { return folder.read(name); }
+
+private:
+  static constexpr const char *name = "stderr.txt";
+  TempFolder folder;
+  int before;
+};
+
+} // namespace corvane::test

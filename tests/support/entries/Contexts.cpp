@@ -1,0 +1,69 @@
+// Contexts and command queues of the scripted runtime.
+
+#include "tests/support/entries/Entries.h"
+
+#include "tests/support/Words.h"
+#include "tests/support/World.h"
+
+using namespace corvane::test;
+
+cl_int CL_API_CALL fake::clRetainContext(cl_context context) {
+  return World::current("clRetainContext")
+      .retain("clRetainContext", context, CL_INVALID_CONTEXT);
+}
+
+cl_int CL_API_CALL fake::clReleaseContext(cl_context context) {
+  return World::current("clReleaseContext")
+      .release("clReleaseContext", context, CL_INVALID_CONTEXT);
+}
+
+cl_command_queue CL_API_CALL fake::clCreateCommandQueue(
+    cl_context context, cl_device_id device,
+    cl_command_queue_properties properties, cl_int *status) {
+  World &world = World::current("clCreateCommandQueue");
+  if (const auto failure =
+          world.begin("clCreateCommandQueue",
+                      {world.say(context), world.say(device),
+                       std::to_string(properties), place(status)})) {
+    setStatus(status, *failure);
+    return nullptr;
+  }
+  std::lock_guard<std::recursive_mutex> guard(world.lock);
+  const bool valid = world.objects.find(context) && world.objects.find(device);
+  setStatus(status, valid ? CL_SUCCESS : CL_INVALID_CONTEXT);
+  if (!valid)
+    return nullptr;
+  auto queue = std::make_shared<Queue>();
+  queue->properties = properties;
+  return world.objects.add<cl_command_queue>(queue);
+}
+
+cl_int CL_API_CALL fake::clRetainCommandQueue(cl_command_queue queue) {
+  return World::current("clRetainCommandQueue")
+      .retain("clRetainCommandQueue", queue, CL_INVALID_COMMAND_QUEUE);
+}
+
+cl_int CL_API_CALL fake::clReleaseCommandQueue(cl_command_queue queue) {
+  return World::current("clReleaseCommandQueue")
+      .release("clReleaseCommandQueue", queue, CL_INVALID_COMMAND_QUEUE);
+}
+
+static cl_int callOnQueue(const char *entry, cl_command_queue queue) {
+  World &world = World::current(entry);
+  if (const auto failure = world.begin(entry, {world.say(queue)}))
+    return *failure;
+  std::lock_guard<std::recursive_mutex> guard(world.lock);
+  return world.objects.find(queue) ? CL_SUCCESS : CL_INVALID_COMMAND_QUEUE;
+}
+
+cl_int CL_API_CALL fake::clFlush(cl_command_queue queue) {
+  return callOnQueue("clFlush", queue);
+}
+
+cl_int CL_API_CALL fake::clFinish(cl_command_queue queue) {
+  const cl_int status = callOnQueue("clFinish", queue);
+  while (status == CL_SUCCESS &&
+         World::current("clFinish").commands.runFirst()) {
+  }
+  return status;
+}

@@ -1,0 +1,68 @@
+// Events of the scripted runtime.
+
+#include "tests/support/entries/Entries.h"
+
+#include "tests/support/Words.h"
+#include "tests/support/World.h"
+
+using namespace corvane::test;
+
+using Lock = std::lock_guard<std::recursive_mutex>;
+
+cl_int CL_API_CALL fake::clRetainEvent(cl_event event) {
+  return World::current("clRetainEvent")
+      .retain("clRetainEvent", event, CL_INVALID_EVENT);
+}
+
+cl_int CL_API_CALL fake::clReleaseEvent(cl_event event) {
+  return World::current("clReleaseEvent")
+      .release("clReleaseEvent", event, CL_INVALID_EVENT);
+}
+
+cl_int CL_API_CALL fake::clSetEventCallback(
+    cl_event handle, cl_int type,
+    void(CL_CALLBACK *callback)(cl_event, cl_int, void *), void *userData) {
+  World &world = World::current("clSetEventCallback");
+  if (const auto failure = world.begin("clSetEventCallback",
+                                       {world.say(handle), std::to_string(type),
+                                        place(callback), place(userData)}))
+    return *failure;
+  std::shared_ptr<Event> event;
+  {
+    Lock guard(world.lock);
+    event = world.objects.find(handle);
+  }
+  if (!event)
+    return CL_INVALID_EVENT;
+  if (!callback || type != CL_COMPLETE)
+    return CL_INVALID_VALUE;
+  world.commands.whenOver(
+      event, [=](cl_int status) { callback(handle, status, userData); });
+  return CL_SUCCESS;
+}
+
+cl_int CL_API_CALL fake::clGetEventProfilingInfo(cl_event handle,
+                                                 cl_profiling_info what,
+                                                 size_t room, void *value,
+                                                 size_t *size) {
+  World &world = World::current("clGetEventProfilingInfo");
+  if (const auto failure =
+          world.begin("clGetEventProfilingInfo",
+                      {world.say(handle), profilingInfoName(what),
+                       std::to_string(room), place(value), place(size)}))
+    return *failure;
+  Lock guard(world.lock);
+  const auto event = world.objects.findInUse(handle);
+  if (!event)
+    return CL_INVALID_EVENT;
+  if (!event->profiled || !event->over())
+    return CL_PROFILING_INFO_NOT_AVAILABLE;
+  switch (what) {
+  case CL_PROFILING_COMMAND_START:
+    return answerValue(Wanted{room, value, size}, event->start);
+  case CL_PROFILING_COMMAND_END:
+    return answerValue(Wanted{room, value, size}, event->end);
+  default:
+    return CL_INVALID_VALUE;
+  }
+}

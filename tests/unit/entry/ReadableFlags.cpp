@@ -1,0 +1,26 @@
+// Stands in for the agent's flags and remembers what was written.
+
+#include "tests/unit/entry/ReadableFlags.h"
+
+#include "agent/Flags.h"
+
+using namespace corvane;
+
+static bool autotune = false;
+
+test::WrittenFlags &test::writtenFlags() {
+  static auto &flags = *new WrittenFlags;
+  return flags;
+}
+
+bool corvane::autotuneOutput() { return autotune; }
+
+void corvane::setAutotuneOutput(bool on) { autotune = on; }
+
+void corvane::setHooksInstalled(bool installed) {
+  test::writtenFlags().hooksInstalled.push_back(installed);
+}
+
+void corvane::setBypassVectorizationSafetyCheck(bool bypass) {
+  test::writtenFlags().bypass.push_back(bypass);
+}

@@ -1,0 +1,84 @@
+// Files that take only a part of what they are given.
+
+#include "TestState.h"
+#include "results/OutputFile.h"
+#include "tests/support/EnvGuard.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <sys/resource.h>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+/// No file of this process grows beyond some bytes, as on a full disk.
+class FileSizeLimit {
+public:
+  explicit FileSizeLimit(rlim_t bytes)
+      : handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handlerBefore);
+  }
+  FileSizeLimit(const FileSizeLimit &) = delete;
+  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+  rlimit before{};
+  void (*handlerBefore)(int);
+};
+
+struct FullDisk : testing::Test {
+  TempFolder folder;
+  EnvGuard directory{"CORVANE_AUTOTUNE", folder.text()};
+  TestState state;
+  LaunchRecord &launch = state.addLaunch("k", 1, {2, 0, 0}, {1, 0, 0});
+};
+
+constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
+                               "y_local,z_local,coarsed_kernel,time\n";
+constexpr const char *row = "k,2,,,1,,,baseline,1.000\n";
+
+} // namespace
+
+TEST_F(FullDisk, LeavesTheLogAsItWasWhenARowDoesNotFit) {
+  state.complete(launch, "", 1000);
+  const std::string whole = std::string(header) + row;
+  {
+    const FileSizeLimit limit(whole.size() + 10);
+    state.complete(launch, "", 2000);
+    EXPECT_EQ(folder.read(".auto.csv"), whole);
+  }
+  state.complete(launch, "", 3000);
+  EXPECT_EQ(folder.read(".auto.csv"), whole + "k,2,,,1,,,baseline,3.000\n");
+}
+
+TEST_F(FullDisk, EndsARewriteBehindTheLastRowThatFits) {
+  const std::string fitting = std::string(header) + row + row;
+  directory.set(nullptr);
+  for (int i = 0; i != 5; ++i)
+    state.complete(launch, "", 1000);
+  directory.set(folder.text());
+  const FileSizeLimit limit(fitting.size() + 10);
+  state.complete(launch, "", 1000);
+  EXPECT_EQ(folder.read(".auto.csv"), fitting);
+}
+
+TEST_F(FullDisk, EndsNobodyWhoWritesAPage) {
+  const std::string path = folder.file("page.html");
+  {
+    const FileSizeLimit limit(100);
+    OutputFile out(path);
+    out << std::string(500'000, 'x');
+  }
+  EXPECT_EQ(folder.read("page.html"), std::string(100, 'x'));
+}

@@ -1,0 +1,219 @@
+// The raw timing log as it grows on disk, byte for byte.
+
+#include "results/RawTimingLog.h"
+
+#include "TestState.h"
+#include "agent/Flags.h"
+#include "tests/support/EnvGuard.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
+                               "y_local,z_local,coarsed_kernel,time\n";
+
+struct RawTimingLog : testing::Test {
+  TempFolder folder;
+  EnvGuard directory{"CORVANE_AUTOTUNE", folder.text()};
+  TestState state;
+
+  std::string log() const { return folder.read(".auto.csv"); }
+};
+
+} // namespace
+
+TEST_F(RawTimingLog, LivesInTheDirectoryWhoseTextItKeeps) {
+  EXPECT_EQ(rawLogPath("out"), "out/.auto.csv");
+  EXPECT_EQ(rawLogPath("out/"), "out//.auto.csv");
+  EXPECT_EQ(rawLogPath("C:\\out dir "), "C:\\out dir /.auto.csv");
+}
+
+TEST_F(RawTimingLog, OfAnEmptyDirectoryIsAtTheRoot) {
+  EXPECT_EQ(rawLogPath(""), "/.auto.csv");
+}
+
+TEST_F(RawTimingLog, IsCreatedWithItsHeaderOnly) {
+  EXPECT_TRUE(createRawLog(folder.text()));
+  EXPECT_EQ(log(), header);
+}
+
+TEST_F(RawTimingLog, IsEmptiedByAnotherLoad) {
+  ASSERT_TRUE(folder.write(".auto.csv", std::string(5000, 'x')));
+  EXPECT_TRUE(createRawLog(folder.text()));
+  EXPECT_EQ(log(), header);
+}
+
+TEST_F(RawTimingLog, CannotBeCreatedInAFolderThatDoesNotExist) {
+  EXPECT_FALSE(createRawLog(folder.file("missing/deeper")));
+  EXPECT_FALSE(folder.has("missing"));
+}
+
+TEST_F(RawTimingLog, CannotBeCreatedWhereAFolderHasItsName) {
+  std::filesystem::create_directory(folder.file(".auto.csv"));
+  EXPECT_FALSE(createRawLog(folder.text()));
+}
+
+TEST_F(RawTimingLog, NamesTheOriginalBaseline) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
+  state.complete(launch, "", 12345);
+  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,baseline,12.345\n");
+}
+
+TEST_F(RawTimingLog, NamesAVariantByItsSpecText) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
+  state.complete(launch, "g0S4", 9500);
+  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,g0S4,9.500\n");
+}
+
+TEST_F(RawTimingLog, LeavesDimensionsEmptyThatTheLaunchDoesNotHave) {
+  const auto key = [&](std::uint32_t workDim) {
+    return launchKey(state.addLaunch("k", workDim, {8, 7, 6}, {4, 3, 2}));
+  };
+  EXPECT_EQ(key(0), "k,,,,,,");
+  EXPECT_EQ(key(1), "k,8,,,4,,");
+  EXPECT_EQ(key(2), "k,8,7,,4,3,");
+  EXPECT_EQ(key(3), "k,8,7,6,4,3,2");
+  EXPECT_EQ(key(std::numeric_limits<std::uint32_t>::max()), "k,8,7,6,4,3,2");
+}
+
+TEST_F(RawTimingLog, WritesZeroForLocalSizesThatWereNotGiven) {
+  EXPECT_EQ(launchKey(state.addLaunch("k", 2, {8, 7, 0}, {})), "k,8,7,,0,0,");
+}
+
+TEST_F(RawTimingLog, WritesSizesOfAnyMagnitude) {
+  const std::size_t huge = std::numeric_limits<std::size_t>::max();
+  EXPECT_EQ(launchKey(state.addLaunch("k", 1, {huge, 0, 0}, {1, 0, 0})),
+            "k,18446744073709551615,,,1,,");
+}
+
+TEST_F(RawTimingLog, WritesDurationsInMicrosecondsWithThreeDecimals) {
+  EXPECT_EQ(timeText(0), "0.000");
+  EXPECT_EQ(timeText(7), "0.007");
+  EXPECT_EQ(timeText(999), "0.999");
+  EXPECT_EQ(timeText(1000), "1.000");
+  EXPECT_EQ(timeText(12345), "12.345");
+  EXPECT_EQ(timeText(2000000), "2000.000");
+  EXPECT_EQ(timeText(std::numeric_limits<std::uint64_t>::max()),
+            "18446744073709552.000"); // as C's "%.3f" has it
+}
+
+TEST_F(RawTimingLog, GetsOneRowForEachCompletedRunInOrderOfCompletion) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &first = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  LaunchRecord &second = state.addLaunch("b", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(second, "", 3000);
+  state.complete(first, "g0S4", 1000);
+  state.complete(first, "", 2000);
+  EXPECT_EQ(log(), std::string(header) + "b,2,,,1,,,baseline,3.000\n"
+                                         "a,2,,,1,,,g0S4,1.000\n"
+                                         "a,2,,,1,,,baseline,2.000\n");
+}
+
+TEST_F(RawTimingLog, IsRecreatedWithEveryRowAfterItWasDeleted) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &first = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  LaunchRecord &second = state.addLaunch("b", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(second, "", 3000);
+  state.complete(first, "g0S4", 1000);
+  std::filesystem::remove(folder.file(".auto.csv"));
+
+  state.complete(first, "", 2000);
+
+  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
+                                         "a,2,,,1,,,baseline,2.000\n"
+                                         "b,2,,,1,,,baseline,3.000\n");
+}
+
+TEST_F(RawTimingLog, IsRecreatedAfterItWasEmptied) {
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "g0S4", 1000);
+  ASSERT_TRUE(folder.write(".auto.csv", ""));
+  state.complete(launch, "", 2000);
+  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
+                                         "a,2,,,1,,,baseline,2.000\n");
+}
+
+TEST_F(RawTimingLog, IsNotLookedAtBehindItsFirstByte) {
+  ASSERT_TRUE(folder.write(".auto.csv", "#\n"));
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "", 1000);
+  EXPECT_EQ(log(), "#\na,2,,,1,,,baseline,1.000\n");
+}
+
+TEST_F(RawTimingLog, FollowsTheVariableToAnotherDirectory) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  TempFolder other;
+  directory.set(other.text());
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "", 1000);
+  EXPECT_EQ(log(), header);
+  EXPECT_EQ(other.read(".auto.csv"),
+            std::string(header) + "a,2,,,1,,,baseline,1.000\n");
+}
+
+TEST_F(RawTimingLog, GetsNothingWhileTheVariableIsAway) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  directory.set(nullptr);
+  state.complete(launch, "", 1000);
+  EXPECT_EQ(log(), header);
+}
+
+TEST_F(RawTimingLog, IsNotTouchedWithoutAutotuning) {
+  setAutotuneOutput(false);
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "", 1000);
+  EXPECT_FALSE(folder.has(".auto.csv"));
+}
+
+TEST_F(RawTimingLog, IsNotTouchedOnceTheHistoryIsClosed) {
+  state.history().open = false;
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "", 1000);
+  EXPECT_FALSE(folder.has(".auto.csv"));
+}
+
+TEST_F(RawTimingLog, IsLostInSilenceWithItsDirectoryAndComesBackWithIt) {
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  directory.set(folder.file("later"));
+  testing::internal::CaptureStderr();
+  state.complete(launch, "g0S4", 1000);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_FALSE(folder.has("later"));
+
+  std::filesystem::create_directory(folder.file("later"));
+  state.complete(launch, "", 2000);
+  EXPECT_EQ(folder.read("later/.auto.csv"), std::string(header) +
+                                                "a,2,,,1,,,g0S4,1.000\n"
+                                                "a,2,,,1,,,baseline,2.000\n");
+}
+
+TEST_F(RawTimingLog, ThatIsAFolderIsLeftAlone) {
+  std::filesystem::create_directory(folder.file(".auto.csv"));
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  state.complete(launch, "", 1000);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.file(".auto.csv")));
+}
+
+TEST_F(RawTimingLog, KeepsNamesOfAnyBytes) {
+  ASSERT_TRUE(createRawLog(folder.text()));
+  LaunchRecord &launch = state.addLaunch("\xff %s\"<,", 0, {}, {});
+  state.complete(launch, "%n", 1);
+  EXPECT_EQ(log(), std::string(header) + "\xff %s\"<,,,,,,,,%n,0.001\n");
+}
+
+TEST_F(RawTimingLog, GetsNoRowFromALaunchWithoutTimings) {
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  const std::lock_guard<std::mutex> lock(state.history().lock);
+  appendTiming(state.history(), launch);
+  EXPECT_FALSE(folder.has(".auto.csv"));
+}

@@ -1,0 +1,152 @@
+// Which files a report consists of, and that none of them needs the others.
+
+#include "results/ReportWriter.h"
+
+#include "Configs.h"
+#include "tests/support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+struct WriteReport : testing::Test {
+  TempFolder folder;
+  ReportJob job;
+
+  WriteReport() {
+    job.outputDirectory = folder.text();
+    job.installLocation = "/opt/x";
+    std::filesystem::create_directory(folder.file("html"));
+  }
+
+  /// All files in the folder, as paths from it.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto &entry :
+         std::filesystem::recursive_directory_iterator(folder.path()))
+      if (!entry.is_directory())
+        names.push_back(
+            entry.path().lexically_relative(folder.path()).generic_string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+};
+
+} // namespace
+
+TEST_F(WriteReport, WritesThreePagesAConfigurationBesideTheCommonFiles) {
+  job.configs = {config("b", {{"baseline", {1}}}),
+                 config("a", {{"baseline", {1}}})};
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_THAT(files(), ElementsAre("autotune.csv", "html/a_1024___64__.html",
+                                   "html/a_1024___64___graph.html",
+                                   "html/a_1024___64___table.html",
+                                   "html/b_1024___64__.html",
+                                   "html/b_1024___64___graph.html",
+                                   "html/b_1024___64___table.html",
+                                   "html/index.html", "main.html"));
+}
+
+TEST_F(WriteReport, PutsEachPageUnderItsName) {
+  job.configs = {config("k", {{"baseline", {1}}})};
+  writeReport(job);
+  EXPECT_THAT(folder.read("html/k_1024___64___graph.html"),
+              HasSubstr("src=\"file:///opt/x/dygraph-combined.js\""));
+  EXPECT_THAT(folder.read("html/k_1024___64___table.html"),
+              StartsWith("<html><body>\n<table"));
+  EXPECT_THAT(folder.read("html/k_1024___64__.html"),
+              HasSubstr("<frame src=\"k_1024___64___table.html\">"));
+  EXPECT_THAT(folder.read("html/index.html"),
+              HasSubstr("<li><a class=\"el\" href=\"k_1024___64__.html\" "
+                        "target=\"basefrm\"> k [ x:1024/64 ]  </a> \n"));
+  EXPECT_THAT(folder.read("main.html"),
+              HasSubstr("<frame src=\"html/k_1024___64__.html\" "));
+}
+
+TEST_F(WriteReport, WritesOnlyTheCommonFilesWithoutConfigurations) {
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_THAT(files(),
+              ElementsAre("autotune.csv", "html/index.html", "main.html"));
+  EXPECT_EQ(folder.read("autotune.csv"),
+            "kernel,x_global,y_global,z_global,x_local,y_local,z_local,"
+            "coarsed_kernel,time,outlier\n");
+  EXPECT_THAT(folder.read("html/index.html"), HasSubstr("<ul>\n</ul>\n"));
+  EXPECT_THAT(folder.read("main.html"),
+              HasSubstr("<frame src=\"html/\" name=\"basefrm\">"));
+}
+
+TEST_F(WriteReport, LinksEachTableToItsRows) {
+  job.configs = {config("a", {{"baseline", {1, 2, 3}}, {"g0S4", {1, 2}}}),
+                 config("b", {{"baseline", {1, 2}}})};
+  writeReport(job);
+  EXPECT_THAT(folder.read("html/a_1024___64___table.html"),
+              HasSubstr("(line 1-5)"));
+  EXPECT_THAT(folder.read("html/b_1024___64___table.html"),
+              HasSubstr("(line 6-7)"));
+}
+
+TEST_F(WriteReport, WorksForAConfigurationWithoutABaseline) {
+  job.configs = {config("k", {{"g0S4", {1}}})};
+  writeReport(job);
+  EXPECT_THAT(folder.read("html/k_1024___64___table.html"),
+              HasSubstr("<td> 1.000 </td><td> 0.0x </td>"));
+  EXPECT_THAT(folder.read("html/k_1024___64___graph.html"),
+              HasSubstr("\"iter,g0S4\\n\"\n+ \"1,1\\n\"\n"));
+}
+
+TEST_F(WriteReport, ReplacesAnOlderReportAndKeepsOtherPages) {
+  ASSERT_TRUE(folder.write("main.html", std::string(9999, 'x')));
+  ASSERT_TRUE(folder.write("html/old_1___1__.html", "old"));
+  writeReport(job);
+  EXPECT_THAT(folder.read("main.html"), StartsWith("<!DOCTYPE html>\n<head>"));
+  EXPECT_EQ(folder.read("html/old_1___1__.html"), "old");
+}
+
+TEST_F(WriteReport, LeavesOutWhatCannotBeCreatedAndWritesTheRest) {
+  job.configs = {config("k", {{"baseline", {1}}})};
+  std::filesystem::create_directory(folder.file("autotune.csv"));
+  std::filesystem::create_directory(
+      folder.file("html/k_1024___64___graph.html"));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_THAT(files(),
+              ElementsAre("html/index.html", "html/k_1024___64__.html",
+                          "html/k_1024___64___table.html", "main.html"));
+}
+
+TEST_F(WriteReport, WritesNothingWhereThereIsNoDirectory) {
+  job.outputDirectory = folder.file("missing");
+  job.configs = {config("k", {{"baseline", {1}}})};
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(WriteReport, WritesNoPageOutsideOfTheReport) {
+  using namespace std::string_literals;
+  std::filesystem::create_directory(folder.file("html/sub"));
+  for (const std::string &name :
+       {"../up"s, "sub/page"s, "/corvane-absolute"s, "nul\0byte"s})
+    job.configs.push_back(config(name, {{"baseline", {1}}}));
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_THAT(files(),
+              ElementsAre("autotune.csv", "html/index.html", "main.html"));
+  EXPECT_THAT(folder.read("html/index.html"), HasSubstr("../up_1024___64__"));
+}
+
+TEST_F(WriteReport, SurvivesANameThatIsTooLongForAFile) {
+  job.configs = {config(std::string(5000, 'k'), {{"baseline", {1}}}),
+                 config("k", {{"baseline", {1}}})};
+  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_TRUE(folder.has("html/k_1024___64__.html"));
+  EXPECT_TRUE(folder.has("main.html"));
+}
