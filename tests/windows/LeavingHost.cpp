@@ -1,0 +1,111 @@
+// A host that the agent leaves without having been unloaded.
+//
+// leaving_host MODE, with the agent configured by the environment as usual:
+//   free    frees the library
+//   exit    returns from main
+//   locked  returns from main while other threads hold what can be held: the
+//           agent lock, for ever in a build; the lock of the standard error
+//           stream; those of the heap and of the environment, again and again
+
+#include "agent/AgentInterface.h"
+#include "agent/DispatchTable.h"
+#include "tests/windows/Library.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include <windows.h>
+
+using namespace corvane;
+using namespace corvane::test;
+
+static DispatchTable current;
+static std::atomic<unsigned> threadsAtWork{0};
+
+static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
+                                   std::size_t size) {
+  std::memcpy(table, &current, size);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL setTable(AgentOperations *, void *table,
+                                   std::size_t size) {
+  std::memcpy(&current, table, size);
+  return CL_SUCCESS;
+}
+
+// The agent holds its lock over this call.
+static cl_int CL_API_CALL buildForEver(cl_program, cl_uint,
+                                       const cl_device_id *, const char *,
+                                       void(CL_CALLBACK *)(cl_program, void *),
+                                       void *) {
+  ++threadsAtWork;
+  Sleep(INFINITE);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL failToRelease(cl_program) {
+  return CL_INVALID_PROGRAM;
+}
+
+static void holdErrorStream() {
+  _lock_file(stderr);
+  ++threadsAtWork;
+  Sleep(INFINITE);
+}
+
+// Opens no files: Wine itself stops when it ends a thread that is opening one.
+static void useCRuntime() {
+  ++threadsAtWork;
+  for (std::size_t length = 1;; length = length % 1000 + 1)
+    _putenv(("LEAVING_HOST=" + std::string(length, 'x')).c_str());
+}
+
+static void startThreads() {
+  std::thread([] {
+    current.clBuildProgram(nullptr, 0, nullptr, nullptr, nullptr, nullptr);
+  }).detach();
+  std::thread(holdErrorStream).detach();
+  std::thread(useCRuntime).detach();
+  std::thread(useCRuntime).detach();
+  while (threadsAtWork != 4)
+    Sleep(1);
+}
+
+// As if a kernel and a variant of it had run.
+static void writeRows(const std::string &directory) {
+  std::ofstream log(directory + "/.auto.csv", std::ios::app | std::ios::binary);
+  log << "scale,64,,,8,,,g0S2,2.500\n"
+         "scale,64,,,8,,,baseline,4.000\n";
+}
+
+int main(int count, char **arguments) {
+  const std::string mode = count == 2 ? arguments[1] : "";
+  const char *directory = std::getenv("CORVANE_AUTOTUNE");
+  if ((mode != "free" && mode != "exit" && mode != "locked") || !directory) {
+    std::fprintf(stderr, "usage: CORVANE_AUTOTUNE=... leaving_host MODE\n");
+    return 2;
+  }
+
+  current.clBuildProgram = buildForEver;
+  current.clReleaseProgram = failToRelease;
+  AgentOperations agent{{}, getTable, setTable};
+  void *library = loadOrEnd("CorvaneAg.dll");
+  if (findFunction<cl_int (*)(AgentOperations *)>(library, "clAgent_OnLoad")(
+          &agent) != CL_SUCCESS)
+    return 3;
+  writeRows(directory);
+  if (mode == "locked")
+    startThreads();
+  if (mode == "free") {
+    freeLibrary(library);
+    // Whether it was freed indeed; whoever looks for results looks later.
+    return GetModuleHandleA("CorvaneAg.dll") ? 4 : 0;
+  }
+  return 0;
+}

@@ -1,0 +1,68 @@
+// The results are written when the library leaves without an unload.
+
+#include "tests/support/TempFolder.h"
+#include "tests/windows/Process.h"
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+using namespace corvane::test;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+static Finished leave(const TempFolder &folder, const std::string &mode) {
+  return runProgram("leaving_host", mode,
+                    {{"CORVANE_AUTOTUNE", folder.text()},
+                     {"CORVANE_INSTALL_LOCATION", "C:\\tools"},
+                     {"CORVANE_DUMP_LOG", folder.file("log.txt")}});
+}
+
+static void expectReport(const TempFolder &folder) {
+  EXPECT_THAT(folder.read("autotune.csv"), HasSubstr("g0S2,2.5, \n"));
+  EXPECT_THAT(folder.read("main.html"), HasSubstr("scale_64___8__.html"));
+  EXPECT_THAT(folder.read("html/index.html"), HasSubstr("scale"));
+  EXPECT_THAT(folder.read("html/scale_64___8___graph.html"),
+              HasSubstr("file://C:/tools/dygraph-combined.js"));
+  EXPECT_THAT(folder.read("html/scale_64___8___table.html"),
+              HasSubstr("baseline"));
+}
+
+TEST(Leaving, ByBeingFreedWritesReportAndLog) {
+  TempFolder folder;
+  const Finished host = leave(folder, "free");
+  EXPECT_EQ(host.exitCode, 0U);
+  EXPECT_EQ(host.errors, "16\n");
+  expectReport(folder);
+  EXPECT_EQ(folder.read("log.txt"), "Frontend loaded\n");
+}
+
+TEST(Leaving, WithTheProcessWritesReportAndLog) {
+  TempFolder folder;
+  const Finished host = leave(folder, "exit");
+  EXPECT_EQ(host.exitCode, 0U);
+  EXPECT_EQ(host.errors, "16\n");
+  expectReport(folder);
+  EXPECT_EQ(folder.read("log.txt"), "Frontend loaded\n");
+}
+
+TEST(Leaving, WithTheProcessWaitsForNoThreadThatWasEndedWithALock) {
+  // What the threads hold when they end differs from time to time.
+  for (int i = 0; i != 10; ++i) {
+    TempFolder folder;
+    const Finished host = leave(folder, "locked");
+    EXPECT_EQ(host.exitCode, 0U) << host.errors;
+    expectReport(folder);
+  }
+}
+
+TEST(Leaving, WithoutAnInstallLocationSaysSoOnce) {
+  TempFolder folder;
+  const Finished host = runProgram(
+      "leaving_host", "exit",
+      {{"CORVANE_AUTOTUNE", folder.text()}, {"CORVANE_INSTALL_LOCATION", ""}});
+  EXPECT_EQ(host.exitCode, 0U);
+  EXPECT_EQ(host.errors, "CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+  EXPECT_TRUE(folder.has(".auto.csv"));
+  EXPECT_FALSE(folder.has("autotune.csv"));
+  EXPECT_FALSE(folder.has("html"));
+}

@@ -1,0 +1,57 @@
+// Output directories with blanks and with letters outside ASCII.
+
+#include "tests/support/ErrorCapture.h"
+#include "tests/support/FakeRuntime.h"
+#include "tests/support/LoadedAgent.h"
+#include "tests/support/TempFolder.h"
+#include "tests/windows/NarrowText.h"
+
+#include "gtest/gtest.h"
+
+#include <filesystem>
+
+using namespace corvane::test;
+
+// The letters are in the character set of Western Europe and the Americas.
+static const wchar_t *const folderName =
+    L"r\u00e9sultats \u00e0 c\u00f4t\u00e9";
+
+TEST(OutputDirectory, MayHaveBlanksAndLettersOutsideAscii) {
+  ASSERT_NE(narrow(folderName), "");
+  TempFolder folder;
+  const std::string directory = folder.text() + "\\" + narrow(folderName);
+  FakeRuntime runtime;
+  {
+    LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", directory},
+                                {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
+  }
+  // The name that Windows gives the directory, not what we took it for.
+  const std::filesystem::path made = folder.path() / folderName;
+  for (const char *name :
+       {".auto.csv", "autotune.csv", "main.html", "html/index.html"})
+    EXPECT_NE(readBytes(made / name), "") << name;
+}
+
+TEST(OutputDirectory, ThatIsInvalidIsNamedInTheBytesOfTheVariable) {
+  TempFolder folder;
+  const std::string directory =
+      folder.text() + "\\missing\\" + narrow(folderName);
+  FakeRuntime runtime;
+  ErrorCapture errors;
+  LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", directory}});
+  EXPECT_EQ(errors.text(),
+            "CV: " + directory +
+                " is invalid. There will be no autotune output generated.\n");
+}
+
+TEST(OutputDirectory, MayEndWithEitherSeparator) {
+  for (const char *separator : {"/", "\\"}) {
+    TempFolder folder;
+    FakeRuntime runtime;
+    LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", folder.text() + separator},
+                                {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
+    agent.unload();
+    EXPECT_TRUE(folder.has("autotune.csv")) << separator;
+    EXPECT_TRUE(folder.has("html/index.html")) << separator;
+  }
+}

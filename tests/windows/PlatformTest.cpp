@@ -1,0 +1,77 @@
+// The platform functions of Windows.
+
+#include "agent/platform/Platform.h"
+#include "tests/support/EnvGuard.h"
+#include "tests/support/FakeRuntime.h"
+#include "tests/support/LoadedAgent.h"
+#include "tests/support/TempFolder.h"
+
+#include "gtest/gtest.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <windows.h>
+
+using namespace corvane;
+using namespace corvane::test;
+
+TEST(Platform, SeparatesTheHtmlFolderWithABackslash) {
+  EXPECT_STREQ(platform::directorySeparator, "\\");
+}
+
+TEST(Platform, CreatesADirectoryOnceAndAcceptsItAfterwards) {
+  TempFolder folder;
+  const std::string path = folder.text() + "\\new";
+  EXPECT_TRUE(platform::createDirectory(path.c_str()));
+  EXPECT_TRUE(folder.has("new"));
+  EXPECT_TRUE(platform::createDirectory(path.c_str()));
+}
+
+TEST(Platform, CreatesOneLevelOnly) {
+  TempFolder folder;
+  const std::string path = folder.text() + "\\missing\\new";
+  EXPECT_FALSE(platform::createDirectory(path.c_str()));
+  EXPECT_FALSE(folder.has("missing"));
+}
+
+TEST(Platform, DefinesAVariableForTheSystemToo) {
+  EnvGuard guard("CORVANE_TEST_VARIABLE", nullptr);
+  platform::defineVariable("CORVANE_TEST_VARIABLE", "a=b c");
+  EXPECT_STREQ(std::getenv("CORVANE_TEST_VARIABLE"), "a=b c");
+  char text[16] = "";
+  EXPECT_EQ(GetEnvironmentVariableA("CORVANE_TEST_VARIABLE", text, 16), 5U);
+  EXPECT_STREQ(text, "a=b c");
+}
+
+TEST(Platform, RemovesAVariableByAnEmptyAssignment) {
+  EnvGuard guard("CORVANE_TEST_VARIABLE", "value");
+  platform::defineVariable("CORVANE_TEST_VARIABLE", "");
+  EXPECT_EQ(std::getenv("CORVANE_TEST_VARIABLE"), nullptr);
+
+  guard.set("value");
+  platform::removeVariable("CORVANE_TEST_VARIABLE");
+  EXPECT_EQ(std::getenv("CORVANE_TEST_VARIABLE"), nullptr);
+}
+
+TEST(Platform, CutsAFileBehindAGivenLength) {
+  TempFolder folder;
+  folder.write("file", "0123456789");
+  std::FILE *file = std::fopen(folder.file("file").c_str(), "r+b");
+  ASSERT_TRUE(file);
+  std::setvbuf(file, nullptr, _IONBF, 0);
+  platform::cutFile(file, 4);
+  std::fclose(file);
+  EXPECT_EQ(folder.read("file"), "0123");
+}
+
+// The application and the DLL have one environment between them, that of the C
+// runtime which both are linked with.
+TEST(Environment, OfTheApplicationIsSeenWhenItChangesAfterTheLoad) {
+  TempFolder folder;
+  FakeRuntime runtime;
+  LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", folder.text()}});
+  EnvGuard location("CORVANE_INSTALL_LOCATION", "C:\\late");
+  agent.unload();
+  EXPECT_TRUE(folder.has("autotune.csv"));
+}

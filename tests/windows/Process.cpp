@@ -1,0 +1,69 @@
+// Runs one of our programs to its end.
+
+#include "tests/windows/Process.h"
+
+#include "tests/support/EnvGuard.h"
+#include "tests/support/TempFolder.h"
+
+#include "gtest/gtest.h"
+
+#include <list>
+
+#include <windows.h>
+
+using namespace corvane;
+using namespace corvane::test;
+
+static std::string ownFolder() {
+  std::string path(32768, '\0');
+  path.resize(GetModuleFileNameA(nullptr, path.data(),
+                                 static_cast<DWORD>(path.size())));
+  return path.substr(0, path.rfind('\\') + 1);
+}
+
+static HANDLE createInheritable(const std::string &path) {
+  SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+  return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable,
+                     CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+static unsigned long runToEnd(std::string command, HANDLE out, HANDLE errors) {
+  STARTUPINFOA start = {};
+  start.cb = sizeof start;
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = out;
+  start.hStdError = errors;
+  PROCESS_INFORMATION process = {};
+  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0,
+                      nullptr, nullptr, &start, &process)) {
+    ADD_FAILURE() << command << ": error " << GetLastError();
+    return ~0UL;
+  }
+  // A program that hangs is stopped with the test, whose time is limited.
+  DWORD exitCode = ~0UL;
+  WaitForSingleObject(process.hProcess, INFINITE);
+  GetExitCodeProcess(process.hProcess, &exitCode);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return exitCode;
+}
+
+Finished test::runProgram(const std::string &program,
+                          const std::string &arguments,
+                          const Variables &variables) {
+  std::list<EnvGuard> environment;
+  for (const auto &[name, value] : variables)
+    environment.emplace_back(name.c_str(), value);
+
+  TempFolder folder;
+  Finished finished;
+  HANDLE out = createInheritable(folder.file("out"));
+  HANDLE errors = createInheritable(folder.file("errors"));
+  finished.exitCode = runToEnd(
+      "\"" + ownFolder() + program + ".exe\" " + arguments, out, errors);
+  CloseHandle(out);
+  CloseHandle(errors);
+  finished.out = folder.read("out");
+  finished.errors = folder.read("errors");
+  return finished;
+}
