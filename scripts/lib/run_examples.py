@@ -14,7 +14,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-EXAMPLES = ("matmul", "blur", "vector")
+EXAMPLES = ("matmul", "blur", "vector", "columns")
 
 # One example program: what it said, what was launched, and how it ended.
 Run = collections.namedtuple("Run", "results launches warnings log exit_code")
@@ -118,16 +118,16 @@ HEADINGS = ("example", "launch", "ND range asked", "kernel launched",
 RIGHT_ALIGNED = {5, 6, 7}
 
 
-def print_table(rows):
-    widths = [max(len(row[i]) for row in (HEADINGS, *rows))
-              for i in range(len(HEADINGS))]
+def print_table(rows, headings, right_aligned):
+    widths = [max(len(row[i]) for row in (headings, *rows))
+              for i in range(len(headings))]
 
     def line(cells):
         return "  ".join(
-            cell.rjust(width) if i in RIGHT_ALIGNED else cell.ljust(width)
+            cell.rjust(width) if i in right_aligned else cell.ljust(width)
             for i, (cell, width) in enumerate(zip(cells, widths))).rstrip()
 
-    print(line(HEADINGS))
+    print(line(headings))
     print("  ".join("-" * width for width in widths))
     for row in rows:
         print(line(row))
@@ -166,7 +166,7 @@ def show(build):
     print("\nAn ND range is global size / local size. Launched is what really "
           "reached the\nOpenCL runtime. Times, without and with the agent, are "
           "the mean of one launch.\n")
-    print_table(rows)
+    print_table(rows, HEADINGS, RIGHT_ALIGNED)
     print(f"\nThe pictures: {build / 'demo'}/blur-before.png, blur-after.png")
     if not any("_coarsed_" in row[3] for row in rows):
         failed.append("no generated kernel was launched at all")

@@ -1,0 +1,54 @@
+// The layer in this process, below a loader that the test plays.
+
+#include "tests/system/LoadedLayer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include <dlfcn.h>
+
+using namespace corvane::test;
+
+LoadedLayer::LoadedLayer(const std::string &file)
+    : library(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (!library) {
+    ADD_FAILURE() << dlerror();
+    return;
+  }
+  getLayerInfo =
+      reinterpret_cast<pfn_clGetLayerInfo>(dlsym(library, "clGetLayerInfo"));
+  initLayer = reinterpret_cast<pfn_clInitLayer>(dlsym(library, "clInitLayer"));
+}
+
+LoadedLayer::~LoadedLayer() {
+  if (library)
+    dlclose(library);
+}
+
+void *LoadedLayer::Answer::entry(size_t index) const {
+  void *address = nullptr;
+  std::memcpy(&address,
+              reinterpret_cast<const char *>(table) + index * sizeof(void *),
+              sizeof(void *));
+  return address;
+}
+
+LoadedLayer::Answer
+LoadedLayer::init(const std::vector<void *> &loaderTable) const {
+  Answer answer;
+  testing::internal::CaptureStderr();
+  answer.status =
+      initLayer(static_cast<cl_uint>(loaderTable.size()),
+                reinterpret_cast<const cl_icd_dispatch *>(loaderTable.data()),
+                &answer.count, &answer.table);
+  answer.said = testing::internal::GetCapturedStderr();
+  return answer;
+}
+
+std::vector<void *> corvane::test::loaderTableOf(size_t entries) {
+  std::vector<void *> table;
+  for (size_t i = 0; i < entries; ++i)
+    table.push_back(reinterpret_cast<void *>(size_t(0xb0000) + i));
+  return table;
+}

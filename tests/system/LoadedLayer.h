@@ -1,0 +1,44 @@
+// The layer in this process, below a loader that the test plays.
+
+#pragma once
+
+#include <CL/cl_layer.h>
+
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+/// Loads a layer library and calls its two exports as a loader would.
+class LoadedLayer {
+public:
+  /// A layer that cannot be loaded fails the test.
+  explicit LoadedLayer(const std::string &file);
+  ~LoadedLayer();
+  LoadedLayer(const LoadedLayer &) = delete;
+  LoadedLayer &operator=(const LoadedLayer &) = delete;
+
+  pfn_clGetLayerInfo getLayerInfo = nullptr;
+  pfn_clInitLayer initLayer = nullptr;
+
+  /// What an initialisation gave to the loader.
+  struct Answer {
+    cl_int status = CL_SUCCESS;
+    cl_uint count = 0;
+    const cl_icd_dispatch *table = nullptr;
+    std::string said; ///< on the standard error stream
+
+    void *entry(size_t index) const;
+  };
+
+  Answer init(const std::vector<void *> &loaderTable) const;
+
+private:
+  void *library = nullptr;
+};
+
+/// A table whose entry i leads to an address that belongs to i alone. No entry
+/// may be called.
+std::vector<void *> loaderTableOf(size_t entries);
+
+} // namespace corvane::test

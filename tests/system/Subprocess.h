@@ -1,0 +1,29 @@
+// Running another program and catching all that it says.
+
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+/// Variables that a child gets beside or instead of those of this process.
+using Environment = std::map<std::string, std::string>;
+
+struct ProgramRun {
+  int exitCode = -1; ///< minus the signal's number if a signal ended it
+  std::string out;
+  std::string err;
+};
+
+/// Runs a program, looked up in the search path if \p command has no slash, and
+/// waits for it. It does not inherit what would configure the agent or the
+/// OpenCL loader's layers. A program that cannot be run fails the test.
+ProgramRun runProgram(const std::vector<std::string> &command,
+                      const Environment &changes = {});
+
+/// The lines of a text, without their line feeds.
+std::vector<std::string> linesOf(const std::string &text);
+
+} // namespace corvane::test
