@@ -65,8 +65,9 @@ llvm::raw_fd_ostream &corvane::errorStream() {
 }
 
 void corvane::writeError(llvm::StringRef line) {
-  errorStream() << line;
-  errorStream().clear_error();
+  llvm::raw_fd_ostream &stream = errorStream();
+  stream << line;
+  stream.clear_error();
 }
 
 llvm::raw_ostream &corvane::debugLog() {

@@ -5,7 +5,7 @@
 //   exit    returns from main
 //   locked  returns from main while other threads hold what can be held: the
 //           agent lock, for ever in a build; the lock of the standard error
-//           stream; those of the heap and of the environment, again and again
+//           stream; the heap's, again and again
 
 #include "agent/AgentInterface.h"
 #include "agent/DispatchTable.h"
@@ -59,11 +59,14 @@ static void holdErrorStream() {
   Sleep(INFINITE);
 }
 
-// Opens no files: Wine itself stops when it ends a thread that is opening one.
-static void useCRuntime() {
+// Neither files nor variables: Wine's own bookkeeping of these does not outlive
+// a thread that is ended in the middle of it.
+static void useHeap() {
   ++threadsAtWork;
-  for (std::size_t length = 1;; length = length % 1000 + 1)
-    _putenv(("LEAVING_HOST=" + std::string(length, 'x')).c_str());
+  for (std::size_t length = 1;; length = length % 5000 + 1) {
+    void *volatile area = std::malloc(length); // not optimised away
+    std::free(area);
+  }
 }
 
 static void startThreads() {
@@ -71,8 +74,8 @@ static void startThreads() {
     current.clBuildProgram(nullptr, 0, nullptr, nullptr, nullptr, nullptr);
   }).detach();
   std::thread(holdErrorStream).detach();
-  std::thread(useCRuntime).detach();
-  std::thread(useCRuntime).detach();
+  std::thread(useHeap).detach();
+  std::thread(useHeap).detach();
   while (threadsAtWork != 4)
     Sleep(1);
 }
