@@ -16,7 +16,8 @@ from pathlib import Path
 def tests_of(build):
     listed = subprocess.run(["ctest", "--test-dir", build, "-N"], check=True,
                             capture_output=True, text=True).stdout
-    tests = set(re.findall(r"^ +Test +#\d+: (.+)$", listed, re.MULTILINE))
+    tests = set(re.findall(r"^ +Test +#\d+: (.+?)(?: +# GetParam.*)?$", listed,
+                           re.MULTILINE))
     if not tests:
         sys.exit(f"{build} has no tests")
     return tests

@@ -4,6 +4,7 @@
 
 #include "tests/support/TempFolder.h"
 
+#include <cstdio>
 #include <string>
 
 namespace corvane::test {
@@ -18,7 +19,10 @@ public:
   ErrorCapture &operator=(const ErrorCapture &) = delete;
 
   /// All that was written so far.
-  std::string text() const { return folder.read(name); }
+  std::string text() const {
+    std::fflush(stderr); // some C runtimes gather what goes to a file
+    return folder.read(name);
+  }
 
 private:
   static constexpr const char *name = "stderr.txt";

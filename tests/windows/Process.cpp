@@ -27,6 +27,17 @@ static HANDLE createInheritable(const std::string &path) {
                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// What belongs to the job ends with it, and the job with this process at last: a
+// program that hangs does not outlive the test, whose time is limited.
+static HANDLE makeJob() {
+  JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+  limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+  HANDLE job = CreateJobObjectA(nullptr, nullptr);
+  SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits,
+                          sizeof limits);
+  return job;
+}
+
 static unsigned long runToEnd(std::string command, HANDLE out, HANDLE errors) {
   STARTUPINFOA start = {};
   start.cb = sizeof start;
@@ -39,12 +50,14 @@ static unsigned long runToEnd(std::string command, HANDLE out, HANDLE errors) {
     ADD_FAILURE() << command << ": error " << GetLastError();
     return ~0UL;
   }
-  // A program that hangs is stopped with the test, whose time is limited.
+  HANDLE job = makeJob();
+  AssignProcessToJobObject(job, process.hProcess);
   DWORD exitCode = ~0UL;
   WaitForSingleObject(process.hProcess, INFINITE);
   GetExitCodeProcess(process.hProcess, &exitCode);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
+  CloseHandle(job);
   return exitCode;
 }
 

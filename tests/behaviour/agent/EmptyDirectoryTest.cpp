@@ -13,18 +13,33 @@
 using namespace corvane;
 using namespace corvane::test;
 
-// Nobody but the administrator may write into the root.
-static void loseTheRightToWriteIntoTheRoot() {
-  constexpr uid_t nobody = 65534;
-  if (geteuid() == 0) {
-    EXPECT_EQ(seteuid(nobody), 0);
+namespace {
+/// Nobody but the administrator may write into the root; meanwhile we are not.
+class Unprivileged {
+public:
+  Unprivileged() : before(geteuid()) {
+    if (before == 0) {
+      EXPECT_EQ(seteuid(nobody), 0);
+    }
   }
-}
+  ~Unprivileged() {
+    if (before == 0) {
+      EXPECT_EQ(seteuid(0), 0);
+    }
+  }
+  Unprivileged(const Unprivileged &) = delete;
+  Unprivileged &operator=(const Unprivileged &) = delete;
+
+private:
+  static constexpr uid_t nobody = 65534;
+  uid_t before;
+};
+} // namespace
 
 TEST(EmptyDirectory, MeansAFileInTheRootAndIsComplainedAboutWithTwoBlanks) {
   const Ended ended = runToItsEnd([](const std::string &) {
     assignForGood("CORVANE_DUMP_LOG", nullptr);
-    loseTheRightToWriteIntoTheRoot();
+    Unprivileged whileItRuns;
     FakeRuntime runtime;
     LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", ""}});
     EXPECT_EQ(agent.status(), CL_SUCCESS);

@@ -93,8 +93,8 @@ TEST_F(OutputLocation, IsUsedAsItIsWrittenWithATrailingSeparator) {
 }
 
 TEST_F(OutputLocation, IsNotTrimmed) {
-  EXPECT_TRUE(autotunesWith(folder.file(" blank ")));
-  EXPECT_TRUE(folder.has(" blank /.auto.csv"));
+  EXPECT_TRUE(autotunesWith(folder.file(" two blanks")));
+  EXPECT_TRUE(folder.has(" two blanks/.auto.csv"));
 }
 
 TEST_F(OutputLocation, DoesNotDependOnTheReservedVariable) {

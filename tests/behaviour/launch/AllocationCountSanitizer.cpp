@@ -21,14 +21,3 @@ long corvane::test::allocationCount() {
       __sanitizer_install_malloc_and_free_hooks(countAllocation, ignoreRelease);
   return installed != 0 ? allocations : -1;
 }
-
-// A buffer may be larger than any memory; that is a null pointer and no crash.
-extern "C" __attribute__((visibility("default"))) const char *
-__asan_default_options() {
-  return "allocator_may_return_null=1";
-}
-
-extern "C" __attribute__((visibility("default"))) const char *
-__tsan_default_options() {
-  return "allocator_may_return_null=1";
-}

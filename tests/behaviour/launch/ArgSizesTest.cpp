@@ -1,6 +1,7 @@
 // Tests of arguments of all sizes, and of indices that no kernel has.
 
 #include "tests/behaviour/launch/Application.h"
+#include "tests/support/ErrorCapture.h"
 #include "tests/support/Words.h"
 
 #include "gmock/gmock.h"
@@ -114,6 +115,7 @@ TEST(ArgSizes, RejectAVariantWhoseDivisorMeetsLocalMemory) {
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4d0S4", 1);
   cl_kernel kernel = app.create("k");
   EXPECT_EQ(app.cl.clSetKernelArg(kernel, 0, 8, nullptr), CL_SUCCESS);
+  ErrorCapture errors;
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.launches(), ElementsAre(plainLaunch("k", "[16]")));
 }

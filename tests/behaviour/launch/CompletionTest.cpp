@@ -13,7 +13,6 @@
 
 using namespace corvane;
 using namespace corvane::test;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {

@@ -7,7 +7,6 @@
 
 using namespace corvane::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 /// A kernel of one argument whose variant has one more.

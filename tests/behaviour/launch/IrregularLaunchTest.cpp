@@ -8,7 +8,6 @@
 
 using namespace corvane::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 /// A launch as the application asks for it, and as the transcript shows it.

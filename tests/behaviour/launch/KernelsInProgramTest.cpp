@@ -8,7 +8,6 @@
 
 #include <array>
 
-using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
 using testing::IsEmpty;

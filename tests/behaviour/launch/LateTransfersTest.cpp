@@ -12,7 +12,6 @@
 
 using namespace corvane;
 using namespace corvane::test;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
@@ -72,12 +71,15 @@ TEST(LateTransfers, OutliveTheReleaseOfTheirBuffer) {
 }
 
 namespace {
-std::function<void()> bufferIsGone;
+std::function<void()> &bufferIsGone() {
+  static std::function<void()> destructor;
+  return destructor;
+}
 
 cl_int CL_API_CALL keepDestructor(cl_mem buffer,
                                   void(CL_CALLBACK *destructor)(cl_mem, void *),
                                   void *userData) {
-  bufferIsGone = [=] { destructor(buffer, userData); };
+  bufferIsGone() = [=] { destructor(buffer, userData); };
   return CL_SUCCESS;
 }
 } // namespace
@@ -88,7 +90,7 @@ TEST(LateTransfers, OutliveTheRecordOfTheirBuffer) {
     table.clSetMemObjectDestructorCallback = keepDestructor;
   });
   EXPECT_EQ(app.launchNow(), CL_SUCCESS);
-  bufferIsGone();
+  bufferIsGone()();
   app.runtime.runAll();
   app.expectResult(2);
 }

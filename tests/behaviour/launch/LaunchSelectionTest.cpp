@@ -8,7 +8,6 @@
 
 using namespace corvane::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 static constexpr const char *warning =
     "Corvane's kernel cannot be launch due to incompatible ND range values or "

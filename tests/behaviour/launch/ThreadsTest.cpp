@@ -33,7 +33,7 @@ struct BusyApplication : TuningApplication {
     program.kernel("k_coarsed_g0S4", 2, spoil);
     program.kernel("k_coarsed_g0S2d1S4", 2, spoil);
     build();
-    runtime.holdCallbacks();
+    runtime.late();
     // The context lives on after the release that flushes.
     cl.clRetainContext(runtime.context());
   }
@@ -63,9 +63,9 @@ struct BusyApplication : TuningApplication {
     EXPECT_EQ(set(kernel, 1, cl_int{round}), CL_SUCCESS);
     cl_event event = nullptr;
     EXPECT_EQ(launch(kernel, {64}, {}, &event), CL_SUCCESS);
-    EXPECT_EQ(launch(kernel, {63}), CL_SUCCESS);
     if (event) { // none after the flush
       ++launched;
+      EXPECT_EQ(launch(kernel, {63}, {}, nullptr, {event}), CL_SUCCESS);
       EXPECT_EQ(cl.clReleaseEvent(event), CL_SUCCESS);
     }
     EXPECT_EQ(cl.clReleaseMemObject(buffer), CL_SUCCESS);
@@ -82,12 +82,12 @@ struct BusyApplication : TuningApplication {
     }
   }
 
-  void callBack() {
-    while (!over) {
-      runtime.fireCallbacks();
-      std::this_thread::yield();
-    }
-    runtime.fireCallbacks();
+  // A thread of the runtime's runs commands and calls back.
+  void runCommands() {
+    while (!over)
+      if (!runtime.runFirst())
+        std::this_thread::yield();
+    runtime.runAll();
   }
 };
 } // namespace
@@ -99,7 +99,7 @@ TEST(Threads, MayMixAllHooksWhileRunsCompleteAndAFlushComesInBetween) {
   for (std::size_t i = 0; i != applicationThreads; ++i)
     applications.emplace_back([&app, i] { app.run(i); });
   for (int i = 0; i != 2; ++i)
-    runtimes.emplace_back([&app] { app.callBack(); });
+    runtimes.emplace_back([&app] { app.runCommands(); });
   for (std::thread &thread : applications)
     thread.join();
   app.over = true;
