@@ -27,8 +27,8 @@ static HANDLE createInheritable(const std::string &path) {
                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// What belongs to the job ends with it, and the job with this process at last: a
-// program that hangs does not outlive the test, whose time is limited.
+// What belongs to the job ends with it, and the job with this process at last:
+// a program that hangs does not outlive the test, whose time is limited.
 static HANDLE makeJob() {
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
   limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
