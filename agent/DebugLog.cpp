@@ -8,21 +8,38 @@
 #include <fstream>
 #include <iostream>
 #include <new>
+#include <thread>
+#include <utility>
 
 using namespace corvane;
 
+void debug::string_ostream::write_impl(const char *data, std::size_t size) {
+  const std::lock_guard<std::mutex> guard(lock);
+  text.append(data, size);
+}
+
+// Whoever holds the lock is only adding text, unless the end of the process has
+// stopped it in the middle; so this waits a moment and then goes on.
+std::string debug::string_ostream::takeText() {
+  std::unique_lock<std::mutex> guard(lock, std::try_to_lock);
+  for (int tries = 0; !guard.owns_lock() && tries < 1000; ++tries) {
+    std::this_thread::yield();
+    (void)guard.try_lock();
+  }
+  return std::move(text);
+}
+
 void debug::string_ostream::dump() {
   const char *path = dumpLogPath();
-  if (path) {
-    std::ofstream file(path, std::ios::out | std::ios::app | std::ios::binary);
-    if (file) {
-      const std::string &log = str();
-      platform::makeErrorStreamBinary();
-      std::cerr << std::to_string(log.size()) + "\n";
-      file.write(log.data(), static_cast<std::streamsize>(log.size()));
-    }
-  }
-  std::string().swap(str());
+  if (!path)
+    return;
+  std::ofstream file(path, std::ios::out | std::ios::app | std::ios::binary);
+  if (!file)
+    return;
+  const std::string log = takeText();
+  platform::makeErrorStreamBinary();
+  std::cerr << std::to_string(log.size()) + "\n";
+  file.write(log.data(), static_cast<std::streamsize>(log.size()));
 }
 
 namespace {
@@ -65,7 +82,10 @@ llvm::raw_fd_ostream &corvane::errorStream() {
 }
 
 void corvane::writeError(llvm::StringRef line) {
-  llvm::raw_fd_ostream &stream = errorStream();
+  errorStream();
+  // One of its own for each line: LLVM's streams keep their errors in fields
+  // that two threads must not share.
+  llvm::raw_fd_ostream stream(2, /*shouldClose=*/false, /*unbuffered=*/true);
   stream << line;
   stream.clear_error();
 }

@@ -5,6 +5,7 @@
 #include "llvm/ADT/StringRef.h"
 #include "llvm/Support/raw_ostream.h"
 
+#include <mutex>
 #include <string>
 
 namespace debug {
@@ -24,6 +25,13 @@ public:
   /// that can be opened, tells its length on the standard error stream, and
   /// forgets the text.
   void dump();
+
+private:
+  // Text may come from one thread while another one ends the process.
+  void write_impl(const char *data, std::size_t size) override;
+  std::string takeText();
+
+  std::mutex lock;
 };
 
 } // namespace debug

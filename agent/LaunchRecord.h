@@ -38,6 +38,8 @@ struct LaunchHistory {
   /// held across a call into the runtime.
   std::mutex lock;
   std::vector<std::shared_ptr<LaunchRecord>> records;
+  /// Rows that could not be written to the log yet, each with its line feed.
+  std::string unwrittenRows;
   /// False once the results are being written: later runs leave no trace.
   std::atomic<bool> open{true};
 };

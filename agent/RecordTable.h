@@ -61,8 +61,8 @@ public:
     return record;
   }
 
-  /// Whether a record of \p handle can be kept: the map below has two marks that
-  /// no object of a runtime's is at.
+  /// Whether a record of \p handle can be kept: the map below has two marks
+  /// that no object of a runtime is at.
   static bool canBeKey(Handle handle) {
     using Info = llvm::DenseMapInfo<Handle>;
     return handle != Info::getEmptyKey() && handle != Info::getTombstoneKey();

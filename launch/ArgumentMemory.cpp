@@ -8,13 +8,16 @@
 
 using namespace corvane;
 
-// An object of the runtime's is aligned and lies in the lower half of the
-// address space, but not in its first page. Most numbers are not like that.
+// An object of the runtime's is aligned, lies in the lower half of the address
+// space though not at its bottom, and hardly ever at the start of a page.
+// Counts, sizes and powers of two are not like that.
 static bool canBeHandle(cl_mem value) {
   const auto bits = reinterpret_cast<std::uintptr_t>(value);
-  constexpr std::uintptr_t firstPage = 4096;
+  constexpr std::uintptr_t page = 4096;
+  constexpr std::uintptr_t lowest = std::uintptr_t{1} << 32;
   constexpr std::uintptr_t lowerHalf = std::uintptr_t{1} << 47;
-  return bits >= firstPage && bits < lowerHalf && bits % sizeof(void *) == 0;
+  return bits >= lowest && bits < lowerHalf && bits % sizeof(void *) == 0 &&
+         bits % page != 0;
 }
 
 // Reads one property of an argument; false when the runtime does not tell.

@@ -45,6 +45,7 @@ private:
   const Sizes local;
   EventChain chain;
   std::shared_ptr<LaunchRecord> timings;
+  bool transfersEnqueued = false;
 };
 
 /// The event of the application's kernel: wanted by the application, or else
@@ -112,6 +113,8 @@ bool AutotuneLaunch::accepts(const llvm::TransformedKernelAgent &variant,
 void AutotuneLaunch::enqueueVariant(cl_kernel variant,
                                     const VariantRange &range,
                                     std::string version) {
+  // Made first: once the variant is on its way nothing may fail any more.
+  auto ticket = makeTicket(std::move(version));
   cl_event run = nullptr;
   const cl_int status = runtime().clEnqueueNDRangeKernel(
       launch.queue, variant, launch.workDim, launch.globalOffset,
@@ -119,7 +122,6 @@ void AutotuneLaunch::enqueueVariant(cl_kernel variant,
       chain.waitList(), &run);
   if (status != CL_SUCCESS)
     return;
-  auto ticket = makeTicket(std::move(version));
   (void)timeRun(run, ticket);
   chain.advance(run);
 }
@@ -131,7 +133,9 @@ bool AutotuneLaunch::runVariant(
   std::optional<VariantRange> range;
   if (!variant || !shadow.isComplete() || !accepts(transformed, range))
     return false;
-  prepareArguments(record, variant, launch, kernelArguments);
+  replayArguments(record, variant);
+  giveGroupCounts(variant, launch, kernelArguments);
+  transfersEnqueued = true;
   if (!shadow.save(launch.queue, chain))
     return false;
   enqueueVariant(variant, *range,
@@ -142,6 +146,8 @@ bool AutotuneLaunch::runVariant(
 
 // The application's own run comes last: when it is over, so are all transfers.
 cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
+  auto ticket = makeTicket({});
+  ticket->keptAlive = std::move(transfers);
   replayArguments(record, record.kernel);
   BaselineEvent event(launch.event);
   Launch chained = launch;
@@ -151,8 +157,6 @@ cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
   const cl_int status = enqueue(chained);
   chain.release();
 
-  auto ticket = makeTicket({});
-  ticket->keptAlive = std::move(transfers);
   if (status == CL_SUCCESS)
     (void)timeRun(event.get(), ticket);
   if (ticket)
@@ -162,6 +166,7 @@ cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
 
 cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
   const BufferShadow shadow(state, record);
+  std::vector<HostCopy> transfers = shadow.hostCopies();
   unsigned tested = 0;
   unsigned examined = 0;
   for (const auto &[variant, transformed] : record.variantKernels) {
@@ -172,7 +177,9 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
   if (isKept(log))
     log << tested << " kernel(s)  out of " << examined
         << " are tested in addition to the original kernel\n";
-  return runKernel(shadow.hostCopies());
+  if (!transfersEnqueued)
+    transfers.clear();
+  return runKernel(std::move(transfers));
 }
 
 cl_int AutotuneLaunch::runKernelAlone() {

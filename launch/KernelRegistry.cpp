@@ -15,6 +15,8 @@ using namespace corvane;
 
 using KernelTable = RecordTable<cl_kernel, KernelRecord>;
 
+using KernelTable = RecordTable<cl_kernel, KernelRecord>;
+
 // Null after a failure, which is reported.
 static cl_kernel createVariant(cl_program program,
                                const llvm::TransformedKernelAgent &variant) {
@@ -50,7 +52,7 @@ void corvane::registerKernel(AgentState &state, cl_program program,
   if (!programRecord)
     return;
   const KernelGroup *group = findGroup(*programRecord, name);
-  if (!group) {
+  if (!group || !KernelTable::canBeKey(kernel)) {
     // Not one of the program's ordinary kernels: it has an entry, but a null
     // one.
     state.kernels.append(kernel, nullptr);

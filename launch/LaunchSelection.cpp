@@ -6,6 +6,7 @@
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/DebugLog.h"
+#include "launch/ArgMirror.h"
 #include "launch/VariantLaunch.h"
 
 using namespace corvane;
@@ -49,7 +50,8 @@ findAcceptingVariant(const KernelRecord &record, const Launch &launch,
 
 static cl_int launchVariant(KernelRecord &record, cl_kernel variant,
                             const VariantRange &range, const Launch &launch) {
-  prepareArguments(record, variant, launch, argumentCount(launch.kernel));
+  replayArguments(record, variant);
+  giveGroupCounts(variant, launch, argumentCount(launch.kernel));
   Launch replaced = launch;
   replaced.kernel = variant;
   replaced.globalSize = range.global.data();

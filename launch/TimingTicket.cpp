@@ -42,9 +42,8 @@ static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
 static void CL_CALLBACK runCompleted(cl_event event, cl_int, void *userData) {
   const std::unique_ptr<TimingTicket> ticket(
       static_cast<TimingTicket *>(userData));
-  const std::uint64_t nanoseconds = measure(event);
   try {
-    recordRun(*ticket, nanoseconds);
+    recordRun(*ticket, measure(event));
   } catch (const std::bad_alloc &) {
     // The thread is the runtime's; better to lose a row than the process.
   }

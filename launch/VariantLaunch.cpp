@@ -3,7 +3,6 @@
 #include "launch/VariantLaunch.h"
 
 #include "agent/RuntimeTable.h"
-#include "launch/ArgMirror.h"
 
 using namespace corvane;
 
@@ -26,10 +25,8 @@ std::optional<cl_uint> corvane::argumentCount(cl_kernel kernel) {
   return count;
 }
 
-void corvane::prepareArguments(KernelRecord &record, cl_kernel variant,
-                               const Launch &launch,
-                               std::optional<cl_uint> kernelArguments) {
-  replayArguments(record, variant);
+void corvane::giveGroupCounts(cl_kernel variant, const Launch &launch,
+                              std::optional<cl_uint> kernelArguments) {
   const std::optional<cl_uint> variantArguments = argumentCount(variant);
   if (!kernelArguments || !variantArguments ||
       *variantArguments <= *kernelArguments)

@@ -30,11 +30,9 @@ rangeFor(const llvm::TransformedKernelAgent &variant, const Launch &launch,
 /// say.
 std::optional<cl_uint> argumentCount(cl_kernel kernel);
 
-/// Brings the arguments of \p variant up to date; if it has more of them than
-/// the application's kernel has, the last one gets the work-group counts of \p
-/// launch.
-void prepareArguments(KernelRecord &record, cl_kernel variant,
-                      const Launch &launch,
-                      std::optional<cl_uint> kernelArguments);
+/// If \p variant has more arguments than the application's kernel, sets the
+/// last one to the work-group counts of \p launch.
+void giveGroupCounts(cl_kernel variant, const Launch &launch,
+                     std::optional<cl_uint> kernelArguments);
 
 } // namespace corvane

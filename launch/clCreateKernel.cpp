@@ -12,13 +12,16 @@ cl_kernel CL_API_CALL hooks::clCreateKernel(cl_program program,
                                             const char *kernelName,
                                             cl_int *errcodeRet) {
   AgentGuard guard;
+  AgentState *state = agentState();
+  if (!state)
+    return runtime().clCreateKernel(program, kernelName, errcodeRet);
+
   cl_int status = CL_SUCCESS;
   cl_kernel kernel = runtime().clCreateKernel(program, kernelName, &status);
   if (errcodeRet)
     *errcodeRet = status;
   if (status != CL_SUCCESS)
     return kernel;
-  if (AgentState *state = agentState())
-    registerKernel(*state, program, kernel);
+  registerKernel(*state, program, kernel);
   return kernel;
 }

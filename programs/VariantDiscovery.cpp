@@ -37,6 +37,11 @@ static std::vector<FoundKernel> findKernels(cl_program program) {
 
   std::vector<FoundKernel> found;
   while (!kernels.empty()) {
+    if (!kernels.front()) {
+      // The runtime claims more kernels than it made.
+      (void)kernels.takeFront();
+      continue;
+    }
     found.push_back(identify(kernels.front()));
     if (const cl_int released = kernels.releaseFront())
       reportClError(CallSite::ReleaseCollectedKernel, released);
@@ -57,6 +62,8 @@ static void addToGroup(ProgramRecord &record, FoundKernel kernel) {
 
 void corvane::collectKernels(AgentState &state, cl_program program) {
   std::vector<FoundKernel> kernels = findKernels(program);
+  if (!decltype(state.programs)::canBeKey(program))
+    return;
 
   std::lock_guard<std::mutex> lock(state.programsLock);
   ProgramRecord &record = findOrAddProgram(state, program);

@@ -13,15 +13,16 @@
 
 using namespace corvane;
 
+// Without a program there is nothing to be clean.
 static bool screenBuiltDevices(cl_program program, cl_uint numDevices,
                                const cl_device_id *deviceList) {
   if (deviceList)
-    return screenBuild(program, {deviceList, numDevices});
+    return program && screenBuild(program, {deviceList, numDevices});
 
   DeviceList devices;
   if (const cl_int status = programDevices(program, devices))
     reportClError(CallSite::BuildDevices, status);
-  return screenBuild(program, devices);
+  return program && screenBuild(program, devices);
 }
 
 cl_int CL_API_CALL hooks::clBuildProgram(
@@ -38,7 +39,7 @@ cl_int CL_API_CALL hooks::clBuildProgram(
   cl_int status = build();
   if (AgentState *state = agentState()) {
     const bool clean = screenBuiltDevices(program, numDevices, deviceList);
-    if (program && clean) {
+    if (clean) {
       collectKernels(*state, program);
     } else if (autotuneOutput()) {
       // Variants that spill registers are not worth timing: the compiler gets a

@@ -10,8 +10,6 @@
 #include "results/File.h"
 #include "results/NumberText.h"
 
-#include <algorithm>
-
 using namespace corvane;
 
 // The column names are part of the interface, byte for byte.
@@ -76,37 +74,53 @@ static bool hasContent(const std::string &path) {
   return log && std::fgetc(log.get()) != EOF;
 }
 
-static void appendLine(const std::string &path, const std::string &line) {
+// Writes as many whole lines as the disk takes; the others stay in rows.
+static void writeRows(std::FILE *log, std::string &rows) {
+  std::size_t written = 0;
+  while (written < rows.size()) {
+    const std::size_t next = rows.find('\n', written) + 1;
+    if (!writeLine(log, rows.substr(written, next - written)))
+      break;
+    written = next;
+  }
+  rows.erase(0, written);
+}
+
+static void appendRows(const std::string &path, std::string &rows) {
   const FileHandle log = openFile(path, "ab");
   if (log && std::fseek(log.get(), 0, SEEK_END) == 0)
-    writeLine(log.get(), line);
+    writeRows(log.get(), rows);
 }
 
-static bool writeRows(std::FILE *log, const LaunchRecord &record) {
-  const std::string key = launchKey(record);
-  return std::all_of(record.timings.begin(), record.timings.end(),
-                     [&](const TimingEntry &entry) {
-                       return writeLine(log, rowLine(key, entry));
-                     });
+static std::string allRows(const LaunchHistory &history) {
+  std::string rows;
+  for (const std::shared_ptr<LaunchRecord> &record : history.records) {
+    const std::string key = launchKey(*record);
+    for (const TimingEntry &entry : record->timings)
+      rows += rowLine(key, entry);
+  }
+  return rows;
 }
 
-static void rewriteLog(const std::string &path, const LaunchHistory &history) {
+static void rewriteLog(const std::string &path, LaunchHistory &history) {
   const FileHandle log = openFile(path, "wb");
   if (!log || !writeLine(log.get(), headerLine))
     return;
-  for (const std::shared_ptr<LaunchRecord> &record : history.records)
-    if (!writeRows(log.get(), *record))
-      return;
+  history.unwrittenRows = allRows(history);
+  writeRows(log.get(), history.unwrittenRows);
 }
 
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
+  if (!autotuneOutput() || !history.open || record.timings.empty())
+    return;
+  history.unwrittenRows += rowLine(launchKey(record), record.timings.back());
+  // Hidden while the runtime's compiler is at work: the next run catches up.
   const char *directory = autotuneDir();
-  if (!autotuneOutput() || !history.open || !directory ||
-      record.timings.empty())
+  if (!directory)
     return;
   const std::string path = rawLogPath(directory);
   if (hasContent(path))
-    appendLine(path, rowLine(launchKey(record), record.timings.back()));
+    appendRows(path, history.unwrittenRows);
   else
     rewriteLog(path, history);
 }

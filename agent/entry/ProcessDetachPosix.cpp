@@ -4,11 +4,19 @@
 
 #include "results/Flush.h"
 
+#include <new>
+
 using namespace corvane;
 
 namespace {
 struct FlushAtExit {
-  ~FlushAtExit() { flushAutotuneResults(); }
+  ~FlushAtExit() {
+    try {
+      flushAutotuneResults();
+    } catch (const std::bad_alloc &) {
+      // Results are not worth the application's way out.
+    }
+  }
 };
 } // namespace
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 using namespace corvane;
@@ -17,7 +18,7 @@ using namespace corvane::test;
 using testing::IsEmpty;
 
 namespace {
-constexpr int rounds = 24;
+constexpr int rounds = 16;
 constexpr std::size_t applicationThreads = 4;
 
 void addOne(const Launch &launch) { ++launch.buffer(0)[0]; }
@@ -86,7 +87,7 @@ struct BusyApplication : TuningApplication {
   void runCommands() {
     while (!over)
       if (!runtime.runFirst())
-        std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     runtime.runAll();
   }
 };

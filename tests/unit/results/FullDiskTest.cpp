@@ -50,7 +50,7 @@ constexpr const char *row = "k,2,,,1,,,baseline,1.000\n";
 
 } // namespace
 
-TEST_F(FullDisk, LeavesTheLogAsItWasWhenARowDoesNotFit) {
+TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsRoomAgain) {
   state.complete(launch, "", 1000);
   const std::string whole = std::string(header) + row;
   {
@@ -59,7 +59,8 @@ TEST_F(FullDisk, LeavesTheLogAsItWasWhenARowDoesNotFit) {
     EXPECT_EQ(folder.read(".auto.csv"), whole);
   }
   state.complete(launch, "", 3000);
-  EXPECT_EQ(folder.read(".auto.csv"), whole + "k,2,,,1,,,baseline,3.000\n");
+  EXPECT_EQ(folder.read(".auto.csv"), whole + "k,2,,,1,,,baseline,2.000\n"
+                                              "k,2,,,1,,,baseline,3.000\n");
 }
 
 TEST_F(FullDisk, EndsARewriteBehindTheLastRowThatFits) {
