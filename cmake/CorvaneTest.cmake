@@ -38,3 +38,19 @@ function(corvane_test name)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
                        PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
 endfunction()
+
+# corvane_compile_kernels_first(NAME FILTER VARIABLE): has tests that run OpenCL
+# programs come after one run of those that FILTER names, and puts the property
+# for that into VARIABLE. A runtime keeps the kernels that it has compiled, and
+# compiling them leaks: only later runs can show that nothing else does.
+function(corvane_compile_kernels_first name filter variable)
+  set(${variable} "" PARENT_SCOPE)
+  if(NOT CORVANE_SANITIZE MATCHES "address")
+    return()
+  endif()
+  add_test(NAME ${name}.CompileKernels COMMAND ${name} "--gtest_filter=${filter}")
+  set_tests_properties(${name}.CompileKernels PROPERTIES
+    TIMEOUT 300 FIXTURES_SETUP ${name}_kernels
+    ENVIRONMENT "ASAN_OPTIONS=detect_leaks=0")
+  set(${variable} FIXTURES_REQUIRED ${name}_kernels PARENT_SCOPE)
+endfunction()

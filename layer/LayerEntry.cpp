@@ -1,6 +1,7 @@
 // The two calls by which an OpenCL loader finds and starts the layer.
 
 #include "layer/AgentLibrary.h"
+#include "layer/KernelReferences.h"
 #include "layer/LayerAgent.h"
 #include "layer/LayerTable.h"
 #include "layer/NewerCalls.h"
@@ -50,6 +51,7 @@ static std::string startAgent(LayerTable &table) {
   if (!problem.empty())
     return problem;
 
+  countKernelReferences(table);
   LayerAgent &agent = layerAgent(table);
   const cl_int status = library.onLoad(&agent);
   agent.acceptsTable = false;
@@ -57,6 +59,7 @@ static std::string startAgent(LayerTable &table) {
     return "the agent library refused to start with status " +
            std::to_string(status) +
            "; check that layer and agent library are of one build";
+  answerKernelQueriesBelow(table);
   serveNewerCalls(table);
   return problem;
 }

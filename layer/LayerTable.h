@@ -29,4 +29,13 @@ LayerTable &layerTable();
 void copyLoaderTable(LayerTable &table, const cl_icd_dispatch &loaderTable,
                      cl_uint count);
 
+/// Puts `layerCall` where `entry` was, which goes to `before`. An entry that
+/// the loader does not offer stays null.
+template <typename Function>
+void replaceEntry(Function &entry, Function &before, Function layerCall) {
+  before = entry;
+  if (entry)
+    entry = layerCall;
+}
+
 } // namespace corvane::layer

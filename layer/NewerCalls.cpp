@@ -65,19 +65,12 @@ static cl_mem CL_API_CALL createBuffer(cl_context context,
                            errcodeRet);
 }
 
-template <typename Function>
-static void replace(Function &entry, Function &before, Function layerCall) {
-  before = entry;
-  if (entry)
-    entry = layerCall;
-}
-
 void corvane::layer::serveNewerCalls(LayerTable &table) {
   // What the loader does not offer is null in our copy of its table.
   cl_icd_dispatch &entries = table.entries;
   next.createPlainBuffer = entries.clCreateBuffer;
-  replace(entries.clCreateCommandQueueWithProperties, next.createQueue,
-          &createQueue);
-  replace(entries.clCreateBufferWithProperties, next.createBuffer,
-          &createBuffer);
+  replaceEntry(entries.clCreateCommandQueueWithProperties, next.createQueue,
+               &createQueue);
+  replaceEntry(entries.clCreateBufferWithProperties, next.createBuffer,
+               &createBuffer);
 }

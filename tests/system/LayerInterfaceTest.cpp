@@ -73,7 +73,8 @@ TEST_F(InspectedLayer, GivesTheAgentTheFirstEntriesOfTheLoadersTable) {
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->get, CL_SUCCESS);
   for (unsigned i = 0; i < agentEntries; ++i)
-    EXPECT_EQ(found->table[i], loaderTable[i]) << "entry " << i;
+    EXPECT_EQ(found->table[i] != loaderTable[i], countsReferences(i))
+        << "entry " << i;
 }
 
 TEST_F(InspectedLayer, GivesTheLoaderTheAgentsEntriesAndItsOwnBehindThem) {

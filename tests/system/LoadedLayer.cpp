@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 
 #include <dlfcn.h>
 
@@ -51,4 +54,15 @@ std::vector<void *> corvane::test::loaderTableOf(size_t entries) {
   for (size_t i = 0; i < entries; ++i)
     table.push_back(reinterpret_cast<void *>(size_t(0xb0000) + i));
   return table;
+}
+
+bool corvane::test::countsReferences(size_t index) {
+  static constexpr size_t offsets[] = {
+      offsetof(cl_icd_dispatch, clCreateKernel),
+      offsetof(cl_icd_dispatch, clCreateKernelsInProgram),
+      offsetof(cl_icd_dispatch, clRetainKernel),
+      offsetof(cl_icd_dispatch, clReleaseKernel),
+      offsetof(cl_icd_dispatch, clGetKernelInfo)};
+  const size_t *end = std::end(offsets);
+  return std::find(offsets, end, index * sizeof(void *)) != end;
 }

@@ -41,4 +41,8 @@ private:
 /// may be called.
 std::vector<void *> loaderTableOf(size_t entries);
 
+/// True for the entries that the layer puts itself below the agent, to know
+/// the application's references to a kernel.
+bool countsReferences(size_t index);
+
 } // namespace corvane::test
