@@ -35,7 +35,7 @@ function(corvane_test name)
     set_target_properties(${name} PROPERTIES
       RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
                        PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
 endfunction()
 
