@@ -160,7 +160,7 @@ cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
   if (status == CL_SUCCESS)
     (void)timeRun(event.get(), ticket);
   if (ticket)
-    keepForever(std::move(ticket->keptAlive));
+    keepForever(ticket->keptAlive);
   return status;
 }
 

@@ -6,11 +6,9 @@
 
 using namespace corvane;
 
-void corvane::keepForever(std::vector<HostCopy> copies) {
+void corvane::keepForever(const std::vector<HostCopy> &copies) {
   // Never destroyed: transfers may be under way when the process ends.
   static auto &kept = *new std::map<void *, HostCopy>;
-  for (HostCopy &copy : copies) {
-    void *area = copy.get();
-    kept.try_emplace(area, std::move(copy));
-  }
+  for (const HostCopy &copy : copies)
+    kept.try_emplace(copy.get(), copy);
 }

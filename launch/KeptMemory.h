@@ -12,6 +12,6 @@ namespace corvane {
 /// while there is no event to tell when they are over: too long is better than
 /// too short. A copy that is kept already costs nothing more. Hold the agent
 /// lock.
-void keepForever(std::vector<HostCopy> copies);
+void keepForever(const std::vector<HostCopy> &copies);
 
 } // namespace corvane

@@ -6,17 +6,15 @@
 
 using namespace corvane;
 
-ProgramRecord &corvane::findOrAddProgram(AgentState &state,
+ProgramRecord *corvane::findOrAddProgram(AgentState &state,
                                          cl_program program) {
   if (ProgramRecord *known = state.programs.find(program)) {
     ++known->refCount;
-    return *known;
+    return known;
   }
   auto record = std::make_unique<ProgramRecord>();
   record->program = program;
-  ProgramRecord &added = *record;
-  state.programs.append(program, std::move(record));
-  return added;
+  return state.programs.append(program, std::move(record));
 }
 
 KernelGroup &corvane::addGroup(ProgramRecord &record, llvm::StringRef name) {

@@ -33,16 +33,18 @@ struct KernelGroup {
 struct ProgramRecord {
   cl_program program = nullptr;                           ///< borrowed
   std::vector<std::unique_ptr<KernelGroup>> kernelGroups; ///< as they came
-  std::uint32_t refCount =
-      1;                   ///< builds and links, not the runtime's references
+  /// Builds and links, not the runtime's references.
+  std::uint32_t refCount = 1;
+
   std::string kernelNames; ///< the groups' names, joined with ';'
 
   /// The oldest group of each name; points into kernelGroups.
   llvm::StringMap<KernelGroup *> groupsByName;
 };
 
-/// The record of \p program with one reference more, or a new one.
-ProgramRecord &findOrAddProgram(AgentState &state, cl_program program);
+/// The record of \p program with one reference more, or a new one. Null for a
+/// handle that no table can hold.
+ProgramRecord *findOrAddProgram(AgentState &state, cl_program program);
 
 /// Appends a group, also if there is one of that name already.
 KernelGroup &addGroup(ProgramRecord &record, llvm::StringRef name);

@@ -62,11 +62,10 @@ static void addToGroup(ProgramRecord &record, FoundKernel kernel) {
 
 void corvane::collectKernels(AgentState &state, cl_program program) {
   std::vector<FoundKernel> kernels = findKernels(program);
-  if (!decltype(state.programs)::canBeKey(program))
-    return;
-
   std::lock_guard<std::mutex> lock(state.programsLock);
-  ProgramRecord &record = findOrAddProgram(state, program);
+  ProgramRecord *record = findOrAddProgram(state, program);
+  if (!record)
+    return;
   for (FoundKernel &kernel : kernels)
-    addToGroup(record, std::move(kernel));
+    addToGroup(*record, std::move(kernel));
 }
