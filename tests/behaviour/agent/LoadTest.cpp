@@ -12,7 +12,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 TEST(Load, GetsTheTableAndSetsItOnce) {

@@ -9,7 +9,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::Contains;
-using testing::ElementsAre;
 
 // Calls each of the thirteen once. A hook that called itself would not return.
 static void callEveryHook(FakeRuntime &runtime, const DispatchTable &cl) {

@@ -83,6 +83,7 @@ TEST(ArgMirror, KeepsACopyOfTheValue) {
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_EQ(app.settings().at(0),
             "clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, 05 00 00 00)");
+  EXPECT_EQ(value, 6);
 }
 
 TEST(ArgMirror, DoesNotRecordWhatTheRuntimeRefused) {
