@@ -35,7 +35,9 @@ function(corvane_test name)
     set_target_properties(${name} PROPERTIES
       RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
   endif()
+  # The first program under Wine waits until Wine has made its prefix.
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
+                       DISCOVERY_TIMEOUT 300
                        PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
 endfunction()
 
