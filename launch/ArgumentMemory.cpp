@@ -3,21 +3,20 @@
 #include "launch/ArgumentMemory.h"
 
 #include "agent/RuntimeTable.h"
+#include "agent/platform/Platform.h"
 
 #include <cstdint>
 
 using namespace corvane;
 
-// An object of the runtime's is aligned, lies in the lower half of the address
-// space though not at its bottom, and hardly ever at the start of a page.
-// Counts, sizes and powers of two are not like that.
+// An object of the runtime's lies in memory, aligned, and hardly ever at the
+// start of a page. Sizes and counts are not like that, powers of two included,
+// which may well be addresses: some processes have memory at low ones.
 static bool canBeHandle(cl_mem value) {
   const auto bits = reinterpret_cast<std::uintptr_t>(value);
   constexpr std::uintptr_t page = 4096;
-  constexpr std::uintptr_t lowest = std::uintptr_t{1} << 32;
-  constexpr std::uintptr_t lowerHalf = std::uintptr_t{1} << 47;
-  return bits >= lowest && bits < lowerHalf && bits % sizeof(void *) == 0 &&
-         bits % page != 0;
+  return bits % sizeof(void *) == 0 && bits % page != 0 &&
+         platform::isOccupied(value);
 }
 
 // Reads one property of an argument; false when the runtime does not tell.

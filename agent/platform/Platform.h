@@ -21,6 +21,10 @@ extern const char *const directorySeparator;
 /// first \p length bytes; failures are ignored.
 void cutFile(std::FILE *file, long length);
 
+/// Whether memory of the process may lie at \p address. Needs no right to read
+/// there.
+bool isOccupied(const void *address);
+
 /// Makes the standard error stream write bytes as they are.
 void makeErrorStreamBinary();
 

@@ -3,8 +3,10 @@
 #include "agent/platform/Platform.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,6 +28,16 @@ void platform::cutFile(std::FILE *file, long length) {
   // Nobody can be told of a failure, but the compiler wants it looked at.
   if (ftruncate(fileno(file), length) != 0)
     return;
+}
+
+// Not asked for what it tells, but for the one error that means nothing is
+// there.
+bool platform::isOccupied(const void *address) {
+  const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto bits = reinterpret_cast<std::uintptr_t>(address);
+  void *const page = reinterpret_cast<void *>(bits - bits % pageSize);
+  unsigned char resident = 0;
+  return mincore(page, 1, &resident) == 0 || errno != ENOMEM;
 }
 
 void platform::makeErrorStreamBinary() {}

@@ -9,6 +9,7 @@
 #include <direct.h>
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 using namespace corvane;
 
@@ -27,6 +28,12 @@ bool platform::createDirectory(const char *path) {
 
 void platform::cutFile(std::FILE *file, long length) {
   _chsize_s(_fileno(file), length);
+}
+
+bool platform::isOccupied(const void *address) {
+  MEMORY_BASIC_INFORMATION memory = {};
+  return VirtualQuery(address, &memory, sizeof memory) != 0 &&
+         memory.State != MEM_FREE;
 }
 
 void platform::makeErrorStreamBinary() { _setmode(2, _O_BINARY); }

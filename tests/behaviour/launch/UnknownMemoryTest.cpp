@@ -1,6 +1,7 @@
 // Tests of arguments that may be memory of which the agent has no record.
 
 #include "tests/behaviour/launch/Application.h"
+#include "tests/support/LowMemory.h"
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
@@ -86,6 +87,17 @@ TEST_F(UnknownMemory, IsNotSuspectedBehindNumbersThatAreNoHandles) {
        {cl_ulong{0}, cl_ulong{4095}, cl_ulong{100001}, ~cl_ulong{0}})
     EXPECT_THAT(launchesWith(app, number), SizeIs(variantAndKernel)) << number;
   EXPECT_THAT(launchesWith(app, 1.5), SizeIs(variantAndKernel));
+}
+
+TEST_F(UnknownMemory, IsSuspectedWhereverMemoryLiesAndNowhereElse) {
+  describe(app);
+  app.program.declares(0, {CL_KERNEL_ARG_ADDRESS_GLOBAL});
+  char *page = mapLowPage();
+  ASSERT_TRUE(page);
+  char *const object = page + 64;
+  EXPECT_THAT(launchesWith(app, object), SizeIs(kernelAlone));
+  unmapLowPage(page);
+  EXPECT_THAT(launchesWith(app, object), SizeIs(variantAndKernel));
 }
 
 TEST_F(UnknownMemory, IsNotSuspectedInValuesOfOtherSizes) {
