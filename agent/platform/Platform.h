@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 namespace corvane::platform {
 
@@ -16,6 +17,10 @@ bool createDirectory(const char *path);
 
 /// What stands between a directory and a name that createDirectory gets.
 extern const char *const directorySeparator;
+
+/// The name of a file as the file system tells it from others: two files whose
+/// names are the same here are one file there.
+std::string comparableFileName(std::string name);
 
 /// Drops what \p file, open for writing and without a buffer, holds behind its
 /// first \p length bytes; failures are ignored.

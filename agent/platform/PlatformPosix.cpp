@@ -24,6 +24,8 @@ bool platform::createDirectory(const char *path) {
   return mkdir(path, 0777) == 0 || errno == EEXIST;
 }
 
+std::string platform::comparableFileName(std::string name) { return name; }
+
 void platform::cutFile(std::FILE *file, long length) {
   // Nobody can be told of a failure, but the compiler wants it looked at.
   if (ftruncate(fileno(file), length) != 0)

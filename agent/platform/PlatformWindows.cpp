@@ -2,6 +2,8 @@
 
 #include "agent/platform/Platform.h"
 
+#include "llvm/ADT/StringRef.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -24,6 +26,11 @@ void platform::removeVariable(const char *name) { defineVariable(name, ""); }
 
 bool platform::createDirectory(const char *path) {
   return _mkdir(path) == 0 || errno == EEXIST;
+}
+
+// Capital letters make no other name.
+std::string platform::comparableFileName(std::string name) {
+  return llvm::StringRef(name).lower();
 }
 
 void platform::cutFile(std::FILE *file, long length) {

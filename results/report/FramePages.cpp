@@ -1,6 +1,7 @@
 // The pages that only hold others together.
 
 #include "results/report/Pages.h"
+#include "results/report/SafeText.h"
 
 using namespace corvane;
 
@@ -26,7 +27,7 @@ void corvane::writeIndexPage(llvm::raw_ostream &out,
          "<ul>\n";
   for (const IndexEntry &entry : entries)
     out << "<li><a class=\"el\" href=\"" << entry.page
-        << "\" target=\"basefrm\"> " << entry.title << " </a> \n";
+        << "\" target=\"basefrm\"> " << htmlText(entry.title) << " </a> \n";
   out << "</ul>\n"
          "</html>\n";
 }

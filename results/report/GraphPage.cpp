@@ -2,6 +2,7 @@
 
 #include "results/NumberText.h"
 #include "results/report/Pages.h"
+#include "results/report/SafeText.h"
 
 using namespace corvane;
 
@@ -10,7 +11,7 @@ static void writeHead(llvm::raw_ostream &out,
   out << "<!DOCTYPE html><html>\n"
          "<head>\n"
          "<script type=\"text/javascript\" src=\"file://"
-      << installLocation
+      << attributePath(installLocation)
       << "/dygraph-combined.js\"></script>\n"
          "<style type=\"text/css\">\n"
          "#graphdiv { position: absolute; left: 10px; right: 100px; "
@@ -31,7 +32,7 @@ static void writeCheckboxes(llvm::raw_ostream &out,
     out << "<input type=checkbox id=\"" << i
         << (isVisible(config, i) ? "\" checked" : "\"")
         << " onClick=\"change(this)\"><label for=\"" << i << "\"> "
-        << config.ranking[i].first << " </label><br/>\n";
+        << htmlText(config.ranking[i].first) << " </label><br/>\n";
 }
 
 // A sum of string literals that make up a table with a column a version, as
@@ -39,7 +40,7 @@ static void writeCheckboxes(llvm::raw_ostream &out,
 static void writeData(llvm::raw_ostream &out, const ConfigResults &config) {
   out << "\"iter";
   for (const auto &[name, stats] : config.ranking)
-    out << "," << name;
+    out << "," << scriptText(name);
   out << "\\n\"\n";
   const std::size_t count = sampleCount(config);
   for (std::size_t i = 0; i != count; ++i) {

@@ -1,42 +1,63 @@
-// How the report names a configuration and counts its samples.
+// Keeps ordinary names as they are and makes the others harmless.
 
-#include "results/report/Pages.h"
+#include "results/report/PageNames.h"
+
+#include "agent/platform/Platform.h"
+
+#include "llvm/ADT/STLExtras.h"
+#include "llvm/ADT/StringExtras.h"
 
 #include <algorithm>
 
 using namespace corvane;
 
-std::string corvane::pageBase(const ConfigResults &config) {
-  std::string base = config.kernel;
+// No file system has room for more in a name.
+static constexpr std::size_t mostBytes = 255 - sizeof("_graph.html") + 1;
+
+// What is left of a name that gets a number. Far below the limit: a path has
+// one as well.
+static constexpr std::size_t keptBytes = 150;
+
+static bool isNameCharacter(char c) {
+  return llvm::isAlnum(c) || c == '_' || c == '$';
+}
+
+static bool isSize(const std::string &text) {
+  return llvm::all_of(text, [](char c) { return llvm::isDigit(c); });
+}
+
+static bool isOrdinary(const ConfigResults &config) {
+  return llvm::all_of(config.kernel, isNameCharacter) &&
+         isSize(config.xGlobal) && isSize(config.yGlobal) &&
+         isSize(config.zGlobal) && isSize(config.xLocal) &&
+         isSize(config.yLocal) && isSize(config.zLocal);
+}
+
+static std::string joinedKey(const ConfigResults &config) {
+  std::string joined = config.kernel;
   for (const std::string *size :
        {&config.xGlobal, &config.yGlobal, &config.zGlobal, &config.xLocal,
         &config.yLocal, &config.zLocal}) {
-    base += '_';
-    base += *size;
+    joined += '_';
+    joined += *size;
   }
-  return base;
+  return joined;
 }
 
-static std::string dimension(const char *name, const std::string &global,
-                             const std::string &local) {
-  return global.empty() ? "" : name + global + "/" + local;
+// "-" is in no ordinary name, and the number in none of these twice.
+static std::string numbered(std::string name, std::size_t number) {
+  name.resize(std::min(name.size(), keptBytes));
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return !isNameCharacter(c); },
+      '-');
+  return name + "-" + std::to_string(number);
 }
 
-// The comma stands before "y" and "z" even if nothing stands before the comma.
-std::string corvane::configTitle(const ConfigResults &config) {
-  return config.kernel + " [ " +
-         dimension("x:", config.xGlobal, config.xLocal) +
-         dimension(", y:", config.yGlobal, config.yLocal) +
-         dimension(", z:", config.zGlobal, config.zLocal) + " ] ";
-}
-
-std::size_t corvane::sampleCount(const ConfigResults &config) {
-  if (config.ranking.empty())
-    return 0;
-  const auto fewest = std::min_element(
-      config.ranking.begin(), config.ranking.end(),
-      [](const auto &left, const auto &right) {
-        return left.second.arrival.size() < right.second.arrival.size();
-      });
-  return fewest->second.arrival.size();
+std::string PageNames::nameFor(const ConfigResults &config) {
+  ++count;
+  std::string name = joinedKey(config);
+  if (isOrdinary(config) && name.size() <= mostBytes &&
+      taken.insert(platform::comparableFileName(name)).second)
+    return name;
+  return numbered(std::move(name), count);
 }

@@ -1,7 +1,8 @@
 // The pages of the HTML report, each a function from data to a stream.
 //
-// All texts are part of the interface, byte for byte. Configurations must have
-// been ranked.
+// All texts are part of the interface, byte for byte. Names from the log come
+// in as they are, and the pages see to it that they stay in their places.
+// Configurations must have been ranked.
 
 #pragma once
 
@@ -16,9 +17,6 @@
 
 namespace corvane {
 
-/// What the names of a configuration's pages begin with: "k_1024___64__".
-std::string pageBase(const ConfigResults &config);
-
 /// What a person calls a configuration: "k [ x:1024/64 ] ".
 std::string configTitle(const ConfigResults &config);
 
@@ -29,7 +27,7 @@ std::size_t sampleCount(const ConfigResults &config);
 /// One line of the list of configurations.
 struct IndexEntry {
   std::string title;
-  std::string page; ///< file name
+  std::string page; ///< file name, as PageNames made it
 };
 
 /// The statistics of a configuration; \p lines is where its samples are in the
@@ -42,7 +40,7 @@ void writeTablePage(llvm::raw_ostream &out, const ConfigResults &config,
 void writeGraphPage(llvm::raw_ostream &out, const ConfigResults &config,
                     const std::string &installLocation);
 
-/// The table page above the graph page.
+/// The table page above the graph page, both called after \p base.
 void writeFramePage(llvm::raw_ostream &out, const std::string &base);
 
 /// The list of all configurations.

@@ -2,6 +2,7 @@
 
 #include "results/NumberText.h"
 #include "results/report/Pages.h"
+#include "results/report/SafeText.h"
 
 using namespace corvane;
 
@@ -15,8 +16,9 @@ enum class RowGroup { None, Lime, Faded, Orange };
 static void writeCaption(llvm::raw_ostream &out, const ConfigResults &config,
                          LineRange lines) {
   // The title begins with the kernel's name, which so stands there twice.
-  out << "<thead> <th colspan = \"11\" align=\"left\">" << config.kernel
-      << configTitle(config) << "called " << sampleCount(config) << " times"
+  out << "<thead> <th colspan = \"11\" align=\"left\">"
+      << htmlText(config.kernel + configTitle(config)) << "called "
+      << sampleCount(config) << " times"
       << "<a href=\"../autotune.csv\"> (See details (line " << lines.first
       << "-" << lines.last << ")) </a> </th> <tr> </thead>\n";
 }
@@ -61,8 +63,8 @@ static double speedup(double baseline, double value) {
 static void writeRow(llvm::raw_ostream &out, const std::string &name,
                      const VersionStats &stats, const VersionStats &baseline,
                      std::size_t count) {
-  out << "<tr align=\"center\"><th>" << name << "</th><td align=\"center\">"
-      << count << "/" << count << "</td>";
+  out << "<tr align=\"center\"><th>" << htmlText(name)
+      << "</th><td align=\"center\">" << count << "/" << count << "</td>";
   for (double VersionStats::*value :
        {&VersionStats::min, &VersionStats::max, &VersionStats::median,
         &VersionStats::mean})

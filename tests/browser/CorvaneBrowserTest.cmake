@@ -11,16 +11,20 @@ add_test(NAME Browser.FetchPackages
 set_tests_properties(Browser.FetchPackages PROPERTIES
   LABELS browser FIXTURES_SETUP browser_packages TIMEOUT 300)
 
-# corvane_browser_tests(<name> REPORT <folder> FIXTURE <name>): a test for each
-# kind of page of the report that the fixture leaves in the folder. Pictures go
-# to <build>/screenshots/<name>.
+# corvane_browser_tests(<name> REPORT <folder> FIXTURE <name> [TESTS <name>...]):
+# tests of the report that the fixture leaves in the folder, each in a file of its
+# name; without TESTS one for each kind of page. Pictures go to
+# <build>/screenshots/<name>.
 function(corvane_browser_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "REPORT;FIXTURE" "")
-  foreach(page IN ITEMS Index Table Graph)
-    string(TOLOWER ${page} file)
-    add_test(NAME ${name}.${page}
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "REPORT;FIXTURE" "TESTS")
+  if(NOT arg_TESTS)
+    set(arg_TESTS Index Table Graph)
+  endif()
+  foreach(test IN LISTS arg_TESTS)
+    string(TOLOWER ${test} file)
+    add_test(NAME ${name}.${test}
       COMMAND node --test "${CORVANE_BROWSER_SOURCES}/${file}.test.js")
-    set_tests_properties(${name}.${page} PROPERTIES
+    set_tests_properties(${name}.${test} PROPERTIES
       LABELS browser
       FIXTURES_REQUIRED "browser_packages;${arg_FIXTURE}"
       ENVIRONMENT "NODE_PATH=${CORVANE_BROWSER_PACKAGES}/node_modules;\

@@ -31,6 +31,10 @@ function listen(page) {
   page.on("pageerror", (error) => complaints.push(`script: ${error.message}`));
   page.on("requestfailed", (request) =>
     complaints.push(`${request.url()}: ${request.failure().errorText}`));
+  page.on("dialog", (dialog) => {
+    complaints.push(`dialog: ${dialog.message()}`);
+    dialog.dismiss();
+  });
   page.on("request", (request) => {
     if (!request.url().startsWith("file://"))
       complaints.push(`${request.url()} was asked for`);
@@ -47,6 +51,9 @@ class Report {
     report.page = await report.browser.newPage(
       { viewport: { width: 1440, height: 900 } });
     report.complaints = listen(report.page);
+    // What a hostile log has to call to be noticed, in any frame.
+    await report.page.exposeFunction("ran", (where) =>
+      report.complaints.push(`${where} has run`));
     await report.page.goto(pathToFileURL(path.join(folder, "main.html")).href);
     return report;
   }

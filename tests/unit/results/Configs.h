@@ -27,6 +27,20 @@ inline ConfigResults config(const std::string &kernel,
   return result;
 }
 
+/// A launch of "k" with these sizes; it has no versions.
+inline ConfigResults sized(const std::vector<std::string> &global,
+                           const std::vector<std::string> &local) {
+  ConfigResults result;
+  result.kernel = "k";
+  result.xGlobal = global[0];
+  result.yGlobal = global[1];
+  result.zGlobal = global[2];
+  result.xLocal = local[0];
+  result.yLocal = local[1];
+  result.zLocal = local[2];
+  return result;
+}
+
 inline ConfigResults rankedConfig(const std::string &kernel,
                                   const Versions &versions) {
   ConfigResults result = config(kernel, versions);

@@ -42,6 +42,18 @@ TEST(IndexPage, ListsTheConfigurationsInTheirOrder) {
             "</html>\n");
 }
 
+TEST(IndexPage, KeepsHostileTitlesInTheirPlaces) {
+  EXPECT_EQ(indexOf({{"</a><img src=x onerror=\"x()\">", "k-1.html"}}),
+            "<!DOCTYPE html>\n"
+            "<html>\n"
+            "<b>Kernels</b>\n"
+            "<ul>\n"
+            "<li><a class=\"el\" href=\"k-1.html\" target=\"basefrm\"> "
+            "&#60;/a&#62;&#60;img src=x onerror=&#34;x()&#34;&#62; </a> \n"
+            "</ul>\n"
+            "</html>\n");
+}
+
 TEST(IndexPage, HasAnEmptyListWithoutConfigurations) {
   EXPECT_EQ(indexOf({}), "<!DOCTYPE html>\n"
                          "<html>\n"

@@ -76,3 +76,21 @@ TEST(GraphPage, PlotsNoMoreSamplesThanEveryVersionHas) {
       pageOf(rankedConfig("k", {{"a", {1, 2, 3}}, {"baseline", {5}}}));
   EXPECT_THAT(page, HasSubstr("\"iter,a,baseline\\n\"\n+ \"1,1,5\\n\"\n,\n"));
 }
+
+TEST(GraphPage, KeepsHostileNamesInTheirPlaces) {
+  const std::string page = pageOf(
+      rankedConfig("k", {{"\"+x()+\"\\", {1}}, {"</script><script>x()", {2}}}));
+  EXPECT_THAT(page, HasSubstr("\"iter,\\uFF02+x()+\\uFF02\\u005C,\\uFF1C/"
+                              "script\\uFF1E\\uFF1Cscript\\uFF1Ex()\\n\"\n"));
+  EXPECT_THAT(page, HasSubstr("<label for=\"0\"> &#34;+x()+&#34;\\ </label>"));
+  EXPECT_THAT(page, HasSubstr("<label for=\"1\"> &#60;/script&#62;&#60;script"
+                              "&#62;x() </label>"));
+}
+
+TEST(GraphPage, KeepsTheInstallLocationInItsAttribute) {
+  const std::string page = written([](llvm::raw_ostream &out) {
+    writeGraphPage(out, rankedConfig("k", {}), "/opt/\" onload=\"x()");
+  });
+  EXPECT_THAT(page, HasSubstr("src=\"file:///opt/&#34; onload=&#34;x()/"
+                              "dygraph-combined.js\"></script>"));
+}

@@ -14,6 +14,7 @@ using namespace corvane::test;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing::StartsWith;
 
 namespace {
@@ -139,14 +140,44 @@ TEST_F(WriteReport, WritesNoPageOutsideOfTheReport) {
     job.configs.push_back(config(name, {{"baseline", {1}}}));
   EXPECT_EQ(writeReport(job), 0);
   EXPECT_THAT(files(),
-              ElementsAre("autotune.csv", "html/index.html", "main.html"));
-  EXPECT_THAT(folder.read("html/index.html"), HasSubstr("../up_1024___64__"));
+              ElementsAre("autotune.csv", "html/---up_1024___64__-1.html",
+                          "html/---up_1024___64__-1_graph.html",
+                          "html/---up_1024___64__-1_table.html",
+                          "html/-corvane-absolute_1024___64__-3.html",
+                          "html/-corvane-absolute_1024___64__-3_graph.html",
+                          "html/-corvane-absolute_1024___64__-3_table.html",
+                          "html/index.html", "html/nul-byte_1024___64__-4.html",
+                          "html/nul-byte_1024___64__-4_graph.html",
+                          "html/nul-byte_1024___64__-4_table.html",
+                          "html/sub-page_1024___64__-2.html",
+                          "html/sub-page_1024___64__-2_graph.html",
+                          "html/sub-page_1024___64__-2_table.html",
+                          "main.html"));
 }
 
-TEST_F(WriteReport, SurvivesANameThatIsTooLongForAFile) {
-  job.configs = {config(std::string(5000, 'k'), {{"baseline", {1}}}),
-                 config("k", {{"baseline", {1}}})};
+TEST_F(WriteReport, HasPagesForANameThatIsTooLongForAFile) {
+  const std::string longName(5000, 'k');
+  job.configs = {config(longName, {{"baseline", {1}}})};
   EXPECT_EQ(writeReport(job), 0);
-  EXPECT_TRUE(folder.has("html/k_1024___64__.html"));
-  EXPECT_TRUE(folder.has("main.html"));
+  const std::string page = std::string(150, 'k') + "-1.html";
+  EXPECT_TRUE(folder.has("html/" + page));
+  EXPECT_THAT(folder.read("html/index.html"),
+              HasSubstr("href=\"" + page + "\" target=\"basefrm\"> " +
+                        longName + " [ x:1024/64 ]  </a>"));
+  EXPECT_THAT(folder.read("main.html"), HasSubstr("\"html/" + page + "\""));
+}
+
+TEST_F(WriteReport, LinksEveryConfigurationToPagesOfItsOwn) {
+  for (const char *name : {"k", "k/", "k\\", "k\"", "k<"})
+    job.configs.push_back(config(name, {{"baseline", {1}}}));
+  writeReport(job);
+  const std::string index = folder.read("html/index.html");
+  EXPECT_THAT(files(), SizeIs(3 + 3 * job.configs.size()));
+  for (const std::string page :
+       {"k_1024___64__", "k-_1024___64__-2", "k-_1024___64__-3",
+        "k-_1024___64__-4", "k-_1024___64__-5"}) {
+    EXPECT_THAT(index, HasSubstr("href=\"" + page + ".html\""));
+    EXPECT_THAT(folder.read("html/" + page + ".html"),
+                HasSubstr("<frame src=\"" + page + "_graph.html\">"));
+  }
 }

@@ -141,3 +141,14 @@ TEST(TablePage, ShowsTheSmallestCountForAllVersions) {
               HasSubstr("<th>baseline</th><td align=\"center\">2/2</td>"));
   EXPECT_THAT(page, HasSubstr("(line 1-5)"));
 }
+
+TEST(TablePage, KeepsHostileNamesInTheirPlaces) {
+  ConfigResults hostile = rankedConfig(
+      "<b>", {{"</th><script>x()</script>", {1}}, {"baseline", {2}}});
+  hostile.xGlobal = "\"1";
+  const std::string page = pageOf(hostile);
+  EXPECT_THAT(page, HasSubstr("align=\"left\">&#60;b&#62;&#60;b&#62; [ "
+                              "x:&#34;1/64 ] called 1 times<a "));
+  EXPECT_THAT(page, HasSubstr("<th>&#60;/th&#62;&#60;script&#62;x()&#60;/"
+                              "script&#62;</th><td "));
+}
