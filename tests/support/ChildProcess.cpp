@@ -26,7 +26,8 @@ void corvane::test::assignForGood(const char *name, const char *value) {
 }
 
 static void runAndExit(const std::function<void(const std::string &)> &body) {
-  const std::string log = std::getenv(logVariable);
+  const char *const given = std::getenv(logVariable);
+  const std::string log = given ? given : "";
   assignForGood(variable::dumpLog, log.c_str());
   body(log);
   std::exit(testing::Test::HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);

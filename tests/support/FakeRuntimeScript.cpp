@@ -38,6 +38,7 @@ void FakeRuntime::whenCalled(const std::string &name,
 void FakeRuntime::takes(const std::string &kernel,
                         const std::vector<cl_ulong> &durations) {
   std::vector<Times> times;
+  times.reserve(durations.size());
   for (cl_ulong duration : durations)
     times.emplace_back(1000, 1000 + duration);
   counters(kernel, times);

@@ -21,9 +21,10 @@ std::string Objects::freeName(const std::string &kind,
       return object->name == wanted;
     });
   };
-  std::string wanted = kind + " " + name;
+  const std::string first = kind + " " + name;
+  std::string wanted = first;
   for (unsigned number = 2; isTaken(wanted); ++number)
-    wanted = kind + " " + name + " " + std::to_string(number);
+    wanted = first + " " + std::to_string(number);
   return wanted;
 }
 

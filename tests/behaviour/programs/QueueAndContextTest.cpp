@@ -13,7 +13,6 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 static std::vector<std::string>
 queueCreatedWith(cl_command_queue_properties properties) {

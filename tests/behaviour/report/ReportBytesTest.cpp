@@ -19,7 +19,6 @@
 #include <string>
 
 using namespace corvane::test;
-using testing::Eq;
 using testing::SizeIs;
 
 using Files = std::map<std::string, std::string>;

@@ -8,7 +8,6 @@
 #include <algorithm>
 
 using namespace corvane::test;
-using fake::Enqueued;
 
 using Lock = std::lock_guard<std::recursive_mutex>;
 
