@@ -3,8 +3,14 @@
 #pragma once
 
 #include "layer/LayerTable.h"
+#include "layer/ObjectBook.h"
 
 namespace corvane::layer {
+
+struct KernelNotes {};
+
+/// The kernels that application and agent have created and not released.
+ObjectBook<cl_kernel, KernelNotes> &kernels();
 
 /// Has the agent, when it asks for the reference count of a kernel, hear of the
 /// application's references alone.
@@ -13,13 +19,10 @@ namespace corvane::layer {
 /// A runtime may hold references of its own for launches that have not run yet;
 /// counted in, they would hide the last release, and the agent would keep its
 /// record, to find it again under the next kernel at the same address.
-///
-/// Call once, before the agent gets the table. The counting calls may come on
-/// any thread.
-void countKernelReferences(LayerTable &table);
+void countKernelReferences(cl_icd_dispatch &below);
 
 /// Gives the application the runtime's own answer to what it asks of a kernel.
-/// Call once, after the agent has worked on the table.
-void answerKernelQueriesBelow(LayerTable &table);
+/// An agent's own hook stays, and hears of the application's references too.
+void answerAboutKernels(cl_icd_dispatch &above);
 
 } // namespace corvane::layer

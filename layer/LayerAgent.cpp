@@ -26,7 +26,7 @@ static cl_int CL_API_CALL getDispatchTable(LayerAgent *agent, void *table,
                                            size_t size) {
   if (!isWholeTable(agent, table, size))
     return CL_INVALID_VALUE;
-  std::memcpy(table, &agent->table->entries, size);
+  std::memcpy(table, &agent->table->agent, size);
   return CL_SUCCESS;
 }
 
@@ -36,7 +36,7 @@ static cl_int CL_API_CALL setDispatchTable(LayerAgent *agent, void *table,
     return CL_INVALID_VALUE;
   if (!agent->acceptsTable)
     return CL_INVALID_OPERATION;
-  std::memcpy(&agent->table->entries, table, size);
+  std::memcpy(&agent->table->agent, table, size);
   return CL_SUCCESS;
 }
 

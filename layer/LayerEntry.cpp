@@ -1,43 +1,30 @@
 // The two calls by which an OpenCL loader finds and starts the layer.
 
 #include "layer/AgentLibrary.h"
-#include "layer/KernelReferences.h"
+#include "layer/Answer.h"
 #include "layer/LayerAgent.h"
 #include "layer/LayerTable.h"
-#include "layer/NewerCalls.h"
+#include "layer/Storeys.h"
 
 #include <CL/cl_layer.h>
 
 #include <atomic>
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 using namespace corvane::layer;
-
-static cl_int answer(const void *value, size_t size, size_t roomSize,
-                     void *room, size_t *sizeRet) {
-  if (room && roomSize < size)
-    return CL_INVALID_VALUE;
-  if (room)
-    std::memcpy(room, value, size);
-  if (sizeRet)
-    *sizeRet = size;
-  return CL_SUCCESS;
-}
 
 cl_int CL_API_CALL clGetLayerInfo(cl_layer_info paramName,
                                   size_t paramValueSize, void *paramValue,
                                   size_t *paramValueSizeRet) {
   static constexpr cl_layer_api_version version = CL_LAYER_API_VERSION_100;
   static constexpr char name[] = "CorvaneLayer";
+  const Answer answer{paramValueSize, paramValue, paramValueSizeRet};
   switch (paramName) {
   case CL_LAYER_API_VERSION:
-    return answer(&version, sizeof(version), paramValueSize, paramValue,
-                  paramValueSizeRet);
+    return answer.give(&version, sizeof(version));
   case CL_LAYER_NAME:
-    return answer(name, sizeof(name), paramValueSize, paramValue,
-                  paramValueSizeRet);
+    return answer.give(name, sizeof(name));
   default:
     return CL_INVALID_VALUE;
   }
@@ -51,7 +38,7 @@ static std::string startAgent(LayerTable &table) {
   if (!problem.empty())
     return problem;
 
-  countKernelReferences(table);
+  standBelow(table.agent);
   LayerAgent &agent = layerAgent(table);
   const cl_int status = library.onLoad(&agent);
   agent.acceptsTable = false;
@@ -59,8 +46,8 @@ static std::string startAgent(LayerTable &table) {
     return "the agent library refused to start with status " +
            std::to_string(status) +
            "; check that layer and agent library are of one build";
-  answerKernelQueriesBelow(table);
-  serveNewerCalls(table);
+  table.application = table.agent;
+  standAbove(table.application);
   return problem;
 }
 
@@ -94,7 +81,7 @@ cl_int CL_API_CALL clInitLayer(cl_uint numEntries,
   const std::string problem = prepareTable(table, *targetDispatch, numEntries);
   if (problem.empty()) {
     *numEntriesRet = table.count;
-    *layerDispatchRet = &table.entries;
+    *layerDispatchRet = &table.application;
     return CL_SUCCESS;
   }
 

@@ -1,4 +1,4 @@
-// The dispatch table that the layer hands to the OpenCL loader.
+// The dispatch tables of the layer: the runtime's, the agent's, the loader's.
 
 #include "layer/LayerTable.h"
 
@@ -24,5 +24,7 @@ void corvane::layer::copyLoaderTable(LayerTable &table,
   // A loader of another age may offer fewer entries than our headers know, so
   // its table must not be copied as a whole.
   table.count = std::min(count, knownEntries);
-  std::memcpy(&table.entries, &loaderTable, table.count * sizeof(void *));
+  std::memcpy(&table.runtime, &loaderTable, table.count * sizeof(void *));
+  table.agent = table.runtime;
+  table.application = table.runtime;
 }

@@ -1,4 +1,4 @@
-// The dispatch table that the layer hands to the OpenCL loader.
+// The dispatch tables of the layer: the runtime's, the agent's, the loader's.
 
 #pragma once
 
@@ -12,28 +12,40 @@ constexpr cl_uint agentEntries = 119;
 /// Size in bytes of those entries.
 constexpr size_t agentTableSize = agentEntries * sizeof(void *);
 
-/// One table for the whole process. It starts as a copy of the loader's, so an
-/// entry that nobody replaces leads straight to what lies below.
+/// The one set of tables of the process. Each starts as a copy of the loader's,
+/// so an entry that nobody replaces leads straight to what lies below; an entry
+/// that the loader does not offer stays null.
 ///
 /// Written only while the loader initialises the layer, which it does on one
-/// thread; it is never freed, because a loader may use it in place.
+/// thread; never freed, because a loader may use a table in place.
 struct LayerTable {
-  cl_icd_dispatch entries;
+  cl_icd_dispatch runtime; ///< as the loader gave it: what lies below
+  /// What the agent reads and then writes: first the runtime with the layer's
+  /// lower half before it, then the agent's hooks over that.
+  cl_icd_dispatch agent;
+  /// What the loader gets: the agent's with the layer's upper half before it.
+  cl_icd_dispatch application;
   cl_uint count; ///< entries filled in; the loader knows what to do with others
 };
 
-/// The table of this process, all null before `copyLoaderTable`.
+/// The tables of this process, all null before `copyLoaderTable`.
 LayerTable &layerTable();
 
 /// Takes over the `count` entries of `loaderTable`, or as many as we know of.
 void copyLoaderTable(LayerTable &table, const cl_icd_dispatch &loaderTable,
                      cl_uint count);
 
-/// Puts `layerCall` where `entry` was, which goes to `before`. An entry that
-/// the loader does not offer stays null.
-template <typename Function>
-void replaceEntry(Function &entry, Function &before, Function layerCall) {
-  before = entry;
+/// The calls below the layer, which neither the agent nor the layer sees.
+inline const cl_icd_dispatch &runtime() { return layerTable().runtime; }
+
+/// The calls as the agent leaves them.
+inline const cl_icd_dispatch &agent() { return layerTable().agent; }
+
+/// The calls as the application makes them.
+inline const cl_icd_dispatch &application() { return layerTable().application; }
+
+/// Puts a call of the layer's into a table, unless there is none to replace.
+template <typename Function> void replace(Function &entry, Function layerCall) {
   if (entry)
     entry = layerCall;
 }

@@ -28,9 +28,9 @@ protected:
 
 TEST_P(EveryExample, NoticesThatItsResultsAreWrong) {
   const TempFolder folder;
-  const ExampleRun run = runExample(command(folder), layerBeside("IdleAgent"));
+  const ExampleRun run = runExample(command(folder), layerBeside("LazyAgent"));
   EXPECT_EQ(run.program.exitCode, 1);
-  EXPECT_THAT(run.launches, ElementsAre());
+  EXPECT_FALSE(run.launches.empty());
   EXPECT_THAT(run.program.err, HasSubstr("wrong values"));
   ASSERT_FALSE(run.results.empty());
   for (const std::string &line : run.results)

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
+#include <initializer_list>
 
 #include <dlfcn.h>
 
@@ -56,13 +56,26 @@ std::vector<void *> corvane::test::loaderTableOf(size_t entries) {
   return table;
 }
 
-bool corvane::test::countsReferences(size_t index) {
-  static constexpr size_t offsets[] = {
-      offsetof(cl_icd_dispatch, clCreateKernel),
-      offsetof(cl_icd_dispatch, clCreateKernelsInProgram),
-      offsetof(cl_icd_dispatch, clRetainKernel),
-      offsetof(cl_icd_dispatch, clReleaseKernel),
-      offsetof(cl_icd_dispatch, clGetKernelInfo)};
-  const size_t *end = std::end(offsets);
-  return std::find(offsets, end, index * sizeof(void *)) != end;
+// Whether the entry stands at one of those offsets.
+static bool isAt(size_t index, std::initializer_list<size_t> offsets) {
+  return std::find(offsets.begin(), offsets.end(), index * sizeof(void *)) !=
+         offsets.end();
 }
+
+#define AT(name) offsetof(cl_icd_dispatch, name)
+
+bool corvane::test::isServedBelow(size_t index) {
+  return isAt(index,
+              {AT(clCreateKernel), AT(clCreateKernelsInProgram),
+               AT(clRetainKernel), AT(clReleaseKernel), AT(clGetKernelInfo)});
+}
+
+bool corvane::test::isServedAbove(size_t index) {
+  return isAt(index,
+              {AT(clCreateCommandQueue), AT(clCreateCommandQueueWithProperties),
+               AT(clRetainCommandQueue), AT(clReleaseCommandQueue),
+               AT(clGetCommandQueueInfo), AT(clGetEventProfilingInfo),
+               AT(clCreateBufferWithProperties)});
+}
+
+#undef AT

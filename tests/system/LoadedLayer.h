@@ -41,8 +41,8 @@ private:
 /// may be called.
 std::vector<void *> loaderTableOf(size_t entries);
 
-/// True for the entries that the layer puts itself below the agent, to know
-/// the application's references to a kernel.
-bool countsReferences(size_t index);
+/// True for the entries where the layer stands below the agent, or above it.
+bool isServedBelow(size_t index);
+bool isServedAbove(size_t index);
 
 } // namespace corvane::test

@@ -1,6 +1,6 @@
 // Queues made by a list of properties, below a loader that the test plays.
 
-#include "tests/system/autotune/ScriptedLayer.h"
+#include "tests/system/layer/ScriptedLayer.h"
 
 using namespace corvane::test;
 using testing::ElementsAre;

@@ -1,6 +1,6 @@
 // The calls that create queues and buffers, played by the test.
 
-#include "tests/system/autotune/LoaderScript.h"
+#include "tests/system/layer/LoaderScript.h"
 #include "tests/system/LoadedLayer.h"
 
 #include <gtest/gtest.h>

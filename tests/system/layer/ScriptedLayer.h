@@ -4,7 +4,7 @@
 
 #include "tests/support/TempFolder.h"
 #include "tests/system/LoadedLayer.h"
-#include "tests/system/autotune/LoaderScript.h"
+#include "tests/system/layer/LoaderScript.h"
 
 #include <gmock/gmock.h>
 

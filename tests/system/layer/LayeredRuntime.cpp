@@ -1,0 +1,84 @@
+// The layer with the real agent, over the scripted runtime.
+
+#include "tests/system/layer/LayeredRuntime.h"
+
+#include "tests/support/FakeTable.h"
+
+#include <dlfcn.h>
+
+using namespace corvane::test;
+
+static std::filesystem::path agentName() {
+  return std::filesystem::path(AGENT_FILE).filename();
+}
+
+std::string LayeredRuntime::copyBoth() const {
+  const std::filesystem::path agent = AGENT_FILE;
+  std::filesystem::copy_file(agent, folder.path() / agentName());
+  std::filesystem::copy_file(LAYER_FILE, folder.file(LAYER_FILE_NAME));
+  return folder.file(LAYER_FILE_NAME);
+}
+
+// A loader unloads nothing, but what is left would meet the next test's runtime
+// when the process ends.
+LayeredRuntime::~LayeredRuntime() {
+  void *agent =
+      dlopen((folder.path() / agentName()).c_str(), RTLD_NOW | RTLD_NOLOAD);
+  if (!agent)
+    return;
+  reinterpret_cast<void (*)(void *)>(dlsym(agent, "clAgent_OnUnload"))(nullptr);
+  dlclose(agent);
+}
+
+const cl_icd_dispatch &LayeredRuntime::load(const Variables &variables) {
+  if (table)
+    return *table;
+  for (const auto &[name, value] : variables)
+    environment.emplace_back(name.c_str(), value);
+  const auto entries = entriesOf(runtime.ownTable());
+  std::vector<void *> loaderTable;
+  for (const void *entry : entries)
+    loaderTable.push_back(const_cast<void *>(entry));
+  loaderTable.resize(sizeof(cl_icd_dispatch) / sizeof(void *));
+  const LoadedLayer::Answer answer = layer.init(loaderTable);
+  EXPECT_EQ(answer.status, CL_SUCCESS);
+  EXPECT_EQ(answer.said, "");
+  table = answer.table;
+  runtime.forgetTranscript();
+  return *table;
+}
+
+const cl_icd_dispatch &LayeredRuntime::loadAutotuning(Variables variables) {
+  variables.emplace_back("CORVANE_AUTOTUNE", folder.file("out"));
+  variables.emplace_back("CORVANE_INSTALL_LOCATION", folder.text());
+  return load(variables);
+}
+
+cl_program LayeredRuntime::createProgram() {
+  const char *source = "";
+  return cl().clCreateProgramWithSource(runtime.context(), 1, &source, nullptr,
+                                        nullptr);
+}
+
+cl_int LayeredRuntime::build(cl_program program) {
+  return cl().clBuildProgram(program, 0, nullptr, "", nullptr, nullptr);
+}
+
+std::string LayeredRuntime::kernelNames(cl_program program) {
+  char names[256] = "";
+  EXPECT_EQ(cl().clGetProgramInfo(program, CL_PROGRAM_KERNEL_NAMES,
+                                  sizeof names, names, nullptr),
+            CL_SUCCESS);
+  return names;
+}
+
+std::vector<std::string> LayeredRuntime::createKernel(cl_program program,
+                                                      const char *name) {
+  testing::internal::CaptureStderr();
+  cl_kernel kernel = cl().clCreateKernel(program, name, nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_NE(kernel, nullptr);
+  std::vector<std::string> all = runtime.alive("kernel");
+  EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+  return all;
+}

@@ -1,0 +1,58 @@
+// The layer with the real agent, over the scripted runtime.
+
+#pragma once
+
+#include "tests/support/EnvGuard.h"
+#include "tests/support/FakeRuntime.h"
+#include "tests/support/TempFolder.h"
+#include "tests/system/LoadedLayer.h"
+
+#include <gmock/gmock.h>
+
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvane::test {
+
+/// Each test has copies of layer and agent, for a layer starts once.
+class LayeredRuntime : public testing::Test {
+protected:
+  using Variables = std::vector<std::pair<std::string, std::string>>;
+
+  ~LayeredRuntime() override;
+
+  /// The table for the application. Defines the variables for the length of the
+  /// test and loads, the first time; change `runtime.ownTable()` before.
+  const cl_icd_dispatch &load(const Variables &variables = {});
+
+  /// The same in autotuning mode, below the test's own folder.
+  const cl_icd_dispatch &loadAutotuning(Variables variables = {});
+
+  const cl_icd_dispatch &cl() { return load(); }
+
+  /// A program of kernel "k" with a variant, and of "other" without.
+  ProgramScript withVariant(ProgramScript program) {
+    return program.kernel("k").kernel("k_coarsed_g0S4").kernel("other");
+  }
+
+  cl_program createProgram();
+  cl_int build(cl_program program);
+  std::string kernelNames(cl_program program);
+
+  /// The kernels that live while one is there that the application creates.
+  std::vector<std::string> createKernel(cl_program program, const char *name);
+
+  FakeRuntime runtime;
+  const TempFolder folder;
+
+private:
+  std::string copyBoth() const;
+
+  std::list<EnvGuard> environment;
+  const LoadedLayer layer{copyBoth()};
+  const cl_icd_dispatch *table = nullptr;
+};
+
+} // namespace corvane::test

@@ -1,0 +1,113 @@
+// A program that carries variants is told, under the agent, what it would be
+// told alone without them; and its variants run all the same.
+
+#include "tests/system/autotune/HostRun.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+using namespace corvane::test;
+using testing::Each;
+using testing::Ge;
+using testing::StartsWith;
+
+namespace {
+
+const char withoutVariants[] = "-DWITHOUT_VARIANTS";
+const char withVariants[] = "-DWITH_VARIANTS";
+
+struct Story {
+  const char *name;
+  std::string program;
+  std::string part;
+  /// What the program would have alone where nothing is autotuned: the agent
+  /// looks at linked programs only when it autotunes.
+  const char *aloneInNormalMode;
+  size_t variantsLaunched; ///< in normal mode
+  RowCounts rows;
+  Environment changes;
+};
+
+void PrintTo(const Story &story, std::ostream *out) { *out << story.name; }
+
+std::map<std::string, size_t> kernelAlone(size_t launches) {
+  return {{"baseline", launches}};
+}
+
+std::vector<Story> stories() {
+  return {
+      {"QuestionsToQueues",
+       "queueQuestions",
+       "",
+       withoutVariants,
+       0,
+       {{"negate,1024,,,64,,", kernelAlone(12)}},
+       {}},
+  };
+}
+
+class SameAnswers : public testing::TestWithParam<Story> {
+protected:
+  ProgramRun run(const char *variants, const Environment &environment) const {
+    Environment all = environment;
+    all.insert(GetParam().changes.begin(), GetParam().changes.end());
+    return runProgram(
+        hostProgram(GetParam().program, {variants, GetParam().part}), all);
+  }
+
+  static void expectSame(const ProgramRun &run, const ProgramRun &alone) {
+    EXPECT_EQ(alone.exitCode, 0) << alone.err;
+    EXPECT_FALSE(alone.out.empty());
+    EXPECT_EQ(run.exitCode, alone.exitCode);
+    EXPECT_EQ(run.out, alone.out);
+    EXPECT_EQ(withoutReports(run.err), linesOf(alone.err));
+  }
+
+private:
+  // The agent may report what the runtime refused, and that no variant fits.
+  static std::vector<std::string> withoutReports(const std::string &text) {
+    std::vector<std::string> lines = linesOf(text);
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const std::string &line) {
+                                 return line.rfind("QrlAgent:: ", 0) == 0;
+                               }),
+                lines.end());
+    return lines;
+  }
+};
+
+} // namespace
+
+TEST_P(SameAnswers, AloneAndInNormalMode) {
+  const TempFolder folder;
+  Environment environment = withAgent();
+  environment["CORVANE_DUMP_LOG"] = folder.file("log");
+  const ProgramRun alone = run(GetParam().aloneInNormalMode, withoutAgent());
+  ProgramRun normal = run(withVariants, environment);
+
+  // How long the log is, at the process's end.
+  const std::string log = folder.read("log");
+  const std::string length = std::to_string(log.size()) + "\n";
+  ASSERT_GE(normal.err.size(), length.size());
+  EXPECT_EQ(normal.err.substr(normal.err.size() - length.size()), length);
+  normal.err.resize(normal.err.size() - length.size());
+  expectSame(normal, alone);
+
+  const std::vector<std::string> lines = linesOf(log);
+  EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                       "Corvane's generated kernel will be launched"),
+            GetParam().variantsLaunched);
+}
+
+TEST_P(SameAnswers, AloneAndAutotuned) {
+  const TempFolder results;
+  const ProgramRun alone = run(withoutVariants, withoutAgent());
+  const ProgramRun tuned = run(withVariants, autotuning(results.text()));
+  expectSame(tuned, alone);
+  const TimingLog log = readTimingLog(results.read(".auto.csv"));
+  EXPECT_EQ(log.rows, GetParam().rows);
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, SameAnswers, testing::ValuesIn(stories()),
+                         [](const auto &story) { return story.param.name; });
