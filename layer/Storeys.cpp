@@ -3,16 +3,25 @@
 #include "layer/Storeys.h"
 
 #include "layer/Buffers.h"
+#include "layer/Builds.h"
+#include "layer/HiddenKernels.h"
 #include "layer/KernelReferences.h"
+#include "layer/KernelsInProgram.h"
+#include "layer/Programs.h"
 #include "layer/Queues.h"
 
 using namespace corvane;
 
 void layer::standBelow(cl_icd_dispatch &agentCalls) {
   countKernelReferences(agentCalls);
+  watchBuilds(agentCalls);
 }
 
 void layer::standAbove(cl_icd_dispatch &applicationCalls) {
+  followPrograms(applicationCalls);
+  serveBuilds(applicationCalls);
+  hideVariants(applicationCalls);
+  createWithoutVariants(applicationCalls);
   answerAboutKernels(applicationCalls);
   hideProfiling(applicationCalls);
   leadBuffersToAgent(applicationCalls);

@@ -67,7 +67,8 @@ static bool isAt(size_t index, std::initializer_list<size_t> offsets) {
 bool corvane::test::isServedBelow(size_t index) {
   return isAt(index,
               {AT(clCreateKernel), AT(clCreateKernelsInProgram),
-               AT(clRetainKernel), AT(clReleaseKernel), AT(clGetKernelInfo)});
+               AT(clRetainKernel), AT(clReleaseKernel), AT(clGetKernelInfo),
+               AT(clBuildProgram), AT(clLinkProgram)});
 }
 
 bool corvane::test::isServedAbove(size_t index) {
@@ -75,7 +76,12 @@ bool corvane::test::isServedAbove(size_t index) {
               {AT(clCreateCommandQueue), AT(clCreateCommandQueueWithProperties),
                AT(clRetainCommandQueue), AT(clReleaseCommandQueue),
                AT(clGetCommandQueueInfo), AT(clGetEventProfilingInfo),
-               AT(clCreateBufferWithProperties)});
+               AT(clCreateBufferWithProperties), AT(clCreateProgramWithSource),
+               AT(clCreateProgramWithBinary),
+               AT(clCreateProgramWithBuiltInKernels), AT(clCreateProgramWithIL),
+               AT(clRetainProgram), AT(clReleaseProgram), AT(clBuildProgram),
+               AT(clLinkProgram), AT(clGetProgramInfo),
+               AT(clCreateKernelsInProgram)});
 }
 
 #undef AT

@@ -31,12 +31,63 @@ struct Story {
 
 void PrintTo(const Story &story, std::ostream *out) { *out << story.name; }
 
+std::map<std::string, size_t> everyVersion(size_t launches) {
+  return {{"baseline", launches},
+          {"c0S2", launches},
+          {"g0S4", launches},
+          {"l0S2", launches}};
+}
+
 std::map<std::string, size_t> kernelAlone(size_t launches) {
   return {{"baseline", launches}};
 }
 
 std::vector<Story> stories() {
   return {
+      {"KernelsOfBuiltPrograms",
+       "kernelLists",
+       "built",
+       withoutVariants,
+       3,
+       {{"accumulate,1024,,,64,,", everyVersion(3)},
+        {"negate,1024,,,64,,", kernelAlone(3)}},
+       {}},
+      {"KernelsOfLinkedPrograms",
+       "kernelLists",
+       "linked",
+       withVariants,
+       0,
+       {{"accumulate,1024,,,64,,", everyVersion(1)},
+        {"negate,1024,,,64,,", kernelAlone(1)}},
+       {}},
+      {"NotificationsOfBuilds",
+       "notifications",
+       "built",
+       withoutVariants,
+       3,
+       {{"accumulate,1024,,,64,,", everyVersion(3)}},
+       {}},
+      {"NotificationsOfLinks",
+       "notifications",
+       "linked",
+       withVariants,
+       0,
+       {{"accumulate,1024,,,64,,", everyVersion(1)}},
+       {}},
+      {"LivesOfPrograms",
+       "programLives",
+       "",
+       withoutVariants,
+       6,
+       {{"accumulate,1024,,,64,,", everyVersion(1)},
+        {"accumulate,1024,,,32,,", everyVersion(1)},
+        {"accumulate,1024,,,16,,", kernelAlone(3)},
+        {"accumulate,1024,,,8,,", everyVersion(3)},
+        {"accumulate,1024,,,128,,", kernelAlone(2)},
+        {"accumulate,1024,,,256,,", everyVersion(2)},
+        {"accumulate,1024,,,4,,", everyVersion(1)},
+        {"accumulate,1024,,,2,,", kernelAlone(1)}},
+       {}},
       {"QuestionsToQueues",
        "queueQuestions",
        "",

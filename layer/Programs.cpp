@@ -1,0 +1,98 @@
+// The application's programs, from their creation to their last release.
+
+#include "layer/Programs.h"
+
+#include <algorithm>
+
+using namespace corvane::layer;
+
+ObjectBook<cl_program, ProgramNotes> &corvane::layer::programs() {
+  return everlasting<ObjectBook<cl_program, ProgramNotes>>();
+}
+
+// The agent drops a record when a program is released. The reference that goes
+// with it is one that was taken for the purpose.
+void corvane::layer::forgetBuilds(cl_program program) {
+  if (runtime().clRetainProgram(program) == CL_SUCCESS)
+    agent().clReleaseProgram(program);
+}
+
+void corvane::layer::enterNewProgram(cl_program program) {
+  if (programs().open(program, ProgramNotes()))
+    forgetBuilds(program);
+}
+
+void corvane::layer::enterUnseenProgram(cl_program program) {
+  if (programs().has(program))
+    return;
+  cl_uint references = 0;
+  const cl_int status =
+      runtime().clGetProgramInfo(program, CL_PROGRAM_REFERENCE_COUNT,
+                                 sizeof references, &references, nullptr);
+  if (status == CL_SUCCESS)
+    programs().open(program, ProgramNotes(), std::max(references, 1u));
+}
+
+static cl_program entered(cl_program program) {
+  if (program)
+    enterNewProgram(program);
+  return program;
+}
+
+static cl_program CL_API_CALL createFromSource(cl_context context,
+                                               cl_uint count,
+                                               const char **strings,
+                                               const size_t *lengths,
+                                               cl_int *errcodeRet) {
+  return entered(agent().clCreateProgramWithSource(context, count, strings,
+                                                   lengths, errcodeRet));
+}
+
+static cl_program CL_API_CALL createFromBinary(
+    cl_context context, cl_uint numDevices, const cl_device_id *devices,
+    const size_t *lengths, const unsigned char **binaries, cl_int *binaryStatus,
+    cl_int *errcodeRet) {
+  return entered(agent().clCreateProgramWithBinary(context, numDevices, devices,
+                                                   lengths, binaries,
+                                                   binaryStatus, errcodeRet));
+}
+
+static cl_program CL_API_CALL createBuiltIn(cl_context context,
+                                            cl_uint numDevices,
+                                            const cl_device_id *devices,
+                                            const char *kernelNames,
+                                            cl_int *errcodeRet) {
+  return entered(agent().clCreateProgramWithBuiltInKernels(
+      context, numDevices, devices, kernelNames, errcodeRet));
+}
+
+static cl_program CL_API_CALL createFromIL(cl_context context, const void *il,
+                                           size_t length, cl_int *errcodeRet) {
+  return entered(
+      runtime().clCreateProgramWithIL(context, il, length, errcodeRet));
+}
+
+static cl_int CL_API_CALL retain(cl_program program) {
+  const cl_int status = runtime().clRetainProgram(program);
+  if (status == CL_SUCCESS)
+    programs().retain(program);
+  return status;
+}
+
+static cl_int CL_API_CALL release(cl_program program) {
+  if (programs().release(program) != Release::Alive)
+    return agent().clReleaseProgram(program);
+  const cl_int status = runtime().clReleaseProgram(program);
+  if (status != CL_SUCCESS)
+    programs().retain(program);
+  return status;
+}
+
+void corvane::layer::followPrograms(cl_icd_dispatch &above) {
+  replace(above.clCreateProgramWithSource, &createFromSource);
+  replace(above.clCreateProgramWithBinary, &createFromBinary);
+  replace(above.clCreateProgramWithBuiltInKernels, &createBuiltIn);
+  replace(above.clCreateProgramWithIL, &createFromIL);
+  replace(above.clRetainProgram, &retain);
+  replace(above.clReleaseProgram, &release);
+}

@@ -1,0 +1,39 @@
+// The application's programs, from their creation to their last release.
+
+#pragma once
+
+#include "layer/LayerTable.h"
+#include "layer/ObjectBook.h"
+
+#include <string>
+#include <vector>
+
+namespace corvane::layer {
+
+/// A program that the application holds.
+struct ProgramNotes {
+  /// Names of kernels that the agent keeps to itself, sorted.
+  std::vector<std::string> hidden;
+};
+
+/// The programs that the application may have built. The agent keeps records
+/// only of programs that are in this book.
+ObjectBook<cl_program, ProgramNotes> &programs();
+
+/// Enters a program that was just made. Whatever agent or layer knew of an
+/// older one with the same handle is forgotten.
+void enterNewProgram(cl_program program);
+
+/// Enters a program whose creation went past the layer. Does nothing for one
+/// that is known, or is none.
+void enterUnseenProgram(cl_program program);
+
+/// Has the agent drop its record of a living program, if it has one.
+void forgetBuilds(cl_program program);
+
+/// The agent counts builds where the application counts references. It is told
+/// of a release only with the last reference, so a program keeps its variants
+/// until then and no record outlives its program.
+void followPrograms(cl_icd_dispatch &above);
+
+} // namespace corvane::layer

@@ -1,0 +1,193 @@
+// Notifications of builds and links, by runtimes of other manners than those at
+// hand.
+
+#include "tests/system/layer/LayeredRuntime.h"
+
+#include <thread>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+/// The call that tells the application, and how many kernels it finds then.
+struct Heard {
+  unsigned times = 0;
+  cl_program program = nullptr;
+  std::string kernels;
+};
+
+class LayeredNotifications : public LayeredRuntime {
+protected:
+  static void CL_CALLBACK listen(cl_program program, void *userData) {
+    auto &self = *static_cast<LayeredNotifications *>(userData);
+    ++self.heard.times;
+    self.heard.program = program;
+    self.heard.kernels = self.kernelNames(program);
+  }
+
+  cl_int buildNotified(cl_program program) {
+    return cl().clBuildProgram(program, 0, nullptr, "", listen, this);
+  }
+
+  cl_program linkNotified(cl_int *status) {
+    cl_device_id device = runtime.device();
+    return cl().clLinkProgram(runtime.context(), 1, &device, "", 0, nullptr,
+                              listen, this, status);
+  }
+
+  Heard heard;
+};
+
+using Notify = void(CL_CALLBACK *)(cl_program, void *);
+
+/// A runtime that returns at once, builds on a thread of its own, and notifies
+/// from there.
+class LayeredLateRuntime : public LayeredNotifications {
+protected:
+  LayeredLateRuntime() {
+    real = runtime.ownTable();
+    runtime.ownTable().clBuildProgram = buildLater;
+    runtime.ownTable().clLinkProgram = linkNow;
+  }
+  ~LayeredLateRuntime() override {
+    for (std::thread &thread : threads)
+      thread.join();
+    threads.clear();
+  }
+
+private:
+  static cl_int CL_API_CALL buildLater(cl_program program, cl_uint count,
+                                       const cl_device_id *devices,
+                                       const char *options, Notify notify,
+                                       void *userData) {
+    if (!notify)
+      return real.clBuildProgram(program, count, devices, options, notify,
+                                 userData);
+    threads.emplace_back([=] {
+      real.clBuildProgram(program, count, devices, options, notify, userData);
+    });
+    return CL_SUCCESS;
+  }
+
+  // What is linked is there at once; only the notification takes its time.
+  static cl_program CL_API_CALL linkNow(cl_context context, cl_uint count,
+                                        const cl_device_id *devices,
+                                        const char *options, cl_uint inputCount,
+                                        const cl_program *inputs, Notify notify,
+                                        void *userData, cl_int *status) {
+    cl_program program =
+        real.clLinkProgram(context, count, devices, options, inputCount, inputs,
+                           nullptr, nullptr, status);
+    if (notify && program)
+      threads.emplace_back([=] { notify(program, userData); });
+    return program;
+  }
+
+  static inline DispatchTable real;
+  static inline std::vector<std::thread> threads;
+};
+} // namespace
+
+TEST_F(LayeredLateRuntime, HasBuiltWhenTheApplicationHearsOfIt) {
+  withVariant(runtime.sourceMakes());
+  cl_program program = createProgram();
+  EXPECT_EQ(buildNotified(program), CL_SUCCESS);
+  EXPECT_EQ(heard.times, 1u);
+  EXPECT_EQ(heard.program, program);
+  EXPECT_EQ(heard.kernels, "k;other");
+}
+
+// The agent has the runtime build once more when a log complains of a variant.
+TEST_F(LayeredLateRuntime, HasBuiltTwiceWhenTheApplicationHearsOfIt) {
+  loadAutotuning();
+  withVariant(runtime.sourceMakes())
+      .log("calclCompile a b c k_coarsed_g0S4")
+      .thenBuilt()
+      .kernel("k")
+      .kernel("k_coarsed_g0S2");
+  EXPECT_EQ(buildNotified(createProgram()), CL_SUCCESS);
+  EXPECT_EQ(runtime.transcript({"clBuildProgram"}).size(), 2u);
+  EXPECT_EQ(heard.times, 1u);
+  EXPECT_EQ(heard.kernels, "k");
+}
+
+TEST_F(LayeredLateRuntime, HasLinkedWhenTheApplicationHearsOfIt) {
+  loadAutotuning();
+  withVariant(runtime.linkMakes());
+  cl_int status = -1;
+  cl_program program = linkNotified(&status);
+  EXPECT_EQ(status, CL_SUCCESS);
+  EXPECT_EQ(heard.times, 1u);
+  EXPECT_EQ(heard.program, program);
+  EXPECT_EQ(heard.kernels, "k;other");
+  EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+}
+
+// The agent has the runtime build once more when a log complains of a variant.
+TEST_F(LayeredNotifications, ComeOnceForABuildThatTookTwo) {
+  loadAutotuning();
+  withVariant(runtime.sourceMakes())
+      .log("calclCompile a b c k_coarsed_g0S4")
+      .thenBuilt()
+      .kernel("k")
+      .kernel("k_coarsed_g0S2");
+  cl_program program = createProgram();
+  EXPECT_EQ(buildNotified(program), CL_SUCCESS);
+  EXPECT_EQ(runtime.transcript({"clBuildProgram"}).size(), 2u);
+  EXPECT_EQ(heard.times, 1u);
+  EXPECT_EQ(heard.kernels, "k");
+  cl().clReleaseProgram(program);
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+}
+
+TEST_F(LayeredNotifications, ComeOnceForALinkThatTookTwo) {
+  loadAutotuning();
+  runtime.answer("clLinkProgram", CL_LINK_PROGRAM_FAILURE, 1);
+  withVariant(runtime.linkMakes());
+  cl_int status = -1;
+  testing::internal::CaptureStderr();
+  cl_program program = linkNotified(&status);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(runtime.transcript({"clLinkProgram"}).size(), 2u);
+  EXPECT_EQ(status, CL_SUCCESS);
+  EXPECT_EQ(heard.times, 1u);
+  EXPECT_EQ(heard.program, program);
+  EXPECT_EQ(heard.kernels, "k;other");
+}
+
+TEST_F(LayeredNotifications, DoNotComeForACallThatTheRuntimeRefuses) {
+  loadAutotuning();
+  runtime.answer("clLinkProgram", CL_INVALID_CONTEXT);
+  cl_int status = 0;
+  EXPECT_EQ(linkNotified(&status), nullptr);
+  EXPECT_EQ(status, CL_INVALID_CONTEXT);
+  runtime.answer("clBuildProgram", CL_INVALID_DEVICE);
+  EXPECT_EQ(buildNotified(createProgram()), CL_INVALID_DEVICE);
+  EXPECT_EQ(heard.times, 0u);
+}
+
+// Whoever is notified may use OpenCL as anywhere else.
+TEST_F(LayeredNotifications, MayBuildAndReleaseTheProgram) {
+  static const cl_icd_dispatch *calls = nullptr;
+  withVariant(runtime.sourceMakes());
+  cl_program program = createProgram();
+  calls = &cl();
+  static unsigned times = 0;
+  times = 0;
+  const auto again = [](cl_program built, void *) {
+    ++times;
+    EXPECT_EQ(calls->clBuildProgram(built, 0, nullptr, "", nullptr, nullptr),
+              CL_SUCCESS);
+    EXPECT_EQ(calls->clReleaseProgram(built), CL_SUCCESS);
+  };
+  EXPECT_EQ(cl().clBuildProgram(program, 0, nullptr, "", again, nullptr),
+            CL_SUCCESS);
+  EXPECT_EQ(times, 1u);
+  EXPECT_THAT(runtime.transcript({"clBuildProgram"}),
+              ElementsAre("clBuildProgram(program 1, [], \"\", &, &)",
+                          "clBuildProgram(program 1, [], \"\", null, null)"));
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+}
