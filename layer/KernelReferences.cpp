@@ -2,17 +2,36 @@
 
 #include "layer/KernelReferences.h"
 
+#include <atomic>
+#include <utility>
+
 using namespace corvane::layer;
 
 ObjectBook<cl_kernel, KernelNotes> &corvane::layer::kernels() {
   return everlasting<ObjectBook<cl_kernel, KernelNotes>>();
 }
 
+static thread_local CreatedKernels *creating = nullptr;
+
+CreatedKernels::CreatedKernels() { creating = this; }
+
+CreatedKernels::~CreatedKernels() { creating = nullptr; }
+
+static void enter(cl_kernel kernel) {
+  static std::atomic<std::uint64_t> lastNumber{0};
+  KernelNotes notes;
+  notes.number = ++lastNumber;
+  kernels().open(kernel, std::move(notes));
+}
+
 static cl_kernel CL_API_CALL create(cl_program program, const char *name,
                                     cl_int *errcodeRet) {
   cl_kernel kernel = runtime().clCreateKernel(program, name, errcodeRet);
-  if (kernel)
-    kernels().open(kernel, {});
+  if (!kernel)
+    return kernel;
+  enter(kernel);
+  if (creating)
+    creating->all.push_back(kernel);
   return kernel;
 }
 
@@ -26,7 +45,7 @@ static cl_int CL_API_CALL createAll(cl_program program, cl_uint room,
   if (countRet)
     *countRet = count;
   for (cl_uint i = 0; created && i < count && i < room; ++i)
-    kernels().open(created[i], {});
+    enter(created[i]);
   return status;
 }
 
@@ -43,7 +62,7 @@ static cl_int CL_API_CALL release(cl_kernel kernel) {
   if (status != CL_SUCCESS && meaning == Release::Alive)
     kernels().retain(kernel);
   else if (status != CL_SUCCESS && meaning == Release::Last)
-    kernels().open(kernel, {});
+    enter(kernel);
   return status;
 }
 

@@ -5,12 +5,31 @@
 #include "layer/LayerTable.h"
 #include "layer/ObjectBook.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace corvane::layer {
 
-struct KernelNotes {};
+/// A kernel of the application's, or one that the agent keeps beside it.
+struct KernelNotes {
+  std::uint64_t number = 0; ///< of this kernel alone; handles come again
+  std::uint64_t owner = 0;  ///< the number of the kernel it is kept for, if any
+  std::vector<cl_kernel> kept; ///< for this one
+};
 
 /// The kernels that application and agent have created and not released.
 ObjectBook<cl_kernel, KernelNotes> &kernels();
+
+/// Notes what is created on this thread below the agent while it lives. There
+/// is one at a time on a thread.
+struct CreatedKernels {
+  CreatedKernels();
+  ~CreatedKernels();
+  CreatedKernels(const CreatedKernels &) = delete;
+  CreatedKernels &operator=(const CreatedKernels &) = delete;
+
+  std::vector<cl_kernel> all;
+};
 
 /// Has the agent, when it asks for the reference count of a kernel, hear of the
 /// application's references alone.

@@ -16,7 +16,7 @@ public:
   NewKernels() = default;
   ~NewKernels() {
     for (cl_kernel kernel : kernels)
-      agent().clReleaseKernel(kernel);
+      application().clReleaseKernel(kernel);
   }
   NewKernels(const NewKernels &) = delete;
   NewKernels &operator=(const NewKernels &) = delete;
@@ -25,7 +25,8 @@ public:
     kernels.reserve(names.size());
     for (const std::string &name : names) {
       cl_int status = CL_SUCCESS;
-      cl_kernel kernel = agent().clCreateKernel(program, name.c_str(), &status);
+      cl_kernel kernel =
+          application().clCreateKernel(program, name.c_str(), &status);
       if (status != CL_SUCCESS)
         return status;
       kernels.push_back(kernel);

@@ -61,6 +61,17 @@ public:
       edit(page->second.notes);
   }
 
+  /// Strikes an object out if its notes are those that \p isMeant wants, and
+  /// returns whether it did.
+  template <typename IsMeant> bool close(Handle object, IsMeant isMeant) {
+    std::lock_guard<std::mutex> guard(lock);
+    const auto page = pages.find(object);
+    if (page == pages.end() || !isMeant(page->second.notes))
+      return false;
+    pages.erase(page);
+    return true;
+  }
+
   void retain(Handle object) {
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);

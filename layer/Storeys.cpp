@@ -5,8 +5,10 @@
 #include "layer/Buffers.h"
 #include "layer/Builds.h"
 #include "layer/HiddenKernels.h"
+#include "layer/KeptKernels.h"
 #include "layer/KernelReferences.h"
 #include "layer/KernelsInProgram.h"
+#include "layer/Launches.h"
 #include "layer/Programs.h"
 #include "layer/Queues.h"
 
@@ -15,6 +17,7 @@ using namespace corvane;
 void layer::standBelow(cl_icd_dispatch &agentCalls) {
   countKernelReferences(agentCalls);
   watchBuilds(agentCalls);
+  watchLaunches(agentCalls);
 }
 
 void layer::standAbove(cl_icd_dispatch &applicationCalls) {
@@ -23,6 +26,8 @@ void layer::standAbove(cl_icd_dispatch &applicationCalls) {
   hideVariants(applicationCalls);
   createWithoutVariants(applicationCalls);
   answerAboutKernels(applicationCalls);
+  releaseForgottenKernels(applicationCalls);
+  repeatLostLaunches(applicationCalls);
   hideProfiling(applicationCalls);
   leadBuffersToAgent(applicationCalls);
 }

@@ -65,23 +65,33 @@ static bool isAt(size_t index, std::initializer_list<size_t> offsets) {
 #define AT(name) offsetof(cl_icd_dispatch, name)
 
 bool corvane::test::isServedBelow(size_t index) {
-  return isAt(index,
-              {AT(clCreateKernel), AT(clCreateKernelsInProgram),
-               AT(clRetainKernel), AT(clReleaseKernel), AT(clGetKernelInfo),
-               AT(clBuildProgram), AT(clLinkProgram)});
+  return isAt(index, {AT(clCreateKernel), AT(clCreateKernelsInProgram),
+                      AT(clRetainKernel), AT(clReleaseKernel),
+                      AT(clGetKernelInfo), AT(clBuildProgram),
+                      AT(clLinkProgram), AT(clEnqueueNDRangeKernel)});
 }
 
 bool corvane::test::isServedAbove(size_t index) {
-  return isAt(index,
-              {AT(clCreateCommandQueue), AT(clCreateCommandQueueWithProperties),
-               AT(clRetainCommandQueue), AT(clReleaseCommandQueue),
-               AT(clGetCommandQueueInfo), AT(clGetEventProfilingInfo),
-               AT(clCreateBufferWithProperties), AT(clCreateProgramWithSource),
-               AT(clCreateProgramWithBinary),
-               AT(clCreateProgramWithBuiltInKernels), AT(clCreateProgramWithIL),
-               AT(clRetainProgram), AT(clReleaseProgram), AT(clBuildProgram),
-               AT(clLinkProgram), AT(clGetProgramInfo),
-               AT(clCreateKernelsInProgram)});
+  return isAt(index, {AT(clCreateCommandQueue),
+                      AT(clCreateCommandQueueWithProperties),
+                      AT(clRetainCommandQueue),
+                      AT(clReleaseCommandQueue),
+                      AT(clGetCommandQueueInfo),
+                      AT(clGetEventProfilingInfo),
+                      AT(clCreateBufferWithProperties),
+                      AT(clCreateProgramWithSource),
+                      AT(clCreateProgramWithBinary),
+                      AT(clCreateProgramWithBuiltInKernels),
+                      AT(clCreateProgramWithIL),
+                      AT(clRetainProgram),
+                      AT(clReleaseProgram),
+                      AT(clBuildProgram),
+                      AT(clLinkProgram),
+                      AT(clGetProgramInfo),
+                      AT(clCreateKernelsInProgram),
+                      AT(clCreateKernel),
+                      AT(clReleaseKernel),
+                      AT(clEnqueueNDRangeKernel)});
 }
 
 #undef AT

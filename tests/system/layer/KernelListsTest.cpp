@@ -114,3 +114,13 @@ TEST_F(LayeredKernelLists, StayAsTheyWereWhenTheAgentHasWrittenItsResults) {
   EXPECT_EQ(count, 2u);
   EXPECT_THAT(runtime.alive("kernel"), ElementsAre("kernel k", "kernel other"));
 }
+
+TEST_F(LayeredKernelLists, LeaveNoVariantBehindWhenTheyGoAfterTheResults) {
+  loadAutotuning({{"CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT", "1"}});
+  cl_program program = builtProgram();
+  EXPECT_EQ(createAll(program, 2), CL_SUCCESS);
+  EXPECT_EQ(cl().clReleaseContext(runtime.context()), CL_SUCCESS);
+  cl().clReleaseKernel(kernels[0]);
+  cl().clReleaseKernel(kernels[1]);
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}

@@ -95,6 +95,22 @@ std::vector<Story> stories() {
        0,
        {{"negate,1024,,,64,,", kernelAlone(12)}},
        {}},
+      {"SecondContextWithoutFlush",
+       "secondContext",
+       "",
+       withoutVariants,
+       10,
+       {{"accumulate,1024,,,64,,", everyVersion(5)},
+        {"accumulate,1024,,,32,,", everyVersion(5)}},
+       {}},
+      {"SecondContextAfterFlush",
+       "secondContext",
+       "",
+       withoutVariants,
+       2,
+       {{"accumulate,1024,,,64,,", everyVersion(1)},
+        {"accumulate,1024,,,32,,", everyVersion(1)}},
+       {{"CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT", "1"}}},
   };
 }
 

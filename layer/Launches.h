@@ -1,0 +1,15 @@
+// Launches that the agent loses after it has written its results.
+
+#pragma once
+
+#include "layer/LayerTable.h"
+
+namespace corvane::layer {
+
+/// Once the agent has written its results at a context's release, it answers
+/// launches without launching anything. The lower half sees what gets through,
+/// and the upper half sends to the runtime what did not.
+void watchLaunches(cl_icd_dispatch &below);
+void repeatLostLaunches(cl_icd_dispatch &above);
+
+} // namespace corvane::layer
