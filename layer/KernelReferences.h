@@ -15,6 +15,7 @@ struct KernelNotes {
   std::uint64_t number = 0; ///< of this kernel alone; handles come again
   std::uint64_t owner = 0;  ///< the number of the kernel it is kept for, if any
   std::vector<cl_kernel> kept; ///< for this one
+  bool usesSvm = false;
 };
 
 /// The kernels that application and agent have created and not released.

@@ -2,6 +2,8 @@
 
 #include "layer/Launches.h"
 
+#include "layer/SvmKernels.h"
+
 using namespace corvane::layer;
 
 // Launches of this thread that reached the runtime. The agent launches on the
@@ -33,6 +35,8 @@ static cl_int CL_API_CALL launchAbove(cl_command_queue queue, cl_kernel kernel,
                                         globalSize, localSize, numEvents,
                                         events, event);
   };
+  if (usesSvm(kernel))
+    return launch(runtime());
   const unsigned before = launchesBelow;
   const cl_int status = launch(agent());
   return launchesBelow != before ? status : launch(runtime());

@@ -11,6 +11,7 @@
 #include "layer/Launches.h"
 #include "layer/Programs.h"
 #include "layer/Queues.h"
+#include "layer/SvmKernels.h"
 
 using namespace corvane;
 
@@ -27,6 +28,7 @@ void layer::standAbove(cl_icd_dispatch &applicationCalls) {
   createWithoutVariants(applicationCalls);
   answerAboutKernels(applicationCalls);
   releaseForgottenKernels(applicationCalls);
+  noticeSvm(applicationCalls);
   repeatLostLaunches(applicationCalls);
   hideProfiling(applicationCalls);
   leadBuffersToAgent(applicationCalls);

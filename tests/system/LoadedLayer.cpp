@@ -91,6 +91,8 @@ bool corvane::test::isServedAbove(size_t index) {
                       AT(clCreateKernelsInProgram),
                       AT(clCreateKernel),
                       AT(clReleaseKernel),
+                      AT(clSetKernelArgSVMPointer),
+                      AT(clSetKernelExecInfo),
                       AT(clEnqueueNDRangeKernel)});
 }
 
