@@ -11,4 +11,7 @@ namespace corvane {
 /// then, and one may have held any lock.
 void watchForProcessDetach();
 
+/// That flush. An exception ends here: behind it is nobody who could catch one.
+void flushAtDetach();
+
 } // namespace corvane

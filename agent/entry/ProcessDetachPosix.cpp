@@ -2,21 +2,11 @@
 
 #include "agent/entry/ProcessDetach.h"
 
-#include "results/Flush.h"
-
-#include <new>
-
 using namespace corvane;
 
 namespace {
 struct FlushAtExit {
-  ~FlushAtExit() {
-    try {
-      flushAutotuneResults();
-    } catch (const std::bad_alloc &) {
-      // Results are not worth the application's way out.
-    }
-  }
+  ~FlushAtExit() { flushAtDetach(); }
 };
 } // namespace
 

@@ -3,7 +3,6 @@
 #include "agent/entry/ProcessDetach.h"
 
 #include "agent/DebugLog.h"
-#include "results/Flush.h"
 
 #include <windows.h>
 
@@ -13,6 +12,6 @@ void corvane::watchForProcessDetach() { prepareErrorStream(); }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_DETACH)
-    corvane::flushAutotuneResults();
+    corvane::flushAtDetach();
   return TRUE;
 }

@@ -1,0 +1,15 @@
+// What has to be done before the library is gone, on every system.
+
+#include "agent/entry/ProcessDetach.h"
+
+#include "results/Flush.h"
+
+#include <new>
+
+void corvane::flushAtDetach() {
+  try {
+    flushAutotuneResults();
+  } catch (const std::bad_alloc &) {
+    // Results are not worth the application's way out.
+  }
+}
