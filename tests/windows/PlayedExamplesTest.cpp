@@ -13,6 +13,7 @@ using namespace corvane::test;
 using testing::AllOf;
 using testing::Each;
 using testing::HasSubstr;
+using testing::Ne;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -69,6 +70,23 @@ TEST(PlayedMatmul, RunsTheKernelItselfWhereTheVariantsConditionFails) {
   EXPECT_THAT(launchesOf("matmul 64x64", folder), SizeIs(4));
   EXPECT_THAT(lines(program.errors),
               AllOf(SizeIs(4), Each(HasSubstr("non-expected input scalar"))));
+}
+
+TEST(PlayedBlur, RunsItsVariantOnAPictureThatItDoesNotFit) {
+  TempFolder folder;
+  const Finished program =
+      run("played_blur", "--iterations 3 --output " + folder.text(), folder,
+          {{"CORVANE_DUMP_LOG", folder.file("log.txt")}});
+  EXPECT_EQ(program.exitCode, 0U) << program.errors;
+  EXPECT_THAT(program.out, HasSubstr("launch=picture launches=4"));
+
+  // 60 rows by fours, and a work-group has four of these.
+  EXPECT_THAT(launchesOf("blur", folder),
+              AllOf(SizeIs(4), Each("blur_coarsed_r0S1c1S4 96x16 16x4")));
+  const std::string before = folder.read("blur-before.png");
+  EXPECT_THAT(before, SizeIs(96 * 60 * 4));
+  EXPECT_THAT(folder.read("blur-after.png"),
+              AllOf(SizeIs(before.size()), Ne(before)));
 }
 
 static auto rowsOf(const std::string &start,
@@ -139,4 +157,35 @@ TEST(PlayedMatmul, AutotunesVariantsOnTheSameInputs) {
   const std::vector<std::string> log = lines(folder.read("out/.auto.csv"));
   EXPECT_EQ(rowsOf("matmul,64,64,,16,4,,g0S4d3S4,", log), 4);
   EXPECT_EQ(rowsOf("matmul,64,64,,16,4,,baseline,", log), 4 + 4);
+}
+
+TEST(PlayedColumns, AutotunesAllVariantsOfAKernelAndRanksThem) {
+  TempFolder folder;
+  const Finished program =
+      run("played_columns", "--width 1024 --height 16 --iterations 3", folder,
+          {{"CORVANE_AUTOTUNE", folder.file("out")},
+           {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
+  EXPECT_EQ(program.exitCode, 0U) << program.errors;
+  const std::vector<std::string> log = lines(folder.read("out/.auto.csv"));
+  const std::string table =
+      folder.read("out/html/columns_1024___64___table.html");
+  for (const char *version : {"g0S2", "g0S4", "g0S8", "l0S4", "baseline"}) {
+    const std::string name = version;
+    EXPECT_EQ(rowsOf("columns,1024,,,64,,," + name + ",", log), 4) << name;
+    EXPECT_THAT(table, HasSubstr("<th>" + name + "</th>"));
+  }
+}
+
+TEST(PlayedBlur, AutotunesOnTwoDimensions) {
+  TempFolder folder;
+  const Finished program =
+      run("played_blur", "--iterations 3 --output " + folder.text(), folder,
+          {{"CORVANE_AUTOTUNE", folder.file("out")},
+           {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
+  EXPECT_EQ(program.exitCode, 0U) << program.errors;
+  const std::vector<std::string> log = lines(folder.read("out/.auto.csv"));
+  EXPECT_EQ(rowsOf("blur,96,60,,16,4,,r0S1c1S4,", log), 4);
+  EXPECT_EQ(rowsOf("blur,96,60,,16,4,,baseline,", log), 4);
+  EXPECT_THAT(folder.read("out/html/index.html"),
+              HasSubstr("blur [ x:96/16, y:60/4 ]"));
 }
