@@ -8,6 +8,9 @@
 
 namespace corvane::test {
 
+/// Defines a variable, or removes it if \p value is null.
+void assignVariable(const char *name, const char *value);
+
 /// Defines or removes an environment variable and puts it back at the end.
 /// Where the system does not tell the two apart, an empty value removes it.
 /// Not for tests in which other threads look at the environment meanwhile.
@@ -26,23 +29,10 @@ public:
   EnvGuard &operator=(const EnvGuard &) = delete;
 
   /// Changes the variable once more; null removes it.
-  void set(const char *value) { assign(name.c_str(), value); }
+  void set(const char *value) { assignVariable(name.c_str(), value); }
   void set(const std::string &value) { set(value.c_str()); }
 
 private:
-#ifdef _WIN32
-  static void assign(const char *variable, const char *value) {
-    _putenv_s(variable, value ? value : "");
-  }
-#else
-  static void assign(const char *variable, const char *value) {
-    if (value)
-      setenv(variable, value, 1);
-    else
-      unsetenv(variable);
-  }
-#endif
-
   std::string name;
   std::optional<std::string> before;
 };

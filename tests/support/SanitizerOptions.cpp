@@ -1,6 +1,5 @@
 // What the address and thread sanitizers should do in our tests.
 
-#if defined(__GNUC__) && !defined(_WIN32)
 extern "C" {
 __attribute__((visibility("default"))) const char *__asan_default_options();
 __attribute__((visibility("default"))) const char *__tsan_default_options();
@@ -11,4 +10,3 @@ static constexpr const char *options = "allocator_may_return_null=1";
 
 const char *__asan_default_options() { return options; }
 const char *__tsan_default_options() { return options; }
-#endif
