@@ -37,10 +37,9 @@ public:
 
   /// Adds \p record behind all others and returns it.
   Record *append(Handle handle, std::unique_ptr<Record> record) {
-    if (!record || !canBeKey(handle)) {
-      ++nullCount;
+    ++count;
+    if (!record || !canBeKey(handle))
       return nullptr;
-    }
     auto &sameHandle = records[handle];
     sameHandle.push_back(std::move(record));
     return sameHandle.back().get();
@@ -58,8 +57,12 @@ public:
     sameHandle.erase(sameHandle.begin());
     if (sameHandle.empty())
       records.erase(found);
+    --count;
     return record;
   }
+
+  /// How many records there are, null ones included.
+  std::size_t size() const { return count; }
 
   /// Whether a record of \p handle can be kept: the map below has two marks
   /// that no object of a runtime is at.
@@ -70,7 +73,7 @@ public:
 
 private:
   llvm::DenseMap<Handle, llvm::SmallVector<std::unique_ptr<Record>, 1>> records;
-  std::size_t nullCount = 0;
+  std::size_t count = 0;
 };
 
 } // namespace corvane

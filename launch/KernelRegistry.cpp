@@ -15,8 +15,6 @@ using namespace corvane;
 
 using KernelTable = RecordTable<cl_kernel, KernelRecord>;
 
-using KernelTable = RecordTable<cl_kernel, KernelRecord>;
-
 // Null after a failure, which is reported.
 static cl_kernel createVariant(cl_program program,
                                const llvm::TransformedKernelAgent &variant) {

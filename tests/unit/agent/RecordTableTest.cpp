@@ -1,0 +1,135 @@
+// Records by handle: a list that is searched from the front, at no cost.
+#include "agent/RecordTable.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace {
+
+/// A handle like OpenCL's; counts how often the table looks at one.
+struct Handle {
+  std::uintptr_t number = 0;
+  friend bool operator!=(Handle left, Handle right) {
+    return left.number != right.number;
+  }
+};
+long looks = 0;
+
+struct Record {
+  explicit Record(std::string called) : name(std::move(called)) {}
+  std::string name;
+};
+
+} // namespace
+
+template <> struct llvm::DenseMapInfo<Handle> {
+  static Handle getEmptyKey() {
+    return {std::numeric_limits<std::uintptr_t>::max()};
+  }
+  static Handle getTombstoneKey() {
+    return {std::numeric_limits<std::uintptr_t>::max() - 1};
+  }
+  static unsigned getHashValue(Handle handle) {
+    return DenseMapInfo<void *>::getHashValue(
+        reinterpret_cast<void *>(handle.number));
+  }
+  static bool isEqual(Handle left, Handle right) {
+    ++looks;
+    return left.number == right.number;
+  }
+};
+
+namespace {
+
+using Table = corvane::RecordTable<Handle, Record>;
+
+void add(Table &table, Handle handle, const std::string &name) {
+  table.append(handle, std::make_unique<Record>(name));
+}
+
+std::string nameOf(const Record *record) {
+  return record ? record->name : "(none)";
+}
+
+TEST(RecordTable, FindsNothingWhenItIsEmpty) {
+  Table table;
+  EXPECT_EQ(table.find({1}), nullptr);
+  EXPECT_EQ(table.remove({1}), nullptr);
+  EXPECT_FALSE(table.isUnique({1}));
+  EXPECT_EQ(table.size(), 0U);
+}
+
+TEST(RecordTable, FindsTheOldestRecordOfAHandle) {
+  Table table;
+  add(table, {1}, "old");
+  add(table, {2}, "other");
+  add(table, {1}, "young");
+  EXPECT_EQ(nameOf(table.find({1})), "old");
+  EXPECT_EQ(nameOf(table.find({2})), "other");
+}
+
+TEST(RecordTable, UncoversTheNextRecordWhenTheOldestIsRemoved) {
+  Table table;
+  for (const char *name : {"first", "second", "third"})
+    add(table, {1}, name);
+  EXPECT_EQ(nameOf(table.remove({1}).get()), "first");
+  EXPECT_EQ(nameOf(table.find({1})), "second");
+  EXPECT_EQ(nameOf(table.remove({1}).get()), "second");
+  EXPECT_EQ(nameOf(table.remove({1}).get()), "third");
+  EXPECT_EQ(table.find({1}), nullptr);
+  EXPECT_EQ(table.size(), 0U);
+}
+
+TEST(RecordTable, CountsANullRecordAndNeverFindsIt) {
+  Table table;
+  EXPECT_EQ(table.append({1}, nullptr), nullptr);
+  EXPECT_EQ(table.size(), 1U);
+  EXPECT_EQ(table.find({1}), nullptr);
+  add(table, {1}, "behind it");
+  EXPECT_EQ(nameOf(table.find({1})), "behind it");
+  EXPECT_TRUE(table.isUnique({1}));
+  EXPECT_EQ(nameOf(table.remove({1}).get()), "behind it");
+  EXPECT_EQ(table.remove({1}), nullptr);
+  EXPECT_EQ(table.size(), 1U);
+}
+
+TEST(RecordTable, KnowsWhetherARecordIsTheOnlyOneOfItsHandle) {
+  Table table;
+  add(table, {1}, "one");
+  EXPECT_TRUE(table.isUnique({1}));
+  add(table, {1}, "another");
+  EXPECT_FALSE(table.isUnique({1}));
+  table.remove({1});
+  EXPECT_TRUE(table.isUnique({1}));
+}
+
+TEST(RecordTable, SurvivesTheMarksOfTheMapBelow) {
+  using Info = llvm::DenseMapInfo<Handle>;
+  for (const Handle mark : {Info::getEmptyKey(), Info::getTombstoneKey()}) {
+    Table table;
+    EXPECT_EQ(table.append(mark, std::make_unique<Record>("x")), nullptr);
+    EXPECT_EQ(table.find(mark), nullptr);
+    EXPECT_EQ(table.remove(mark), nullptr);
+    EXPECT_FALSE(table.isUnique(mark));
+  }
+}
+
+TEST(RecordTable, FindsARecordInTheSameTimeHoweverManyThereAre) {
+  constexpr std::uintptr_t count = 20000;
+  Table table;
+  for (std::uintptr_t number = 1; number <= count; ++number)
+    add(table, {0x10000 + number * 64}, std::to_string(number));
+
+  looks = 0;
+  for (std::uintptr_t number = 1; number <= count; ++number)
+    ASSERT_EQ(table.find({0x10000 + number * 64})->name,
+              std::to_string(number));
+  EXPECT_EQ(table.find({1}), nullptr);
+  // A walk along the list would look at 10000 on average.
+  EXPECT_LT(looks, long{count} * 10);
+}
+
+} // namespace
