@@ -134,7 +134,8 @@ bool AutotuneLaunch::runVariant(
   if (!variant || !shadow.isComplete() || !accepts(transformed, range))
     return false;
   replayArguments(record, variant);
-  giveGroupCounts(variant, launch, kernelArguments);
+  if (!giveGroupCounts(variant, launch, kernelArguments))
+    return false;
   transfersEnqueued = true;
   if (!shadow.save(launch.queue, chain))
     return false;

@@ -49,9 +49,12 @@ findAcceptingVariant(const KernelRecord &record, const Launch &launch,
 }
 
 static cl_int launchVariant(KernelRecord &record, cl_kernel variant,
-                            const VariantRange &range, const Launch &launch) {
+                            const VariantRange &range, const Launch &launch,
+                            llvm::raw_ostream &log) {
   replayArguments(record, variant);
-  giveGroupCounts(variant, launch, argumentCount(launch.kernel));
+  if (!giveGroupCounts(variant, launch, argumentCount(launch.kernel)))
+    return enqueue(launch);
+  logVariantLaunch(log);
   Launch replaced = launch;
   replaced.kernel = variant;
   replaced.globalSize = range.global.data();
@@ -75,8 +78,7 @@ static cl_int launchTracked(KernelRecord &record, const Launch &launch) {
     warnAboutRejection();
     return enqueue(launch);
   }
-  logVariantLaunch(log);
-  return launchVariant(record, variant->first, *range, launch);
+  return launchVariant(record, variant->first, *range, launch, log);
 }
 
 cl_int corvane::launchNormally(AgentState *state, const Launch &launch) {

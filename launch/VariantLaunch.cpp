@@ -25,13 +25,15 @@ std::optional<cl_uint> corvane::argumentCount(cl_kernel kernel) {
   return count;
 }
 
-void corvane::giveGroupCounts(cl_kernel variant, const Launch &launch,
+bool corvane::giveGroupCounts(cl_kernel variant, const Launch &launch,
                               std::optional<cl_uint> kernelArguments) {
   const std::optional<cl_uint> variantArguments = argumentCount(variant);
-  if (!kernelArguments || !variantArguments ||
-      *variantArguments <= *kernelArguments)
-    return;
+  if (!kernelArguments || !variantArguments)
+    return false;
+  if (*variantArguments <= *kernelArguments)
+    return true;
   const GroupCountArgument groups = groupCounts(launch);
   (void)runtime().clSetKernelArg(variant, *variantArguments - 1, sizeof groups,
                                  &groups);
+  return true;
 }

@@ -31,8 +31,9 @@ rangeFor(const llvm::TransformedKernelAgent &variant, const Launch &launch,
 std::optional<cl_uint> argumentCount(cl_kernel kernel);
 
 /// If \p variant has more arguments than the application's kernel, sets the
-/// last one to the work-group counts of \p launch.
-void giveGroupCounts(cl_kernel variant, const Launch &launch,
+/// last one to the work-group counts of \p launch. False if the runtime does
+/// not say how many either has: the variant may lack its last argument then.
+bool giveGroupCounts(cl_kernel variant, const Launch &launch,
                      std::optional<cl_uint> kernelArguments);
 
 } // namespace corvane

@@ -1,6 +1,7 @@
 // Tests of the hidden last argument: how many work-groups were asked for.
 
 #include "tests/behaviour/launch/Application.h"
+#include "tests/support/ErrorCapture.h"
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
@@ -107,6 +108,38 @@ TEST(GroupCounts, DoNotLookAtTheResultOfSettingThem) {
   EXPECT_EQ(app.launch(app.kernel, {64}, {4}), CL_SUCCESS);
   EXPECT_THAT(app.launches(),
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[16]", "[4]")));
+}
+
+// Whether the variant lacks its last argument is not known then.
+TEST(GroupCounts, LeaveTheLaunchToTheKernelWhenTheyMayBeMissing) {
+  for (const std::size_t failing : {1, 2}) {
+    Application app;
+    app.program.kernel("k").kernel("k_coarsed_g0S4", 1);
+    cl_kernel kernel = app.create("k");
+    app.runtime.answer("clGetKernelInfo", CL_OUT_OF_RESOURCES, failing);
+    ErrorCapture errors;
+    EXPECT_EQ(app.launch(kernel, {64}, {4}), CL_SUCCESS);
+    EXPECT_EQ(app.launch(kernel, {64}, {4}), CL_SUCCESS);
+    EXPECT_THAT(app.launches(),
+                ElementsAre(plainLaunch("k", "[64]", "[4]"),
+                            plainLaunch("k_coarsed_g0S4", "[16]", "[4]")));
+    EXPECT_EQ(errors.text(), "");
+  }
+}
+
+TEST(GroupCounts, LeaveAVariantOutOfTheTuningWhenTheyMayBeMissing) {
+  for (const std::size_t failing : {1, 2}) {
+    TuningApplication app;
+    app.program.kernel("k").kernel("k_coarsed_g0S4", 1);
+    cl_kernel kernel = app.create("k");
+    app.runtime.answer("clGetKernelInfo", CL_OUT_OF_RESOURCES, failing);
+    ErrorCapture errors;
+    EXPECT_EQ(app.launch(kernel, {64}, {4}), CL_SUCCESS);
+    EXPECT_THAT(app.launches(), testing::SizeIs(1));
+    EXPECT_EQ(app.log(),
+              std::string(app.header) + "k,64,,,4,,,baseline,1.000\n");
+    EXPECT_EQ(errors.text(), "");
+  }
 }
 
 TEST(GroupCounts, AreTheVariantsInAutotuningModeToo) {
