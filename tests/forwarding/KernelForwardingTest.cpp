@@ -34,7 +34,9 @@ TEST_P(ForwardingKernels, CreateKernelHandsNameAndStatusOn) {
   const auto [askedProgram, askedName, statusPlace] = Entry::calls[0];
   EXPECT_EQ(askedProgram, program);
   EXPECT_EQ(askedName, name);
+  // With a state the hook has to know the status in any case.
   EXPECT_NE(statusPlace, nullptr);
+  EXPECT_EQ(statusPlace == &status, !hasState());
 }
 
 TEST_P(ForwardingKernels, CreateKernelNeedsNoPlaceForItsStatus) {

@@ -5,6 +5,8 @@
 
 #include "gtest/gtest.h"
 
+#include <iostream>
+#include <locale>
 #include <string>
 
 using namespace corvane;
@@ -74,6 +76,23 @@ TEST(ErrorReport, NamesEveryCodeOfOpenCl11) {
 TEST(ErrorReport, GivesTheNumberOfCodesMinus14And5WithoutABlank) {
   EXPECT_EQ(reportOf(-14), lineWith("unknown code(-14)"));
   EXPECT_EQ(reportOf(5), lineWith("unknown code(5)"));
+}
+
+namespace {
+/// Digits of the application's taste: "-1001" is "-1.001" there.
+struct GroupedDigits : std::numpunct<char> {
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+} // namespace
+
+TEST(ErrorReport, IsTheSameInEveryLocale) {
+  const std::locale grouped(std::locale::classic(), new GroupedDigits);
+  const std::locale before = std::locale::global(grouped);
+  const std::locale beforeOfErrors = std::cerr.imbue(grouped);
+  EXPECT_EQ(reportOf(-1001), lineWith("unknown code(-1001)"));
+  std::cerr.imbue(beforeOfErrors);
+  std::locale::global(before);
 }
 
 TEST(ErrorReport, GivesTheNumberOfCodesOutsideTheNames) {

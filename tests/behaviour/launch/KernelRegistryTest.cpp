@@ -35,6 +35,19 @@ TEST(KernelRegistry, AsksForVariantsByTheCanonicalFormOfTheirNames) {
                   "clCreateKernel(program 1, \"k_coarsed_g0S4d1S2d2S4\", &)"));
 }
 
+// The record that launches ask is a copy, which turns restrictions round.
+TEST(KernelRegistry, CallsAVariantWithRestrictionsByAnotherNameInTheLog) {
+  TuningApplication app;
+  app.program.kernel("k").kernel("k_coarsed_r3r1r2g0S4");
+  cl_kernel kernel = app.create("k");
+  EXPECT_THAT(app.runtime.transcript({"clCreateKernel"}),
+              testing::Contains(
+                  "clCreateKernel(program 1, \"k_coarsed_r3r1r2g0S4\", &)"));
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_EQ(app.log(), std::string(app.header) + "k,16,,,0,,,r2r1r3g0S4,1.000\n"
+                                                 "k,16,,,0,,,baseline,1.000\n");
+}
+
 TEST(KernelRegistry, ReportsAVariantThatCannotBeCreatedAndNeverLaunchesIt) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4");

@@ -36,6 +36,8 @@ TEST(KernelsInProgram, AreCountedWithoutTheVariants) {
       app.cl.clCreateKernelsInProgram(app.program, 0, nullptr, &app.count),
       CL_SUCCESS);
   EXPECT_EQ(app.count, 2U);
+  EXPECT_THAT(app.runtime.transcript({"clReleaseKernel"}),
+              ElementsAre("clReleaseKernel(kernel k_coarsed_g0S4)"));
 }
 
 TEST(KernelsInProgram, ReleaseTheVariantThatTheRuntimeCreatedAtOnce) {
@@ -84,6 +86,23 @@ TEST(KernelsInProgram, AreWrittenBeyondTheRoomWhenItIsSmaller) {
   EXPECT_NE(app.kernels[0], nullptr);
   EXPECT_NE(app.kernels[1], nullptr);
   EXPECT_EQ(app.kernels[2], nullptr);
+}
+
+TEST(KernelsInProgram, IncludeOneWhoseNameIsTooLongForAVariants) {
+  Application app;
+  const std::string name = std::string(2000, 'x') + "_coarsed_g0S4";
+  app.program.kernel("k").kernel(name);
+  app.build();
+  std::array<cl_kernel, 3> kernels{};
+  cl_uint count = 0;
+  EXPECT_EQ(
+      app.cl.clCreateKernelsInProgram(app.program, 2, kernels.data(), &count),
+      CL_SUCCESS);
+  EXPECT_EQ(count, 2U);
+  EXPECT_EQ(app.launch(kernels[1], {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), ElementsAre(plainLaunch(name, "[16]")));
+  EXPECT_THAT(app.runtime.alive("kernel"),
+              ElementsAre("kernel k", "kernel " + name));
 }
 
 TEST(KernelsInProgram, NeedNoPlaceForTheirCount) {

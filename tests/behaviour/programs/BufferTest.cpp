@@ -67,6 +67,10 @@ TEST_F(Buffers, ThatCannotBeCreatedHaveNoRecordAndNoCallback) {
                               &status),
             nullptr);
   EXPECT_EQ(status, CL_MEM_OBJECT_ALLOCATION_FAILURE);
+  EXPECT_THAT(runtime.transcript({"clSetMemObjectDestructorCallback"}),
+              IsEmpty());
+  // A record of the handle that came with the failure would be found by it.
+  EXPECT_THAT(transfersFor(nullptr), IsEmpty());
 
   runtime.answer("clCreateBuffer", CL_MEM_OBJECT_ALLOCATION_FAILURE, 1);
   EXPECT_EQ(createBuffer(runtime, cl), nullptr);
