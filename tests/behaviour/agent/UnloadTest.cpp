@@ -8,6 +8,8 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <future>
+#include <thread>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -63,6 +65,29 @@ TEST(ProcessEnd, WithoutAnUnloadWritesTheResults) {
     EXPECT_FALSE(std::filesystem::exists(folderOf(log) + "/autotune.csv"));
   });
   EXPECT_THAT(ended.files, Contains(Key("autotune.csv")));
+}
+
+// Nobody will ever let go of the lock that such a thread holds.
+TEST(ProcessEnd, WaitsForNoThreadInsideAHook) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    // The thread uses all this to the very end.
+    auto &runtime = *new FakeRuntime;
+    auto &isInside = *new std::promise<void>;
+    auto &forever = *new std::promise<void>;
+    defineOutput(log);
+    EXPECT_EQ(clAgent_OnLoad(runtime.agent().operations()), CL_SUCCESS);
+    const cl_program program = runtime.addProgram();
+    runtime.whenCalled("clBuildProgram", [&] {
+      isInside.set_value();
+      forever.get_future().wait();
+    });
+    std::thread([&runtime, program] {
+      build(runtime.agent().current, program);
+    }).detach();
+    isInside.get_future().wait();
+  });
+  EXPECT_THAT(ended.files, Contains(Key("autotune.csv")));
+  EXPECT_THAT(ended.files, Contains(Key("main.html")));
 }
 
 TEST(Unload, MayComeTwiceOrWithoutALoad) {
