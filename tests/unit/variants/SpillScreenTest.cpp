@@ -1,9 +1,13 @@
 // Which build logs flag a variant.
 #include "variants/SpillScreen.h"
 
+#include "variants/VariantName.h"
+
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -95,6 +99,48 @@ TEST(SpillScreen, PassesALogWithoutWords) {
 TEST(SpillScreen, PassesALogThatEndsInsideAWarning) {
   EXPECT_FALSE(flags("Warning:"));
   EXPECT_FALSE(flags("Warning: k_coarsed_g0S4 a"));
+}
+
+/// The same question asked of a list of words.
+bool wordsFlag(const std::vector<std::string> &words) {
+  bool flagged = false;
+  for (std::size_t i = 0; i < words.size(); ++i)
+    if (words[i] == "Warning:") {
+      i += 5;
+    } else if (words[i] == "calclCompile") {
+      i += 4;
+      flagged = flagged || (i < words.size() &&
+                            corvane::parseVariantName(words[i]) != nullptr);
+    }
+  return flagged;
+}
+
+TEST(SpillScreen, FindsTheSameInAnyLogAsInItsWords) {
+  const std::vector<std::string> known = {
+      "Warning:",  "calclCompile",   "calclCompile:", "calclcompile",
+      "spilling.", "k_coarsed_g0S4", "k_coarsed_x1",  "k",
+      "\t",        "\xff\x01"};
+  const char *const separators[] = {" ", "\n", "  ", " \n "};
+  std::mt19937 random(20240313);
+  int flagged = 0;
+  for (int round = 0; round != 20000; ++round) {
+    std::vector<std::string> words;
+    std::string log;
+    for (auto count = random() % 32; count != 0; --count) {
+      words.push_back(known[random() % known.size()]);
+      log += words.back() + separators[random() % 4];
+    }
+    ASSERT_EQ(flags(log), wordsFlag(words)) << log;
+    flagged += wordsFlag(words);
+  }
+  // Both answers occurred, or the comparison would prove little.
+  EXPECT_GT(flagged, 1000);
+  EXPECT_LT(flagged, 19000);
+}
+
+TEST(SpillScreen, EndsAtTheFirstNul) {
+  EXPECT_FALSE(flags(std::string("calclCompile a b\0c k_coarsed_g0S4", 33)));
+  EXPECT_FALSE(flags(std::string("\0calclCompile a b c k_coarsed_g0S4", 34)));
 }
 
 TEST(SpillScreen, CutsTheWordsInPlace) {
