@@ -23,7 +23,7 @@ static void accumulate(const Session &session, cl_command_queue queue) {
 
 // An odd number of work-groups, so that a version runs over a rounded range.
 static void accumulateUnevenly(const Session &session, cl_command_queue queue) {
-  constexpr size_t uneven = 3 * 10;
+  constexpr size_t uneven = size_t{3} * 10;
   const Buffer y = session.bufferOf(someValues(uneven + 10, 7));
   const Buffer x = session.bufferOf(someValues(uneven + 10, 8));
   const Kernel kernel = session.kernel("accumulate");
