@@ -8,11 +8,10 @@
 
 namespace corvane::test {
 
-/// Defines a variable, or removes it if \p value is null.
+/// Defines a variable, be it empty, or removes it if \p value is null.
 void assignVariable(const char *name, const char *value);
 
 /// Defines or removes an environment variable and puts it back at the end.
-/// Where the system does not tell the two apart, an empty value removes it.
 /// Not for tests in which other threads look at the environment meanwhile.
 class EnvGuard {
 public:

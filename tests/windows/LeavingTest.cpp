@@ -1,5 +1,6 @@
 // The results are written when the library leaves without an unload.
 
+#include "tests/support/EnvGuard.h"
 #include "tests/support/TempFolder.h"
 #include "tests/windows/Process.h"
 
@@ -11,11 +12,14 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 static Finished leave(const TempFolder &folder, const std::string &mode,
-                      const std::string &log = "") {
-  return runProgram("leaving_host", mode,
-                    {{"CORVANE_AUTOTUNE", folder.text()},
-                     {"CORVANE_INSTALL_LOCATION", "C:\\tools"},
-                     {"CORVANE_DUMP_LOG", log}});
+                      Variables more = {}) {
+  more.emplace_back("CORVANE_AUTOTUNE", folder.text());
+  more.emplace_back("CORVANE_INSTALL_LOCATION", "C:\\tools");
+  return runProgram("leaving_host", mode, more);
+}
+
+static Variables logInto(const TempFolder &folder) {
+  return {{"CORVANE_DUMP_LOG", folder.file("log.txt")}};
 }
 
 static void expectReport(const TempFolder &folder) {
@@ -30,7 +34,7 @@ static void expectReport(const TempFolder &folder) {
 
 TEST(Leaving, ByBeingFreedWritesReportAndLog) {
   TempFolder folder;
-  const Finished host = leave(folder, "free", folder.file("log.txt"));
+  const Finished host = leave(folder, "free", logInto(folder));
   EXPECT_EQ(host.exitCode, 0U);
   EXPECT_EQ(host.errors, "16\n");
   expectReport(folder);
@@ -39,7 +43,7 @@ TEST(Leaving, ByBeingFreedWritesReportAndLog) {
 
 TEST(Leaving, WithTheProcessWritesReportAndLog) {
   TempFolder folder;
-  const Finished host = leave(folder, "exit", folder.file("log.txt"));
+  const Finished host = leave(folder, "exit", logInto(folder));
   EXPECT_EQ(host.exitCode, 0U);
   EXPECT_EQ(host.errors, "16\n");
   expectReport(folder);
@@ -57,15 +61,15 @@ TEST(Leaving, WithTheProcessWaitsForNoThreadThatWasEndedWithALock) {
 // that ends the process there does so with the report written.
 TEST(Leaving, WithTheProcessWritesTheReportBeforeTheLog) {
   TempFolder folder;
-  leave(folder, "locked", folder.file("log.txt"));
+  leave(folder, "locked", logInto(folder));
   expectReport(folder);
 }
 
 TEST(Leaving, WithoutAnInstallLocationSaysSoOnce) {
   TempFolder folder;
-  const Finished host = runProgram(
-      "leaving_host", "exit",
-      {{"CORVANE_AUTOTUNE", folder.text()}, {"CORVANE_INSTALL_LOCATION", ""}});
+  EnvGuard none("CORVANE_INSTALL_LOCATION", nullptr);
+  const Finished host =
+      runProgram("leaving_host", "exit", {{"CORVANE_AUTOTUNE", folder.text()}});
   EXPECT_EQ(host.exitCode, 0U);
   EXPECT_EQ(host.errors, "CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
   EXPECT_TRUE(folder.has(".auto.csv"));

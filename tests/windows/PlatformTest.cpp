@@ -1,6 +1,7 @@
 // The platform functions of Windows.
 
 #include "agent/platform/Platform.h"
+#include "agent/Environment.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FakeRuntime.h"
 #include "tests/support/LoadedAgent.h"
@@ -65,6 +66,18 @@ TEST(Platform, CutsAFileBehindAGivenLength) {
   EXPECT_EQ(folder.read("file"), "0123");
 }
 
+TEST(Platform, KnowsWhereMemoryLies) {
+  const int here = 0;
+  EXPECT_TRUE(platform::isOccupied(&here));
+  EXPECT_FALSE(platform::isOccupied(nullptr));
+  void *const page =
+      VirtualAlloc(nullptr, 1, MEM_RESERVE | MEM_COMMIT, PAGE_NOACCESS);
+  ASSERT_TRUE(page);
+  EXPECT_TRUE(platform::isOccupied(page));
+  VirtualFree(page, 0, MEM_RELEASE);
+  EXPECT_FALSE(platform::isOccupied(page));
+}
+
 // The application and the DLL have one environment between them, that of the C
 // runtime which both are linked with.
 TEST(Environment, OfTheApplicationIsSeenWhenItChangesAfterTheLoad) {
@@ -74,4 +87,22 @@ TEST(Environment, OfTheApplicationIsSeenWhenItChangesAfterTheLoad) {
   EnvGuard location("CORVANE_INSTALL_LOCATION", "C:\\late");
   agent.unload();
   EXPECT_TRUE(folder.has("autotune.csv"));
+}
+
+TEST(Environment, IsThatOfTheCRuntimeAndNotOfTheSystem) {
+  TempFolder folder;
+  FakeRuntime runtime;
+  LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", folder.text()}});
+  SetEnvironmentVariableA("CORVANE_INSTALL_LOCATION", "C:\\late");
+  agent.unload();
+  SetEnvironmentVariableA("CORVANE_INSTALL_LOCATION", nullptr);
+  EXPECT_FALSE(folder.has("autotune.csv"));
+}
+
+// As a process has it that was started with one; no assignment makes it.
+TEST(Environment, MayHaveAVariableThatIsEmpty) {
+  EnvGuard empty("CORVANE_TEST_VARIABLE", "");
+  EnvGuard another("CORVANE_TEST_ANOTHER", "value");
+  ASSERT_TRUE(lookUp("CORVANE_TEST_VARIABLE"));
+  EXPECT_STREQ(lookUp("CORVANE_TEST_VARIABLE"), "");
 }
