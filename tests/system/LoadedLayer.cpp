@@ -13,8 +13,8 @@
 
 using namespace corvane::test;
 
-LoadedLayer::LoadedLayer(const std::string &file)
-    : library(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+LoadedLayer::LoadedLayer(const std::string &file) {
+  void *library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!library) {
     ADD_FAILURE() << dlerror();
     return;
@@ -22,11 +22,6 @@ LoadedLayer::LoadedLayer(const std::string &file)
   getLayerInfo =
       reinterpret_cast<pfn_clGetLayerInfo>(dlsym(library, "clGetLayerInfo"));
   initLayer = reinterpret_cast<pfn_clInitLayer>(dlsym(library, "clInitLayer"));
-}
-
-LoadedLayer::~LoadedLayer() {
-  if (library)
-    dlclose(library);
 }
 
 void *LoadedLayer::Answer::entry(size_t index) const {

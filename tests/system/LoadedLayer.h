@@ -9,14 +9,12 @@
 
 namespace corvane::test {
 
-/// Loads a layer library and calls its two exports as a loader would.
+/// Loads a layer library and calls its two exports as a loader would, which
+/// never closes it again.
 class LoadedLayer {
 public:
   /// A layer that cannot be loaded fails the test.
   explicit LoadedLayer(const std::string &file);
-  ~LoadedLayer();
-  LoadedLayer(const LoadedLayer &) = delete;
-  LoadedLayer &operator=(const LoadedLayer &) = delete;
 
   pfn_clGetLayerInfo getLayerInfo = nullptr;
   pfn_clInitLayer initLayer = nullptr;
@@ -32,9 +30,6 @@ public:
   };
 
   Answer init(const std::vector<void *> &loaderTable) const;
-
-private:
-  void *library = nullptr;
 };
 
 /// A table whose entry i leads to an address that belongs to i alone. No entry
