@@ -19,6 +19,8 @@ protected:
     const std::string name = GetParam();
     if (name == "blur")
       return {name, "--iterations", "1", "--output", folder.text()};
+    if (name == "columns")
+      return {name, "--iterations", "1", "--width", "64", "--height", "8"};
     return {name, "--iterations", "1", "--size",
             name == "matmul" ? "64" : "4096"};
   }
@@ -67,7 +69,7 @@ TEST_P(EveryExample, ExplainsItsOptions) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Examples, EveryExample,
-                         testing::Values("matmul", "blur", "vector"),
+                         testing::Values("matmul", "blur", "vector", "columns"),
                          [](const auto &parameter) {
                            return std::string(parameter.param);
                          });
