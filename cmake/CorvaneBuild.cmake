@@ -75,6 +75,13 @@ function(corvane_no_constructors target)
   endif()
 endfunction()
 
+# Tells the fuzzers which branches of ours an input has taken.
+function(corvane_watch_branches target)
+  if(CORVANE_BUILD_FUZZERS)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
+
 # A folder of ours: a static library that names the folders it may use. A call
 # against an arrow has nothing to link with.
 function(corvane_folder name)
@@ -82,6 +89,7 @@ function(corvane_folder name)
   add_library(corvane_${name} STATIC ${arg_SOURCES})
   target_link_libraries(corvane_${name} PUBLIC corvane_options corvane_llvm)
   corvane_no_constructors(corvane_${name})
+  corvane_watch_branches(corvane_${name})
   foreach(used IN LISTS arg_USES)
     target_link_libraries(corvane_${name} PUBLIC corvane_${used})
   endforeach()

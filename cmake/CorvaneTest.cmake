@@ -17,9 +17,10 @@ endif()
 include(GoogleTest)
 
 # Tests are compiled more often than they run long: optimising them, under the
-# sanitizers above all, takes several times what it ever saves.
+# sanitizers above all, takes several times what it ever saves. Fuzzers are what
+# runs long.
 function(corvane_compile_quickly target)
-  if(NOT MSVC)
+  if(NOT MSVC AND NOT CORVANE_BUILD_FUZZERS)
     target_compile_options(${target} PRIVATE -O0 -g1)
   endif()
 endfunction()

@@ -1,0 +1,28 @@
+// A folder of the process's own that every input finds empty.
+
+#pragma once
+
+#include "tests/support/TempFolder.h"
+
+#include <filesystem>
+
+namespace corvane::fuzz {
+
+/// Lives as long as the process; a search that is killed leaves it behind.
+class OutputFolder {
+public:
+  OutputFolder() = default;
+
+  std::filesystem::path path() const { return folder.path(); }
+  std::string file(const std::string &name) const { return folder.file(name); }
+
+  void empty() const {
+    for (const auto &entry : std::filesystem::directory_iterator(folder.path()))
+      std::filesystem::remove_all(entry.path());
+  }
+
+private:
+  test::TempFolder folder;
+};
+
+} // namespace corvane::fuzz

@@ -1,0 +1,137 @@
+// Makes pages twice: from the names of the log, and from harmless ones.
+
+#include "tests/fuzz/Pages.h"
+
+#include "results/ResultsTable.h"
+#include "results/report/PageNames.h"
+#include "results/report/Pages.h"
+#include "tests/fuzz/Input.h"
+
+#include "llvm/Support/raw_ostream.h"
+
+#include <algorithm>
+
+using namespace corvane;
+using namespace corvane::fuzz;
+
+template <typename Write> static std::string written(Write write) {
+  std::string text;
+  llvm::raw_string_ostream out(text);
+  write(out);
+  out.flush();
+  return text;
+}
+
+static void addPages(Files &files, const ReportJob &job,
+                     const ConfigResults &config, const std::string &base,
+                     LineRange lines) {
+  const auto add = [&](const char *ending, const std::string &page) {
+    check(files.try_emplace("html/" + base + ending, page).second,
+          "no page has another one's name");
+  };
+  add("_graph.html", written([&](llvm::raw_ostream &out) {
+        writeGraphPage(out, config, job.installLocation);
+      }));
+  add("_table.html", written([&](llvm::raw_ostream &out) {
+        writeTablePage(out, config, lines);
+      }));
+  add(".html",
+      written([&](llvm::raw_ostream &out) { writeFramePage(out, base); }));
+}
+
+Files corvane::fuzz::makeFiles(const ReportJob &job) {
+  Files files;
+  std::vector<IndexEntry> entries;
+  PageNames names;
+  files["autotune.csv"] = written([&](llvm::raw_ostream &out) {
+    ResultsTable table(out);
+    for (const ConfigResults &config : job.configs) {
+      const std::string base = names.nameFor(config);
+      addPages(files, job, config, base, table.addRows(config));
+      entries.push_back({configTitle(config), base + ".html"});
+    }
+  });
+  files["html/index.html"] =
+      written([&](llvm::raw_ostream &out) { writeIndexPage(out, entries); });
+  files["main.html"] =
+      written([&](llvm::raw_ostream &out) { writeMainPage(out, entries); });
+  return files;
+}
+
+// The same configuration with names that mean nothing anywhere. The number in
+// the kernel keeps their pages apart.
+static ConfigResults masked(const ConfigResults &config, std::size_t number) {
+  ConfigResults mask = config;
+  mask.kernel = "k" + std::to_string(number);
+  for (std::string *size : {&mask.xGlobal, &mask.yGlobal, &mask.zGlobal,
+                            &mask.xLocal, &mask.yLocal, &mask.zLocal})
+    if (!size->empty())
+      *size = "1";
+  for (auto &[name, stats] : mask.ranking)
+    if (name != baselineName)
+      name = "v";
+  return mask;
+}
+
+// All that gives a page its form.
+static std::string formOf(const std::string &page) {
+  std::string form;
+  for (const char c : page)
+    if (c == '<' || c == '>' || c == '"' || c == '\'' || c == '\n')
+      form += c;
+  return form;
+}
+
+static bool isPlain(char c) { return (c >= ' ' && c <= '~') || c == '\n'; }
+
+// Those of our lines, and characters by number.
+static bool escapesAreOurs(const std::string &page) {
+  for (std::size_t at = page.find("\"iter"); at < page.size(); ++at) {
+    if (page[at] != '\\' || page[at + 1] == 'n')
+      continue;
+    const std::string digits = page.substr(at + 2, 4);
+    if (page[at + 1] != 'u' || digits.size() != 4 ||
+        digits.find_first_not_of("0123456789ABCDEF") != std::string::npos)
+      return false;
+  }
+  return true;
+}
+
+static void checkPage(const std::string &page, const std::string &harmless) {
+  check(std::all_of(page.begin(), page.end(), isPlain), "pages are ASCII");
+  check(formOf(page) == formOf(harmless), "no name changes the form of a page");
+  check(escapesAreOurs(page), "a script has no escapes but ours");
+}
+
+static bool isFileName(const std::string &name) {
+  return name.size() <= 255 &&
+         std::all_of(name.begin(), name.end(), [](char c) {
+           return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                  (c >= '0' && c <= '9') || c == '_' || c == '$' || c == '-' ||
+                  c == '.';
+         });
+}
+
+void corvane::fuzz::checkNames(const ReportJob &job, const Files &files) {
+  ReportJob harmlessJob = job;
+  harmlessJob.configs.clear();
+  for (const ConfigResults &config : job.configs)
+    harmlessJob.configs.push_back(
+        masked(config, harmlessJob.configs.size() + 1));
+  const Files harmless = makeFiles(harmlessJob);
+
+  for (const char *page : {"main.html", "html/index.html"})
+    checkPage(files.at(page), harmless.at(page));
+  PageNames names;
+  PageNames harmlessNames;
+  for (std::size_t i = 0; i != job.configs.size(); ++i) {
+    const std::string base = names.nameFor(job.configs[i]);
+    const std::string harmlessBase =
+        harmlessNames.nameFor(harmlessJob.configs[i]);
+    for (const char *ending : {"_graph.html", "_table.html", ".html"}) {
+      check(isFileName(base + ending), "a page's name is fit for a file");
+      checkPage(files.at("html/" + base + ending),
+                harmless.at("html/" + harmlessBase + ending));
+    }
+  }
+}

@@ -1,0 +1,37 @@
+// Kernel names read in another way than the library reads them.
+
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane::fuzz {
+
+/// An item of a spec: "g0S4".
+struct Item {
+  char letter;
+  std::vector<std::uint32_t> numbers;
+};
+
+/// What a variant's name says, straight from its text: nothing is sorted, and
+/// what is said twice is there twice.
+struct ReferenceName {
+  std::string base;
+  std::vector<Item> items;
+
+  /// None for a name that is no variant's.
+  static std::optional<ReferenceName> read(const std::string &name);
+
+  using Sizes = std::array<std::size_t, 3>;
+  bool acceptsLaunch(std::uint32_t workDim, const Sizes &global,
+                     const Sizes &local) const;
+
+  /// \p value holds 4 or 8 bytes.
+  bool acceptsArgument(std::uint32_t index, const std::string &value) const;
+};
+
+} // namespace corvane::fuzz

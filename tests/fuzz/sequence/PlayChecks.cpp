@@ -1,0 +1,75 @@
+// What must be true after each move, and when all is over.
+
+#include "agent/Environment.h"
+#include "tests/fuzz/sequence/Play.h"
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+
+using namespace corvane;
+using namespace corvane::fuzz;
+
+// Holds at any time: whatever the agent needs for a call ends with the call.
+void Play::checkAlways() {
+  for (const std::string &misuse : runtime.misuses())
+    fail("no object is used after its end: " + misuse);
+  check(failing ||
+            runtime.alive("event").size() == events.size() + userEvents.size(),
+        "only the application's events are alive");
+  check(failing || runtime.alive("program").size() == programs.size(),
+        "only the application's programs are alive");
+  check(failing || runtime.alive("buffer").size() == buffers.size(),
+        "only the application's buffers are alive");
+}
+
+void Play::checkContents() {
+  if (failing || contentsUnknown)
+    return;
+  for (const HeldBuffer &buffer : buffers)
+    for (const unsigned char value : runtime.bytes(buffer.handle))
+      check(value == buffer.value,
+            "a buffer holds what the application's kernels wrote");
+}
+
+void Play::checkRows() {
+  if (failing || rowsUnknown || !tuning)
+    return;
+  const std::string log = test::readBytes(folder.file(".auto.csv"));
+  const auto lines = std::count(log.begin(), log.end(), '\n');
+  check(static_cast<std::size_t>(lines) == 1 + watchedRuns,
+        "each run has a row");
+}
+
+void Play::checkEnd() {
+  if (failing)
+    return;
+  if (!kernelsLost)
+    check(runtime.alive("kernel").empty(), "all variants are released");
+  if (tuning && hasState && std::getenv(variable::installLocation) &&
+      std::getenv(variable::autotune))
+    check(!test::readBytes(folder.file("main.html")).empty(),
+          "the report is written");
+}
+
+static bool startsWith(const std::string &text, const std::string &start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+// What is said on the error stream are known lines, and those that tell of
+// failed calls of ours only when calls fail.
+void Play::checkErrorText() {
+  const std::set<std::string> ours = {"227", "234", "281",  "721",
+                                      "741", "745", "1123", "1211"};
+  std::istringstream text(errors.take());
+  for (std::string line; std::getline(text, line);) {
+    if (startsWith(line, "QrlAgent:: ")) {
+      const std::string tag = line.substr(11, line.find(':', 11) - 11);
+      check(failing || ours.count(tag) == 0, "our own calls work");
+    } else if (!startsWith(line, "CV: ") &&
+               !startsWith(line, "Corvane's kernel cannot be launch ") &&
+               line != "ensureOutputDir() error") {
+      fail("the error stream has known lines only: " + line);
+    }
+  }
+}
