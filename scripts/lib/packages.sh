@@ -16,6 +16,13 @@ test_packages=(pocl-opencl-icd clinfo python3 binutils chromium locales
 command -v node >/dev/null || test_packages+=(nodejs)
 command -v npm >/dev/null || test_packages+=(npm)
 
+# What it takes to build the fuzzers and to run them, besides cmake and ninja.
+# shellcheck disable=SC2034
+fuzz_packages=(
+  cmake ninja-build clang-14 libclang-rt-14-dev llvm-14-dev zlib1g-dev
+  opencl-headers libgtest-dev libgmock-dev python3
+)
+
 # What it takes to build for Windows and to run the tests there, besides.
 # shellcheck disable=SC2034
 windows_packages=(g++-mingw-w64-x86-64-posix llvm-14-tools xz-utils googletest
