@@ -87,6 +87,13 @@ std::vector<unsigned char> FakeRuntime::bytes(cl_mem buffer) {
   return world.objects.find(buffer)->bytes;
 }
 
+std::shared_ptr<const std::vector<unsigned char>>
+FakeRuntime::look(cl_mem buffer) {
+  Lock guard(world.lock);
+  const std::shared_ptr<Buffer> found = world.objects.find(buffer);
+  return {found, &found->bytes};
+}
+
 void FakeRuntime::setBytes(cl_mem buffer,
                            const std::vector<unsigned char> &bytes) {
   Lock guard(world.lock);

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <functional>
 #include <list>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -51,6 +52,8 @@ public:
   /// The bytes of a buffer, and other bytes for it.
   std::vector<unsigned char> bytes(cl_mem buffer);
   void setBytes(cl_mem buffer, const std::vector<unsigned char> &bytes);
+  /// The same bytes for as long as one looks, behind the end of the buffer too.
+  std::shared_ptr<const std::vector<unsigned char>> look(cl_mem buffer);
 
   /// Objects that the application still holds: "event", "kernel", "program",
   /// "buffer", ...

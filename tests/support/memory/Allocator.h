@@ -1,0 +1,14 @@
+// The allocator that really has the memory.
+
+#pragma once
+
+#include <cstddef>
+
+namespace corvane::test::allocator {
+
+void *get(std::size_t size);
+void *getZeroed(std::size_t count, std::size_t size);
+void *resize(void *memory, std::size_t size);
+void giveBack(void *memory);
+
+} // namespace corvane::test::allocator
