@@ -2,12 +2,14 @@
 
 #pragma once
 
+#include "agent/MapGrowth.h"
+
 #include "llvm/ADT/DenseMap.h"
-#include "llvm/ADT/SmallVector.h"
 
 #include <cstddef>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace corvane {
 
@@ -24,7 +26,7 @@ public:
     if (!canBeKey(handle))
       return nullptr;
     auto found = records.find(handle);
-    return found == records.end() ? nullptr : found->second.front().get();
+    return found == records.end() ? nullptr : found->second.oldest.get();
   }
 
   /// Whether \p handle has exactly one record.
@@ -32,17 +34,26 @@ public:
     if (!canBeKey(handle))
       return false;
     auto found = records.find(handle);
-    return found != records.end() && found->second.size() == 1;
+    return found != records.end() && found->second.younger.empty();
   }
 
-  /// Adds \p record behind all others and returns it.
+  /// Adds \p record behind all others and returns it. An exception leaves the
+  /// table as it was.
   Record *append(Handle handle, std::unique_ptr<Record> record) {
-    ++count;
-    if (!record || !canBeKey(handle))
+    if (!record || !canBeKey(handle)) {
+      ++count;
       return nullptr;
-    auto &sameHandle = records[handle];
-    sameHandle.push_back(std::move(record));
-    return sameHandle.back().get();
+    }
+    Record *added = record.get();
+    if (makeRoomForOne(records, erased))
+      erased = 0;
+    const auto [sameHandle, isNew] = records.try_emplace(handle);
+    if (isNew)
+      sameHandle->second.oldest = std::move(record);
+    else
+      sameHandle->second.younger.push_back(std::move(record));
+    ++count;
+    return added;
   }
 
   /// Takes the oldest record of \p handle out; null when there is none.
@@ -52,11 +63,15 @@ public:
     auto found = records.find(handle);
     if (found == records.end())
       return nullptr;
-    auto &sameHandle = found->second;
-    std::unique_ptr<Record> record = std::move(sameHandle.front());
-    sameHandle.erase(sameHandle.begin());
-    if (sameHandle.empty())
+    auto &[oldest, younger] = found->second;
+    std::unique_ptr<Record> record = std::move(oldest);
+    if (younger.empty()) {
       records.erase(found);
+      ++erased;
+    } else {
+      oldest = std::move(younger.front());
+      younger.erase(younger.begin());
+    }
     --count;
     return record;
   }
@@ -72,7 +87,12 @@ public:
   }
 
 private:
-  llvm::DenseMap<Handle, llvm::SmallVector<std::unique_ptr<Record>, 1>> records;
+  struct SameHandle {
+    std::unique_ptr<Record> oldest; ///< never null
+    std::vector<std::unique_ptr<Record>> younger;
+  };
+  llvm::DenseMap<Handle, SameHandle> records;
+  std::size_t erased = 0; ///< at most so many, since the map grew
   std::size_t count = 0;
 };
 
