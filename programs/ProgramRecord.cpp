@@ -4,34 +4,103 @@
 
 #include "agent/AgentState.h"
 
+#include <utility>
+
 using namespace corvane;
 
-ProgramRecord *corvane::findOrAddProgram(AgentState &state,
+ProgramRecord &corvane::findOrAddProgram(AgentState &state,
                                          cl_program program) {
   if (ProgramRecord *known = state.programs.find(program)) {
     ++known->refCount;
-    return known;
+    return *known;
   }
   auto record = std::make_unique<ProgramRecord>();
   record->program = program;
-  return state.programs.append(program, std::move(record));
+  return *state.programs.append(program, std::move(record));
 }
 
 KernelGroup &corvane::addGroup(ProgramRecord &record, llvm::StringRef name) {
-  auto group = std::make_unique<KernelGroup>();
-  group->program = record.program;
-  group->name = name.str();
-  if (!record.kernelGroups.empty())
+  record.kernelGroups.push_back(std::make_unique<KernelGroup>());
+  KernelGroup &group = *record.kernelGroups.back();
+  group.program = record.program;
+  group.name = name.str();
+  if (record.kernelGroups.size() > 1)
     record.kernelNames += ';';
-  record.kernelNames += group->name;
-  record.groupsByName.try_emplace(name, group.get());
-  record.kernelGroups.push_back(std::move(group));
-  return *record.kernelGroups.back();
+  record.kernelNames += group.name;
+  record.groupsByName.try_emplace(group.name, &group);
+  return group;
+}
+
+namespace {
+/// Adds kernels to a program's record and, unless all were added, leaves the
+/// records as they were.
+class Addition {
+public:
+  Addition(AgentState &ofState, cl_program program)
+      : state(ofState), record(findOrAddProgram(ofState, program)),
+        groupsBefore(record.kernelGroups.size()),
+        namesBefore(record.kernelNames.size()) {}
+  ~Addition() {
+    if (complete)
+      return;
+    if (--record.refCount == 0)
+      state.programs.remove(record.program);
+    else
+      takeOut();
+  }
+  Addition(const Addition &) = delete;
+  Addition &operator=(const Addition &) = delete;
+
+  void add(FoundKernel kernel) {
+    if (!kernel.variant) {
+      addGroup(record, kernel.name);
+      return;
+    }
+    KernelGroup *group = findGroup(record, kernel.variant->baseName);
+    if (!group)
+      group = &addGroup(record, kernel.variant->baseName);
+    grown.emplace_back(group, group->variants.size());
+    group->variants.push_back(std::move(kernel.variant));
+  }
+  void keep() { complete = true; }
+
+private:
+  void takeOut() {
+    for (auto grew = grown.rbegin(); grew != grown.rend(); ++grew)
+      grew->first->variants.resize(grew->second);
+    auto &groups = record.kernelGroups;
+    for (; groups.size() > groupsBefore; groups.pop_back()) {
+      const auto named = record.groupsByName.find(groups.back()->name);
+      if (named != record.groupsByName.end() &&
+          named->second == groups.back().get())
+        record.groupsByName.erase(named);
+    }
+    record.kernelNames.resize(namesBefore);
+  }
+
+  AgentState &state;
+  ProgramRecord &record;
+  const std::size_t groupsBefore;
+  const std::size_t namesBefore;
+  /// The groups that got a variant, with the number they had before.
+  std::vector<std::pair<KernelGroup *, std::size_t>> grown;
+  bool complete = false;
+};
+} // namespace
+
+void corvane::addKernels(AgentState &state, cl_program program,
+                         std::vector<FoundKernel> kernels) {
+  std::lock_guard<std::mutex> lock(state.programsLock);
+  Addition addition(state, program);
+  for (FoundKernel &kernel : kernels)
+    addition.add(std::move(kernel));
+  addition.keep();
 }
 
 KernelGroup *corvane::findGroup(const ProgramRecord &record,
                                 llvm::StringRef name) {
-  return record.groupsByName.lookup(name);
+  const auto found = record.groupsByName.find(name);
+  return found == record.groupsByName.end() ? nullptr : found->second;
 }
 
 void corvane::dropProgramReference(AgentState &state, cl_program program) {

@@ -4,14 +4,15 @@
 
 #include "variants/TransformedKernel.h"
 
-#include "llvm/ADT/StringMap.h"
 #include "llvm/ADT/StringRef.h"
 
 #include <CL/cl.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvane {
@@ -38,16 +39,27 @@ struct ProgramRecord {
 
   std::string kernelNames; ///< the groups' names, joined with ';'
 
-  /// The oldest group of each name; points into kernelGroups.
-  llvm::StringMap<KernelGroup *> groupsByName;
+  /// The oldest group of each name; names and groups are in kernelGroups.
+  std::map<std::string_view, KernelGroup *> groupsByName;
 };
 
-/// The record of \p program with one reference more, or a new one. Null for a
-/// handle that no table can hold.
-ProgramRecord *findOrAddProgram(AgentState &state, cl_program program);
+/// The record of \p program with one reference more, or a new one. Hold the
+/// state's programsLock as well as the agent lock.
+ProgramRecord &findOrAddProgram(AgentState &state, cl_program program);
 
 /// Appends a group, also if there is one of that name already.
 KernelGroup &addGroup(ProgramRecord &record, llvm::StringRef name);
+
+/// A kernel that a build has made.
+struct FoundKernel {
+  std::string name;
+  std::unique_ptr<llvm::TransformedKernelAgent> variant; ///< null: ordinary
+};
+
+/// Sorts kernels into groups of \p program's record, found or added. An
+/// exception leaves all records as they were. Hold the agent lock.
+void addKernels(AgentState &state, cl_program program,
+                std::vector<FoundKernel> kernels);
 
 /// The oldest group called \p name; null when there is none.
 KernelGroup *findGroup(const ProgramRecord &record, llvm::StringRef name);

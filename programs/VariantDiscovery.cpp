@@ -15,13 +15,6 @@
 
 using namespace corvane;
 
-namespace {
-struct FoundKernel {
-  std::string name;
-  std::unique_ptr<llvm::TransformedKernelAgent> variant; ///< null: ordinary
-};
-} // namespace
-
 static FoundKernel identify(cl_kernel kernel) {
   FoundKernel found;
   found.name = readKernelName(kernel);
@@ -49,23 +42,8 @@ static std::vector<FoundKernel> findKernels(cl_program program) {
   return found;
 }
 
-static void addToGroup(ProgramRecord &record, FoundKernel kernel) {
-  if (!kernel.variant) {
-    addGroup(record, kernel.name);
-    return;
-  }
-  KernelGroup *group = findGroup(record, kernel.variant->baseName);
-  if (!group)
-    group = &addGroup(record, kernel.variant->baseName);
-  group->variants.push_back(std::move(kernel.variant));
-}
-
 void corvane::collectKernels(AgentState &state, cl_program program) {
   std::vector<FoundKernel> kernels = findKernels(program);
-  std::lock_guard<std::mutex> lock(state.programsLock);
-  ProgramRecord *record = findOrAddProgram(state, program);
-  if (!record)
-    return;
-  for (FoundKernel &kernel : kernels)
-    addToGroup(*record, std::move(kernel));
+  if (decltype(state.programs)::canBeKey(program))
+    addKernels(state, program, std::move(kernels));
 }
