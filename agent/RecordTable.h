@@ -37,6 +37,18 @@ public:
     return found != records.end() && found->second.younger.empty();
   }
 
+  /// Makes sure that a record of \p handle can be appended without memory. An
+  /// exception leaves the table as it was.
+  void makeRoom(Handle handle) {
+    if (!canBeKey(handle))
+      return;
+    if (makeRoomForOne(records, erased))
+      erased = 0;
+    const auto found = records.find(handle);
+    if (found != records.end())
+      found->second.younger.reserve(found->second.younger.size() + 1);
+  }
+
   /// Adds \p record behind all others and returns it. An exception leaves the
   /// table as it was.
   Record *append(Handle handle, std::unique_ptr<Record> record) {
@@ -44,9 +56,8 @@ public:
       ++count;
       return nullptr;
     }
+    makeRoom(handle);
     Record *added = record.get();
-    if (makeRoomForOne(records, erased))
-      erased = 0;
     const auto [sameHandle, isNew] = records.try_emplace(handle);
     if (isNew)
       sameHandle->second.oldest = std::move(record);

@@ -2,6 +2,8 @@
 
 #include "launch/KernelRecord.h"
 
+#include "agent/MapGrowth.h"
+
 using namespace corvane;
 
 KernelRecord::KernelRecord(cl_program fromProgram, cl_kernel ofKernel,
@@ -9,5 +11,6 @@ KernelRecord::KernelRecord(cl_program fromProgram, cl_kernel ofKernel,
     : program(fromProgram), kernel(ofKernel), name(std::move(kernelName)) {
   argSlots.push_back(std::make_unique<ArgSlot>());
   argSlots.front()->index = 0;
+  makeRoomForOne(argSyncCounts);
   argSyncCounts[kernel] = 0;
 }

@@ -4,6 +4,7 @@
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
+#include "agent/MapGrowth.h"
 #include "agent/RuntimeTable.h"
 #include "launch/KernelRecord.h"
 #include "programs/KernelName.h"
@@ -28,15 +29,35 @@ static cl_kernel createVariant(cl_program program,
   return kernel;
 }
 
+// What needs memory comes first: a variant kernel that is not in the record
+// would never be released.
 static void addVariant(KernelRecord &record,
                        const llvm::TransformedKernelAgent &variant) {
   auto copy = std::make_unique<llvm::TransformedKernelAgent>(variant);
+  makeRoomForOne(record.variantKernels);
+  makeRoomForOne(record.argSyncCounts);
   cl_kernel kernel = createVariant(record.program, variant);
   if (!KernelTable::canBeKey(kernel))
     return;
   record.variantKernels.try_emplace(kernel, std::move(copy));
   record.argSyncCounts.try_emplace(kernel, 0);
 }
+
+static void releaseVariants(const KernelRecord &record) {
+  for (const auto &variant : record.variantKernels)
+    if (variant.first)
+      (void)runtime().clReleaseKernel(variant.first);
+}
+
+namespace {
+/// Ends a record that has not come into the table.
+struct DropRecord {
+  void operator()(KernelRecord *record) const {
+    releaseVariants(*record);
+    delete record;
+  }
+};
+} // namespace
 
 void corvane::registerKernel(AgentState &state, cl_program program,
                              cl_kernel kernel) {
@@ -57,17 +78,15 @@ void corvane::registerKernel(AgentState &state, cl_program program,
     return;
   }
 
-  KernelRecord *record = state.kernels.append(
-      kernel, std::make_unique<KernelRecord>(program, kernel, std::move(name)));
+  std::unique_ptr<KernelRecord, DropRecord> record(
+      new KernelRecord(program, kernel, std::move(name)));
   for (const auto &variant : group->variants)
     addVariant(*record, *variant);
+  state.kernels.makeRoom(kernel);
+  state.kernels.append(kernel, std::unique_ptr<KernelRecord>(record.release()));
 }
 
 void corvane::dropKernel(AgentState &state, cl_kernel kernel) {
-  const std::unique_ptr<KernelRecord> record = state.kernels.remove(kernel);
-  if (!record)
-    return;
-  for (const auto &variant : record->variantKernels)
-    if (variant.first)
-      (void)runtime().clReleaseKernel(variant.first);
+  if (const auto record = state.kernels.remove(kernel))
+    releaseVariants(*record);
 }

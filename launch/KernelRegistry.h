@@ -12,7 +12,8 @@ struct AgentState;
 
 /// Keeps a record of \p kernel, if its program is known, and has the runtime
 /// create the kernel's variants. A variant that cannot be created is reported.
-/// Hold the agent lock.
+/// Behind an exception there is neither record nor variant. Hold the agent
+/// lock.
 void registerKernel(AgentState &state, cl_program program, cl_kernel kernel);
 
 /// The same for a kernel whose name the caller has read.

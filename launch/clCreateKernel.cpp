@@ -3,6 +3,7 @@
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
+#include "agent/Unclaimed.h"
 #include "launch/Hooks.h"
 #include "launch/KernelRegistry.h"
 
@@ -17,11 +18,12 @@ cl_kernel CL_API_CALL hooks::clCreateKernel(cl_program program,
     return runtime().clCreateKernel(program, kernelName, errcodeRet);
 
   cl_int status = CL_SUCCESS;
-  cl_kernel kernel = runtime().clCreateKernel(program, kernelName, &status);
+  cl_kernel created = runtime().clCreateKernel(program, kernelName, &status);
   if (errcodeRet)
     *errcodeRet = status;
   if (status != CL_SUCCESS)
-    return kernel;
-  registerKernel(*state, program, kernel);
-  return kernel;
+    return created;
+  Unclaimed<cl_kernel> kernel(created, runtime().clReleaseKernel);
+  registerKernel(*state, program, created);
+  return kernel.claim();
 }

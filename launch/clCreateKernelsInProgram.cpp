@@ -9,8 +9,10 @@
 #include "programs/CreatedKernels.h"
 #include "programs/KernelName.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 using namespace corvane;
 
@@ -24,12 +26,53 @@ static cl_uint countKernels(cl_program program) {
   return 0;
 }
 
+namespace {
+/// Kernels that the application is about to get. Unless it gets them, nothing
+/// stays of them.
+class Handover {
+public:
+  Handover(AgentState &ofState, cl_program ofProgram, std::size_t most)
+      : state(ofState), program(ofProgram) {
+    kernels.reserve(most);
+  }
+  ~Handover() {
+    for (cl_kernel kernel : kernels) {
+      (void)runtime().clReleaseKernel(kernel);
+      dropKernel(state, kernel);
+    }
+  }
+  Handover(const Handover &) = delete;
+  Handover &operator=(const Handover &) = delete;
+
+  /// Registers the front kernel and takes it over.
+  void add(CreatedKernels &created, std::string name) {
+    registerKernel(state, program, created.front(), std::move(name));
+    kernels.push_back(created.takeFront());
+  }
+
+  /// Writes the kernels to \p place unless that is null, and returns how many
+  /// there are. There is room for all that the application knows of: it has
+  /// asked for the count before.
+  cl_uint handOver(cl_kernel *place) {
+    if (place)
+      std::copy(kernels.begin(), kernels.end(), place);
+    const auto count = static_cast<cl_uint>(kernels.size());
+    kernels.clear();
+    return count;
+  }
+
+private:
+  AgentState &state;
+  cl_program program;
+  std::vector<cl_kernel> kernels;
+};
+} // namespace
+
 // Registers the ordinary kernels, writes them to kernels unless that is null,
-// and returns how many there are. There is room for all that the application
-// knows of: it has asked for the count before.
+// and returns how many there are.
 static cl_uint keepOrdinary(AgentState &state, cl_program program,
                             CreatedKernels &created, cl_kernel *kernels) {
-  cl_uint kept = 0;
+  Handover ordinary(state, program, created.size());
   while (!created.empty()) {
     if (!created.front()) {
       // The runtime claims more kernels than it made.
@@ -37,17 +80,12 @@ static cl_uint keepOrdinary(AgentState &state, cl_program program,
       continue;
     }
     std::string name = readKernelName(created.front());
-    if (variantOf(name)) {
+    if (variantOf(name))
       (void)created.releaseFront();
-      continue;
-    }
-    cl_kernel kernel = created.takeFront();
-    registerKernel(state, program, kernel, std::move(name));
-    if (kernels)
-      kernels[kept] = kernel;
-    ++kept;
+    else
+      ordinary.add(created, std::move(name));
   }
-  return kept;
+  return ordinary.handOver(kernels);
 }
 
 cl_int CL_API_CALL hooks::clCreateKernelsInProgram(cl_program program,

@@ -22,6 +22,7 @@ public:
   cl_int createUpTo(cl_uint room, cl_program program);
 
   bool empty() const { return next == count; }
+  cl_uint size() const { return count - next; }
   cl_kernel front() const { return kernels[next]; }
 
   /// Releases the front kernel and returns the runtime's status.

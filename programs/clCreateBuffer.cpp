@@ -5,6 +5,7 @@
 #include "agent/ClError.h"
 #include "agent/Flags.h"
 #include "agent/RuntimeTable.h"
+#include "agent/Unclaimed.h"
 #include "programs/BufferRecord.h"
 #include "programs/Hooks.h"
 
@@ -51,11 +52,12 @@ cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
   AgentGuard guard;
   cl_int localStatus = CL_SUCCESS;
   cl_int *status = errcodeRet ? errcodeRet : &localStatus;
-  cl_mem buffer =
+  cl_mem created =
       runtime().clCreateBuffer(context, flags, size, hostPtr, status);
-  if (*status != CL_SUCCESS || !autotuneOutput())
-    return buffer;
-  if (AgentState *state = agentState())
-    watchForRelease(buffer, recordBuffer(*state, buffer, flags, size));
-  return buffer;
+  AgentState *state = agentState();
+  if (*status != CL_SUCCESS || !state || !autotuneOutput())
+    return created;
+  Unclaimed<cl_mem> buffer(created, runtime().clReleaseMemObject);
+  watchForRelease(created, recordBuffer(*state, created, flags, size));
+  return buffer.claim();
 }

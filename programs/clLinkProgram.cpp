@@ -6,6 +6,7 @@
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
 #include "agent/RuntimeTable.h"
+#include "agent/Unclaimed.h"
 #include "programs/Devices.h"
 #include "programs/Hooks.h"
 #include "programs/VariantDiscovery.h"
@@ -25,6 +26,13 @@ static void checkDevices(cl_program program, const cl_device_id *deviceList) {
   DeviceList devices;
   if (const cl_int status = programDevices(program, devices))
     reportClError(CallSite::LinkDevices, status);
+}
+
+// The application has not got the program yet.
+static cl_program withKernels(AgentState &state, cl_program linked) {
+  Unclaimed<cl_program> program(linked, runtime().clReleaseProgram);
+  collectKernels(state, linked);
+  return program.claim();
 }
 
 cl_program CL_API_CALL hooks::clLinkProgram(
@@ -52,10 +60,8 @@ cl_program CL_API_CALL hooks::clLinkProgram(
     return program;
 
   checkDevices(program, deviceList);
-  if (program) {
-    collectKernels(*state, program);
-    return program;
-  }
+  if (program)
+    return withKernels(*state, program);
 
   hideAutotune();
   program = link(notify, status);
@@ -66,6 +72,5 @@ cl_program CL_API_CALL hooks::clLinkProgram(
     warnAboutNotification();
     return program;
   }
-  collectKernels(*state, program);
-  return program;
+  return withKernels(*state, program);
 }

@@ -1,0 +1,86 @@
+// Tests of single hooks that are refused memory at every request they make.
+
+#include "tests/faults/RefusedCalls.h"
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::IsEmpty;
+
+using RefusedHook = RefusedCalls;
+
+TEST_F(RefusedHook, CreateKernelLeavesNeitherKernelNorVariants) {
+  cl_kernel kernel = nullptr;
+  refuseEach(
+      [&] {
+        cl_int status = CL_SUCCESS;
+        kernel = cl().clCreateKernel(program, "k", &status);
+        return status;
+      },
+      [&] { cl().clReleaseKernel(kernel); });
+  ASSERT_NE(kernel, nullptr);
+  EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+TEST_F(RefusedHook, CreateKernelsInProgramLeavesNoneOfThem) {
+  std::array<cl_kernel, 2> kernels{};
+  refuseEach(
+      [&] {
+        return cl().clCreateKernelsInProgram(program, 2, kernels.data(),
+                                             nullptr);
+      },
+      [&] {
+        std::for_each(kernels.begin(), kernels.end(), cl().clReleaseKernel);
+      });
+  for (cl_kernel kernel : kernels) {
+    ASSERT_NE(kernel, nullptr);
+    EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+  }
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+TEST_F(RefusedHook, CreateBufferLeavesNoBuffer) {
+  cl_mem buffer = nullptr;
+  refuseEach(
+      [&] {
+        cl_int status = CL_SUCCESS;
+        buffer = cl().clCreateBuffer(runtime.context(), CL_MEM_READ_WRITE, 64,
+                                     nullptr, &status);
+        return status;
+      },
+      [&] { cl().clReleaseMemObject(buffer); });
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
+  EXPECT_THAT(runtime.alive("buffer"), IsEmpty());
+}
+
+TEST_F(RefusedHook, LinkProgramLeavesNoProgram) {
+  for (int i = 0; i != 100; ++i) // each attempt uses one up
+    runtime.linkMakes().kernel("k").kernel("k_coarsed_g0S4");
+  cl_program linked = nullptr;
+  refuseEach(
+      [&] {
+        cl_int status = CL_SUCCESS;
+        linked = cl().clLinkProgram(runtime.context(), 0, nullptr, nullptr, 0,
+                                    nullptr, nullptr, nullptr, &status);
+        return status;
+      },
+      [&] { cl().clReleaseProgram(linked); });
+  ASSERT_NE(linked, nullptr);
+  EXPECT_EQ(cl().clReleaseProgram(linked), CL_SUCCESS);
+  EXPECT_EQ(runtime.alive("program").size(), 1U);
+}
+
+TEST_F(RefusedHook, BuildProgramAddsAllKernelsOrNone) {
+  refuseEach([&] { return test::build(cl(), program); }, [] {});
+  // Once for each build that worked, with the build logs read or not.
+  EXPECT_THAT(kernelNames(cl(), program), testing::MatchesRegex("k;j(;k;j)+"));
+  EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
