@@ -4,6 +4,10 @@
 
 #include "agent/DebugLog.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdio>
+
 using namespace corvane;
 
 // The codes between -14 and -29 and below -63 came after OpenCL 1.1 and go by
@@ -67,13 +71,27 @@ static const char *standardName(cl_int code) {
   }
 }
 
-std::string corvane::clErrorName(cl_int code) {
-  if (const char *name = standardName(code))
-    return name;
-  return "unknown code(" + std::to_string(code) + ")";
-}
+namespace {
+/// The name of a status as text that needs no memory: what failed may well have
+/// failed for want of it.
+struct Name {
+  std::array<char, 48> text{};
+
+  explicit Name(cl_int code) {
+    if (const char *standard = standardName(code))
+      std::snprintf(text.data(), text.size(), "%s", standard);
+    else
+      std::snprintf(text.data(), text.size(), "unknown code(%d)", code);
+  }
+};
+} // namespace
+
+std::string corvane::clErrorName(cl_int code) { return Name(code).text.data(); }
 
 void corvane::reportClError(CallSite site, cl_int code) {
-  writeError("QrlAgent:: " + std::to_string(static_cast<int>(site)) +
-             ": CL Error: " + clErrorName(code) + "\n");
+  std::array<char, 96> line{};
+  const int length =
+      std::snprintf(line.data(), line.size(), "QrlAgent:: %d: CL Error: %s\n",
+                    static_cast<int>(site), Name(code).text.data());
+  writeError({line.data(), static_cast<std::size_t>(length)});
 }

@@ -39,7 +39,8 @@ enum class CallSite : int {
 /// OpenCL 1.1 did not have.
 std::string clErrorName(cl_int code);
 
-/// Writes one line about a failed call on the error stream. Any thread.
+/// Writes one line about a failed call on the error stream. Any thread; needs
+/// no memory.
 void reportClError(CallSite site, cl_int code);
 
 } // namespace corvane

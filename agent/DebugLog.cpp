@@ -15,7 +15,11 @@ using namespace corvane;
 
 void debug::string_ostream::write_impl(const char *data, std::size_t size) {
   const std::lock_guard<std::mutex> guard(lock);
-  text.append(data, size);
+  try {
+    text.append(data, size);
+  } catch (const std::bad_alloc &) {
+    // A launch is worth more than what there is to say about it.
+  }
 }
 
 // Whoever holds the lock is only adding text, unless the end of the process has
@@ -48,7 +52,13 @@ namespace {
 class LogAtExit {
 public:
   LogAtExit() : stream(*new (storage) debug::string_ostream) {}
-  ~LogAtExit() { stream.dump(); }
+  ~LogAtExit() {
+    try {
+      stream.dump();
+    } catch (const std::bad_alloc &) {
+      // Nor does the application's way out stop here.
+    }
+  }
   LogAtExit(const LogAtExit &) = delete;
   LogAtExit &operator=(const LogAtExit &) = delete;
 

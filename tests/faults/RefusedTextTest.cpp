@@ -1,0 +1,89 @@
+// Tests that reports and the diagnostic log never cost the application a call.
+
+#include "agent/Environment.h"
+#include "tests/behaviour/Calls.h"
+#include "tests/support/AgentMemory.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/EnvGuard.h"
+#include "tests/support/ErrorCapture.h"
+#include "tests/support/FakeRuntime.h"
+#include "tests/support/Frontier.h"
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+/// An agent in normal mode that knows a kernel without variants.
+struct PlainKernel {
+  FakeRuntime runtime;
+  EnvGuard dumpLog;
+  Frontier frontier{runtime};
+  cl_kernel kernel = nullptr;
+
+  explicit PlainKernel(const char *logPath)
+      : dumpLog(variable::dumpLog, logPath) {
+    const cl_program program = runtime.addProgram().kernel("k");
+    frontier.load();
+    build(frontier.table(), program);
+    kernel = frontier.table().clCreateKernel(program, "k", nullptr);
+  }
+  ~PlainKernel() { frontier.unload(); }
+
+  cl_int launch() {
+    const std::size_t global = 16;
+    return frontier.table().clEnqueueNDRangeKernel(runtime.queue(), kernel, 1,
+                                                   nullptr, &global, nullptr, 0,
+                                                   nullptr, nullptr);
+  }
+};
+} // namespace
+
+TEST(RefusedText, OfAReportIsWrittenWithoutAnyMemory) {
+  PlainKernel app(nullptr);
+  app.runtime.answer("clEnqueueNDRangeKernel", CL_INVALID_GLOBAL_WORK_SIZE);
+  app.runtime.answer("clReleaseProgram", -9999);
+  ErrorCapture errors;
+  AgentMemory::refuseFrom(1);
+  EXPECT_EQ(app.launch(), CL_INVALID_GLOBAL_WORK_SIZE);
+  EXPECT_EQ(app.frontier.table().clReleaseProgram(nullptr), -9999);
+  EXPECT_FALSE(AgentMemory::refuseNothing());
+  EXPECT_EQ(errors.text(),
+            "QrlAgent:: 910: CL Error: CL_INVALID_GLOBAL_WORK_SIZE\n"
+            "QrlAgent:: 148: CL Error: unknown code(-9999)\n");
+}
+
+TEST(RefusedText, OfTheDiagnosticLogIsLostAndTheLaunchIsNot) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    PlainKernel app(log.c_str());
+    app.launch();
+    AgentMemory::refuseFrom(1);
+    for (int i = 0; i != 100; ++i)
+      EXPECT_EQ(app.launch(), CL_SUCCESS);
+    EXPECT_TRUE(AgentMemory::refuseNothing());
+  });
+  EXPECT_THAT(ended.diagnosticLog,
+              testing::StartsWith("Frontend loaded\n"
+                                  "No Corvane's generated kernel for k => "
+                                  "Launching original kernel\n"));
+}
+
+namespace {
+class RefusedAtTheEnd : public testing::TestWithParam<std::size_t> {};
+} // namespace
+
+TEST_P(RefusedAtTheEnd, DoesNotChangeHowTheProcessEnds) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    PlainKernel(log.c_str()).launch();
+    // From here to the end the process is all the agent's.
+    new OnSide(Side::Agent);
+    AgentMemory::refuseFrom(GetParam());
+  });
+  EXPECT_THAT(ended.diagnosticLog,
+              testing::AnyOf("", testing::StartsWith("Frontend loaded\n")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Requests, RefusedAtTheEnd,
+                         testing::Values(1, 2, 3, 4, 100));
