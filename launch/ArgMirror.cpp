@@ -12,22 +12,31 @@ using namespace corvane;
 // has as many arguments: a runtime that accepts the index is wrong.
 static constexpr cl_uint mostArguments = 1U << 16;
 
-static ArgSlot &slotAt(KernelRecord &record, cl_uint index) {
+void corvane::makeRoomForArgument(KernelRecord &record, cl_uint index,
+                                  size_t size, const void *value) {
+  if (index >= mostArguments)
+    return;
   auto &slots = record.argSlots;
   if (index >= slots.size())
     slots.resize(std::size_t{index} + 1);
   if (!slots[index])
     slots[index] = std::make_unique<ArgSlot>();
-  return *slots[index];
+  if (value)
+    slots[index]->makeRoom(size);
+}
+
+static bool isRecorded(const std::unique_ptr<ArgSlot> &slot) {
+  return slot && slot->index != ArgSlot::unset;
 }
 
 void corvane::recordArgument(KernelRecord &record, cl_uint index, size_t size,
                              const void *value) {
   if (index >= mostArguments)
     return;
-  slotAt(record, index).record(index, size, value);
   const auto &slots = record.argSlots;
-  while (record.recordedCount < slots.size() && slots[record.recordedCount])
+  slots[index]->record(index, size, value);
+  while (record.recordedCount < slots.size() &&
+         isRecorded(slots[record.recordedCount]))
     ++record.recordedCount;
   ++record.argSetCount;
 }

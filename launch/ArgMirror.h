@@ -8,7 +8,12 @@ namespace corvane {
 
 struct KernelRecord;
 
-/// Remembers a setting that the runtime has accepted for \p record's kernel.
+/// Gets the memory to remember a setting that the runtime has yet to accept for
+/// \p record's kernel. An exception has no other effect.
+void makeRoomForArgument(KernelRecord &record, cl_uint index, size_t size,
+                         const void *value);
+
+/// Remembers a setting for which there is room.
 void recordArgument(KernelRecord &record, cl_uint index, size_t size,
                     const void *value);
 

@@ -24,17 +24,27 @@ struct ArgSlot {
   ArgSlot(const ArgSlot &) = delete;
   ArgSlot &operator=(const ArgSlot &) = delete;
 
-  /// Takes a copy of \p newValue, which may be null. Allocates only when the
-  /// size is none of 1, 2, 4, 8 and differs from the block's.
+  /// Gets the memory that a value of this size will need, and leaves the one
+  /// that there is alone. Allocates only when the size is none of 1, 2, 4, 8
+  /// and differs from the last one's.
+  void makeRoom(std::size_t newSize);
+
+  /// Takes a copy of \p newValue, for which there is room, or which is null.
   void record(std::uint32_t newIndex, std::size_t newSize,
               const void *newValue);
 
 private:
+  struct Block {
+    std::unique_ptr<void, FreeMemory> bytes;
+    std::size_t size = 0;
+
+    bool fits(std::size_t wanted) const { return bytes && size == wanted; }
+  };
   void *roomFor(std::size_t newSize);
 
   alignas(8) unsigned char small[8]{};
-  std::unique_ptr<void, FreeMemory> block;
-  std::size_t blockSize = 0;
+  Block block; ///< where a large value is
+  Block next;  ///< where the next one will be
 };
 
 } // namespace corvane

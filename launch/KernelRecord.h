@@ -40,8 +40,8 @@ struct KernelRecord {
   std::string name;   ///< of the function
   VariantMap variantKernels;
 
-  /// By argument index. A null slot was never set, but the first one counts as
-  /// set from the start: empty and without a value.
+  /// By argument index. A null slot, or one without an index, was never set,
+  /// but the first one counts as set from the start: empty and without a value.
   std::vector<std::unique_ptr<ArgSlot>> argSlots;
   /// How many slots, from the first, are set without a gap.
   std::size_t recordedCount = 1;

@@ -84,3 +84,23 @@ TEST_F(RefusedHook, BuildProgramAddsAllKernelsOrNone) {
   EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
 }
+
+TEST_F(RefusedHook, SetKernelArgLeavesKernelAndVariantsWithTheOldValue) {
+  cl_kernel kernel = cl().clCreateKernel(program, "k", nullptr);
+  const std::array<unsigned char, 24> value{1, 2, 3};
+  for (const cl_uint index : {2, 0, 1})
+    for (const std::size_t size : {24, 23}) {
+      refuseEach(
+          [&] {
+            runtime.forgetTranscript();
+            try {
+              return cl().clSetKernelArg(kernel, index, size, value.data());
+            } catch (const std::bad_alloc &) {
+              EXPECT_THAT(runtime.transcript(), IsEmpty());
+              throw;
+            }
+          },
+          [] {});
+    }
+  EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+}
