@@ -29,13 +29,17 @@ public:
   cl_int runKernelAlone();
 
 private:
-  bool accepts(const llvm::TransformedKernelAgent &variant,
-               std::optional<VariantRange> &range) const;
-  bool runVariant(const BufferShadow &shadow, cl_kernel variant,
-                  const llvm::TransformedKernelAgent &transformed);
-  void enqueueVariant(cl_kernel variant, const VariantRange &range,
-                      std::string version);
-  cl_int runKernel(std::vector<HostCopy> transfers);
+  /// A variant that accepts the launch, and all that its run needs.
+  struct Candidate {
+    cl_kernel variant;
+    VariantRange range;
+    std::unique_ptr<TimingTicket> ticket;
+  };
+  std::vector<Candidate> findCandidates() const;
+  void list();
+  bool runVariant(const BufferShadow &shadow, Candidate candidate);
+  void enqueueVariant(Candidate candidate);
+  cl_int runKernel(std::unique_ptr<TimingTicket> ticket);
   std::unique_ptr<TimingTicket> makeTicket(std::string version) const;
 
   AgentState &state;
@@ -69,19 +73,15 @@ private:
 };
 } // namespace
 
-static std::shared_ptr<LaunchRecord> listLaunch(LaunchHistory &history,
-                                                const KernelRecord &record,
-                                                const Launch &launch,
-                                                const Sizes &local) {
-  auto listed = std::make_shared<LaunchRecord>();
-  listed->kernel = record.name;
-  listed->workDim = launch.workDim;
+static std::shared_ptr<LaunchRecord>
+describe(const KernelRecord &record, const Launch &launch, const Sizes &local) {
+  auto described = std::make_shared<LaunchRecord>();
+  described->kernel = record.name;
+  described->workDim = launch.workDim;
   for (cl_uint d = 0; d < launch.workDim; ++d)
-    listed->globalSize[d] = launch.globalSize[d];
-  listed->localSize = local;
-  std::lock_guard<std::mutex> lock(history.lock);
-  history.records.push_back(listed);
-  return listed;
+    described->globalSize[d] = launch.globalSize[d];
+  described->localSize = local;
+  return described;
 }
 
 AutotuneLaunch::AutotuneLaunch(AgentState &agentState,
@@ -90,8 +90,13 @@ AutotuneLaunch::AutotuneLaunch(AgentState &agentState,
     : state(agentState), record(kernelRecord), launch(asked),
       kernelArguments(argumentsOfKernel), local(localCopy(asked)),
       chain(asked.numEventsInWaitList, asked.eventWaitList),
-      timings(
-          listLaunch(*agentState.launchRecords, kernelRecord, asked, local)) {}
+      timings(describe(kernelRecord, asked, local)) {}
+
+void AutotuneLaunch::list() {
+  LaunchHistory &history = *state.launchRecords;
+  std::lock_guard<std::mutex> lock(history.lock);
+  history.records.push_back(timings);
+}
 
 std::unique_ptr<TimingTicket>
 AutotuneLaunch::makeTicket(std::string version) const {
@@ -102,53 +107,53 @@ AutotuneLaunch::makeTicket(std::string version) const {
   return ticket;
 }
 
-bool AutotuneLaunch::accepts(const llvm::TransformedKernelAgent &variant,
-                             std::optional<VariantRange> &range) const {
-  range = rangeFor(variant, launch, local);
-  return range && acceptsArguments(recordedArguments(record), variant);
+// In the order of the record's map.
+std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() const {
+  std::vector<Candidate> candidates;
+  for (const auto &[variant, transformed] : record.variantKernels) {
+    if (!variant)
+      continue;
+    const auto range = rangeFor(*transformed, launch, local);
+    if (!range || !acceptsArguments(recordedArguments(record), *transformed))
+      continue;
+    // The version name alone is carried to the log: the application's kernel is
+    // not timed here.
+    candidates.push_back(
+        {variant, *range,
+         makeTicket(transformed->llvm::TransformedKernel::specText())});
+  }
+  return candidates;
 }
 
-// A failed launch leaves the chain as it is. The version name alone is carried
-// to the log: the application's kernel is not timed here.
-void AutotuneLaunch::enqueueVariant(cl_kernel variant,
-                                    const VariantRange &range,
-                                    std::string version) {
-  // Made first: once the variant is on its way nothing may fail any more.
-  auto ticket = makeTicket(std::move(version));
+// A failed launch leaves the chain as it is.
+void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   cl_event run = nullptr;
   const cl_int status = runtime().clEnqueueNDRangeKernel(
-      launch.queue, variant, launch.workDim, launch.globalOffset,
-      range.global.data(), range.localSize(), chain.waitCount(),
-      chain.waitList(), &run);
+      launch.queue, candidate.variant, launch.workDim, launch.globalOffset,
+      candidate.range.global.data(), candidate.range.localSize(),
+      chain.waitCount(), chain.waitList(), &run);
   if (status != CL_SUCCESS)
     return;
-  (void)timeRun(run, ticket);
+  (void)timeRun(run, candidate.ticket);
   chain.advance(run);
 }
 
 // False if the variant was passed over.
-bool AutotuneLaunch::runVariant(
-    const BufferShadow &shadow, cl_kernel variant,
-    const llvm::TransformedKernelAgent &transformed) {
-  std::optional<VariantRange> range;
-  if (!variant || !shadow.isComplete() || !accepts(transformed, range))
-    return false;
-  replayArguments(record, variant);
-  if (!giveGroupCounts(variant, launch, kernelArguments))
+bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
+                                Candidate candidate) {
+  replayArguments(record, candidate.variant);
+  if (!giveGroupCounts(candidate.variant, launch, kernelArguments))
     return false;
   transfersEnqueued = true;
   if (!shadow.save(launch.queue, chain))
     return false;
-  enqueueVariant(variant, *range,
-                 transformed.llvm::TransformedKernel::specText());
+  enqueueVariant(std::move(candidate));
   shadow.restore(launch.queue, chain);
   return true;
 }
 
 // The application's own run comes last: when it is over, so are all transfers.
-cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
-  auto ticket = makeTicket({});
-  ticket->keptAlive = std::move(transfers);
+cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
   replayArguments(record, record.kernel);
   BaselineEvent event(launch.event);
   Launch chained = launch;
@@ -165,25 +170,32 @@ cl_int AutotuneLaunch::runKernel(std::vector<HostCopy> transfers) {
   return status;
 }
 
+// All memory is got before the first command is enqueued. Behind a variant
+// there is no way out: its restores and the kernel have to follow.
 cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
   const BufferShadow shadow(state, record);
-  std::vector<HostCopy> transfers = shadow.hostCopies();
+  auto ticket = makeTicket({});
+  ticket->keptAlive = shadow.hostCopies();
+  std::vector<Candidate> candidates;
+  if (shadow.isComplete())
+    candidates = findCandidates();
+  list();
+
   unsigned tested = 0;
-  unsigned examined = 0;
-  for (const auto &[variant, transformed] : record.variantKernels) {
-    ++examined;
-    if (runVariant(shadow, variant, *transformed))
+  for (Candidate &candidate : candidates)
+    if (runVariant(shadow, std::move(candidate)))
       ++tested;
-  }
   if (isKept(log))
-    log << tested << " kernel(s)  out of " << examined
+    log << tested << " kernel(s)  out of " << record.variantKernels.size()
         << " are tested in addition to the original kernel\n";
   if (!transfersEnqueued)
-    transfers.clear();
-  return runKernel(std::move(transfers));
+    ticket->keptAlive.clear();
+  return runKernel(std::move(ticket));
 }
 
 cl_int AutotuneLaunch::runKernelAlone() {
+  auto ticket = makeTicket({});
+  list();
   BaselineEvent event(launch.event);
   Launch watched = launch;
   watched.event = event.slot();
@@ -191,7 +203,6 @@ cl_int AutotuneLaunch::runKernelAlone() {
   if (status != CL_SUCCESS)
     return status;
 
-  auto ticket = makeTicket({});
   status = timeRun(event.get(), ticket);
   if (status != CL_SUCCESS)
     reportClError(CallSite::BaselineCallback, status);

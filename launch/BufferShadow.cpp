@@ -51,7 +51,8 @@ bool BufferShadow::save(cl_command_queue queue, EventChain &chain) const {
     cl_event saved = nullptr;
     const cl_int status = runtime().clEnqueueReadBuffer(
         queue, buffer.memObject, CL_FALSE, 0, buffer.size,
-        buffer.hostCopy.get(), chain.waitCount(), chain.waitList(), &saved);
+        buffer.hostCopy->bytes.get(), chain.waitCount(), chain.waitList(),
+        &saved);
     if (status != CL_SUCCESS)
       return false;
     chain.advance(saved);
@@ -65,7 +66,7 @@ void BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
     const auto enqueueWrite = [&] {
       return runtime().clEnqueueWriteBuffer(
           queue, buffer.memObject, CL_FALSE, 0, buffer.size,
-          buffer.hostCopy.get(), chain.waitCount(), chain.waitList(),
+          buffer.hostCopy->bytes.get(), chain.waitCount(), chain.waitList(),
           &restored);
     };
     // The contents are the application's: a failure is not taken for an answer

@@ -2,13 +2,17 @@
 
 #include "launch/KeptMemory.h"
 
-#include <map>
-
 using namespace corvane;
 
+// Never emptied: transfers may be under way when the process ends.
+static HostArea *lastKept = nullptr;
+
 void corvane::keepForever(const std::vector<HostCopy> &copies) {
-  // Never destroyed: transfers may be under way when the process ends.
-  static auto &kept = *new std::map<void *, HostCopy>;
-  for (const HostCopy &copy : copies)
-    kept.try_emplace(copy.get(), copy);
+  for (const HostCopy &copy : copies) {
+    if (copy->itself)
+      continue;
+    copy->itself = copy;
+    copy->keptBefore = lastKept;
+    lastKept = copy.get();
+  }
 }

@@ -10,8 +10,8 @@ namespace corvane {
 
 /// Keeps \p copies until the process ends. For transfers that are under way
 /// while there is no event to tell when they are over: too long is better than
-/// too short. A copy that is kept already costs nothing more. Hold the agent
-/// lock.
+/// too short. Needs no memory for that, and a copy is kept once at most. Hold
+/// the agent lock.
 void keepForever(const std::vector<HostCopy> &copies);
 
 } // namespace corvane

@@ -11,9 +11,20 @@
 
 namespace corvane {
 
-/// Host memory that the runtime reads and writes while transfers are under way;
-/// shared with whoever waits for such a transfer.
-using HostCopy = std::shared_ptr<void>;
+struct HostArea;
+
+/// Shared with whoever waits for a transfer of the area's.
+using HostCopy = std::shared_ptr<HostArea>;
+
+/// Host memory that the runtime reads and writes while transfers are under way.
+struct HostArea {
+  std::unique_ptr<void, FreeMemory> bytes; ///< not initialised
+
+  /// Set for good by keepForever, which needs no memory for that: the area
+  /// itself, and the one that was kept before it.
+  HostCopy itself;
+  HostArea *keptBefore = nullptr;
+};
 
 /// Owned by the state; found by handle. The state's buffersLock guards it.
 struct BufferRecord {
@@ -21,8 +32,7 @@ struct BufferRecord {
   std::size_t size = 0;       ///< bytes, as the application asked for
   /// False if the host may not both read and write the buffer.
   bool hostMayTransfer = true;
-  HostCopy
-      hostCopy; ///< size bytes, not initialised; null when there was no room
+  HostCopy hostCopy; ///< size bytes; null when there was no room
 };
 
 /// Runs when the runtime destroys a recorded buffer, on any thread and without

@@ -14,8 +14,9 @@
 using namespace corvane;
 
 static HostCopy allocateHostCopy(std::size_t size) {
-  void *area = std::malloc(size);
-  return area ? HostCopy(area, FreeMemory()) : nullptr;
+  auto area = std::make_shared<HostArea>();
+  area->bytes.reset(std::malloc(size));
+  return area->bytes ? area : nullptr;
 }
 
 static bool hostMayTransfer(cl_mem_flags flags) {
