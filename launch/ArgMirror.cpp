@@ -41,15 +41,23 @@ void corvane::recordArgument(KernelRecord &record, cl_uint index, size_t size,
   ++record.argSetCount;
 }
 
-void corvane::replayArguments(KernelRecord &record, cl_kernel target) {
+bool corvane::replayArguments(KernelRecord &record, cl_kernel target) {
   std::uint32_t &seen = record.argSyncCounts[target];
   if (seen >= record.argSetCount)
-    return;
+    return true;
+  bool complete = true;
   for (const ArgSlot &slot : recordedArguments(record)) {
     const cl_int status =
         runtime().clSetKernelArg(target, slot.index, slot.size, slot.value);
-    if (status != CL_SUCCESS)
-      reportClError(CallSite::ReplayArgument, status);
+    if (status == CL_SUCCESS)
+      continue;
+    reportClError(CallSite::ReplayArgument, status);
+    complete = false;
   }
   seen = record.argSetCount;
+  return complete;
+}
+
+void corvane::forgetReplay(KernelRecord &record, cl_kernel target) {
+  record.argSyncCounts[target] = 0;
 }

@@ -19,7 +19,11 @@ void recordArgument(KernelRecord &record, cl_uint index, size_t size,
 
 /// Sets all recorded arguments on \p target, a variant of \p record's or its
 /// own kernel, if it has missed a setting since it was last brought up to date.
-/// A failure is reported and the replay goes on.
-void replayArguments(KernelRecord &record, cl_kernel target);
+/// A failure is reported and the replay goes on; the target counts as up to
+/// date all the same. Returns whether the runtime took every argument.
+bool replayArguments(KernelRecord &record, cl_kernel target);
+
+/// Has the next replay set all arguments again.
+void forgetReplay(KernelRecord &record, cl_kernel target);
 
 } // namespace corvane

@@ -138,10 +138,14 @@ void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   chain.advance(run);
 }
 
-// False if the variant was passed over.
+// False if the variant was passed over. One that still has an old argument
+// could write to a buffer that is not saved.
 bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
                                 Candidate candidate) {
-  replayArguments(record, candidate.variant);
+  if (!replayArguments(record, candidate.variant)) {
+    forgetReplay(record, candidate.variant);
+    return false;
+  }
   if (!giveGroupCounts(candidate.variant, launch, kernelArguments))
     return false;
   transfersEnqueued = true;

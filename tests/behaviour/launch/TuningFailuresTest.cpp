@@ -168,3 +168,27 @@ TEST(TuningFailures, OfCreatingTheVariantLeaveTheKernelToItself) {
                   "[16], null, [], event 1)"));
   EXPECT_EQ(app.log(), std::string(app.header) + "k,16,,,0,,,baseline,1.000\n");
 }
+
+TEST(TuningFailures, OfSettingAnArgumentKeepTheVariantFromRunning) {
+  OneBuffer app;
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  cl_mem other = app.createBuffer({5});
+  app.set(app.kernel, 0, other);
+  app.runtime.forgetTranscript();
+  app.runtime.answer("clSetKernelArg", CL_OUT_OF_RESOURCES, 1);
+  {
+    ErrorCapture errors;
+    EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+    EXPECT_EQ(errors.text(), "QrlAgent:: 721: CL Error: CL_OUT_OF_RESOURCES\n");
+  }
+  // The variant would have spoiled the first buffer, which is not saved.
+  EXPECT_THAT(app.launches(), SizeIs(1));
+  EXPECT_THAT(app.runtime.bytes(app.buffer), ElementsAre(2));
+  EXPECT_THAT(app.runtime.bytes(other), ElementsAre(6));
+
+  // With the next launch it gets its arguments and runs.
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(3));
+  EXPECT_THAT(app.runtime.bytes(app.buffer), ElementsAre(2));
+  EXPECT_THAT(app.runtime.bytes(other), ElementsAre(7));
+}
