@@ -50,6 +50,7 @@ private:
   EventChain chain;
   std::shared_ptr<LaunchRecord> timings;
   bool transfersEnqueued = false;
+  bool buffersSpoiled = false; ///< by a variant, and not restored yet
 };
 
 /// The event of the application's kernel: wanted by the application, or else
@@ -142,6 +143,8 @@ void AutotuneLaunch::enqueueVariant(Candidate candidate) {
 // could write to a buffer that is not saved.
 bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
                                 Candidate candidate) {
+  if (buffersSpoiled)
+    return false;
   if (!replayArguments(record, candidate.variant)) {
     forgetReplay(record, candidate.variant);
     return false;
@@ -152,7 +155,7 @@ bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
   if (!shadow.save(launch.queue, chain))
     return false;
   enqueueVariant(std::move(candidate));
-  shadow.restore(launch.queue, chain);
+  buffersSpoiled = !shadow.restore(launch.queue, chain);
   return true;
 }
 
@@ -192,6 +195,8 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
   if (isKept(log))
     log << tested << " kernel(s)  out of " << record.variantKernels.size()
         << " are tested in addition to the original kernel\n";
+  if (buffersSpoiled)
+    (void)shadow.restore(launch.queue, chain);
   if (!transfersEnqueued)
     ticket->keptAlive.clear();
   return runKernel(std::move(ticket));

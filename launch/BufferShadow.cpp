@@ -60,7 +60,8 @@ bool BufferShadow::save(cl_command_queue queue, EventChain &chain) const {
   return true;
 }
 
-void BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
+bool BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
+  bool restoredAll = true;
   for (const Buffer &buffer : buffers) {
     cl_event restored = nullptr;
     const auto enqueueWrite = [&] {
@@ -73,7 +74,10 @@ void BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
     // the first time.
     if (enqueueWrite() == CL_SUCCESS || enqueueWrite() == CL_SUCCESS)
       chain.advance(restored);
+    else
+      restoredAll = false;
   }
+  return restoredAll;
 }
 
 std::vector<HostCopy> BufferShadow::hostCopies() const {

@@ -31,8 +31,9 @@ public:
   /// ends with the last one that could.
   bool save(cl_command_queue queue, EventChain &chain) const;
 
-  /// Enqueues the restores of everything that save has saved.
-  void restore(cl_command_queue queue, EventChain &chain) const;
+  /// Enqueues the restores of everything that save has saved. False if one
+  /// could not be enqueued: then what was saved must not be saved over.
+  bool restore(cl_command_queue queue, EventChain &chain) const;
 
   /// The memory that the transfers use.
   std::vector<HostCopy> hostCopies() const;

@@ -154,6 +154,22 @@ TEST(UnsavableBuffers, AreRestoredInASecondTryWhenTheFirstFails) {
   EXPECT_THAT(app.runtime.alive("event"), IsEmpty());
 }
 
+TEST(UnsavableBuffers, AreNotSavedAgainBeforeTheyAreRestored) {
+  TuningApplication app;
+  const auto spoil = [](const Launch &l) { l.buffer(0)[0] = 99; };
+  app.program.kernel("k", 1, [](const Launch &l) { ++l.buffer(0)[0]; })
+      .kernel("k_coarsed_g0S2", 1, spoil)
+      .kernel("k_coarsed_g0S4", 1, spoil);
+  cl_kernel kernel = app.create("k");
+  cl_mem buffer = app.createBuffer({1});
+  app.set(kernel, 0, buffer);
+  for (const std::size_t nth : {1, 2})
+    app.runtime.answer("clEnqueueWriteBuffer", CL_OUT_OF_RESOURCES, nth);
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(2));
+  EXPECT_THAT(app.runtime.bytes(buffer), ElementsAre(2));
+}
+
 TEST(UnsavableBuffers, LeaveTheChainWholeWhenNoRestoreWorks) {
   TwoBuffers app;
   app.useUsual();
