@@ -32,6 +32,9 @@ struct BufferRecord {
   std::size_t size = 0;       ///< bytes, as the application asked for
   /// False if the host may not both read and write the buffer.
   bool hostMayTransfer = true;
+  /// False if the runtime will not tell when the buffer is gone; another buffer
+  /// of the handle does.
+  bool isWatched = true;
   HostCopy hostCopy; ///< size bytes; null when there was no room
 };
 

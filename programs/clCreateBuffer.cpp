@@ -33,18 +33,28 @@ static BufferRecord *recordBuffer(AgentState &state, cl_mem buffer,
   record->hostMayTransfer = hostMayTransfer(flags);
   record->hostCopy = allocateHostCopy(size);
 
+  std::unique_ptr<BufferRecord> gone;
   std::lock_guard<std::mutex> lock(state.buffersLock);
+  const BufferRecord *older = state.buffers.find(buffer);
+  if (older && !older->isWatched)
+    gone = state.buffers.remove(buffer);
   return state.buffers.append(buffer, std::move(record));
 }
 
-// Without the callback the record stays for good; the buffer is still usable.
-static void watchForRelease(cl_mem buffer, BufferRecord *record) {
+// Without the callback the record stays until the handle comes again; the
+// buffer is still usable.
+static void watchForRelease(AgentState &state, cl_mem buffer,
+                            BufferRecord *record) {
   const auto setCallback = runtime().clSetMemObjectDestructorCallback;
   const cl_int status = setCallback
                             ? setCallback(buffer, bufferReleased, record)
                             : CL_INVALID_OPERATION;
-  if (status != CL_SUCCESS)
-    reportClError(CallSite::BufferCallback, status);
+  if (status == CL_SUCCESS)
+    return;
+  reportClError(CallSite::BufferCallback, status);
+  std::lock_guard<std::mutex> lock(state.buffersLock);
+  if (record)
+    record->isWatched = false;
 }
 
 cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
@@ -59,6 +69,6 @@ cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
   if (*status != CL_SUCCESS || !state || !autotuneOutput())
     return created;
   Unclaimed<cl_mem> buffer(created, runtime().clReleaseMemObject);
-  watchForRelease(created, recordBuffer(*state, created, flags, size));
+  watchForRelease(*state, created, recordBuffer(*state, created, flags, size));
   return buffer.claim();
 }

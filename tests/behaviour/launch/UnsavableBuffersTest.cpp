@@ -128,7 +128,27 @@ TEST(UnsavableBuffers, KeepVariantsFromRunningWithoutRoomOnTheHost) {
 }
 
 TEST(UnsavableBuffers, KeepVariantsFromRunningWhenAHandleHasTwoRecords) {
-  // The older record speaks of a buffer that was smaller.
+  // The runtime has yet to tell that the smaller buffer is gone.
+  TwoBuffers app;
+  app.runtime.recycleHandles();
+  app.runtime.holdCallbacks();
+  cl_mem gone = app.createBuffer({1});
+  EXPECT_EQ(app.cl.clReleaseMemObject(gone), CL_SUCCESS);
+  cl_mem again = app.createBuffer({1, 2, 3});
+  ASSERT_EQ(again, gone);
+  app.use(again, app.createBuffer({2}));
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(1));
+  EXPECT_THAT(app.runtime.bytes(again), ElementsAre(2, 2, 3));
+
+  app.runtime.holdCallbacks(false);
+  app.runtime.fireCallbacks();
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(3));
+  EXPECT_THAT(app.runtime.bytes(again), ElementsAre(3, 2, 3));
+}
+
+TEST(UnsavableBuffers, AreNotThoseOfAHandleWhoseFirstBufferNobodyWatched) {
   TwoBuffers app;
   app.runtime.recycleHandles();
   app.runtime.answer("clSetMemObjectDestructorCallback", CL_OUT_OF_RESOURCES);
@@ -139,7 +159,7 @@ TEST(UnsavableBuffers, KeepVariantsFromRunningWhenAHandleHasTwoRecords) {
   ASSERT_EQ(again, gone);
   app.use(again, app.createBuffer({2}));
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
-  EXPECT_THAT(app.launches(), SizeIs(1));
+  EXPECT_THAT(app.launches(), SizeIs(2));
   EXPECT_THAT(app.runtime.bytes(again), ElementsAre(2, 2, 3));
 }
 
