@@ -75,8 +75,10 @@ void corvane::buryRetiredStates() {
     AgentState *list = retired.exchange(nullptr);
     if (!list)
       return;
-    if (!inUse())
-      return destroyAll(list);
+    if (!inUse()) {
+      destroyAll(list);
+      continue; // somebody's look may have met this one, and taken it for a use
+    }
     putBack(list);
   } while (!inUse());
 }
