@@ -5,7 +5,7 @@
 #include "agent/platform/Platform.h"
 
 #include <cstdlib>
-#include <string>
+#include <cstring>
 
 using namespace corvane;
 
@@ -33,12 +33,16 @@ int corvane::setEnv(const char *name, const char *value, int overwrite) {
 
 void corvane::unsetEnv(const char *name) { platform::removeVariable(name); }
 
+// Without memory for the new place the variable stays in the old one: the value
+// is the application's, and there is no other copy of it.
 static void moveVariable(const char *from, const char *to) {
   const char *value = lookUp(from);
   if (!value)
     return;
-  setEnv(to, std::string(value).c_str(), 1);
-  unsetEnv(from);
+  setEnv(to, value, 1);
+  const char *moved = lookUp(to);
+  if (moved && std::strcmp(moved, value) == 0)
+    unsetEnv(from);
 }
 
 void corvane::hideAutotune() {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -83,6 +84,31 @@ TEST_F(RefusedHook, BuildProgramAddsAllKernelsOrNone) {
   EXPECT_THAT(kernelNames(cl(), program), testing::MatchesRegex("k;j(;k;j)+"));
   EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+// The first build is followed by one in which the compiler does not see the
+// output directory.
+TEST_F(RefusedHook, BuildProgramNeverLosesTheOutputDirectory) {
+  const cl_program spilling =
+      runtime.addProgram().kernel("k").kernel("k_coarsed_g0S4").log(spillLog);
+  std::size_t kept = 0;
+  for (std::size_t n = 1;; ++n) {
+    AgentMemory::refuse(n);
+    try {
+      test::build(cl(), spilling);
+    } catch (const std::bad_alloc &) {
+    }
+    if (!AgentMemory::refuseNothing())
+      break;
+    const char *shown = std::getenv(variable::autotune);
+    const char *hidden = std::getenv(variable::autotuneShadow);
+    ASSERT_NE(shown != nullptr, hidden != nullptr);
+    EXPECT_EQ(shown ? shown : hidden, folder.text());
+    kept += hidden ? 1 : 0;
+    test::build(cl(), spilling);
+    EXPECT_EQ(std::getenv(variable::autotune), folder.text());
+  }
+  EXPECT_GT(kept, 0U);
 }
 
 TEST_F(RefusedHook, SetKernelArgLeavesKernelAndVariantsWithTheOldValue) {
