@@ -18,6 +18,8 @@ struct AgentMemory {
   /// and all behind it.
   static void refuse(std::size_t nth);
   static void refuseFrom(std::size_t nth);
+  /// Whether something was refused since this was planned.
+  static bool hasRefused();
   /// Nothing is refused any more. Returns whether something was.
   static bool refuseNothing();
 

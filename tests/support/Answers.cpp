@@ -37,9 +37,17 @@ std::optional<cl_int> Answers::next(const std::string &name) {
   ++counts[name];
   ++total;
   for (const Rule &rule : rules)
-    if (applies(rule, name))
+    if (applies(rule, name)) {
+      if (rule.name.empty())
+        failedOfAny = name;
       return rule.status;
+    }
   return std::nullopt;
+}
+
+std::string Answers::lastOfAny() const {
+  std::lock_guard<std::mutex> guard(lock);
+  return failedOfAny;
 }
 
 std::size_t Answers::count() const {

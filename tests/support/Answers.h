@@ -27,6 +27,9 @@ public:
   /// Counts a call to \p name and tells its failure; none: it works.
   std::optional<cl_int> next(const std::string &name);
 
+  /// The name of the call that scriptAny let fail last; empty without one.
+  std::string lastOfAny() const;
+
   /// How many calls there were so far.
   std::size_t count() const;
 
@@ -42,6 +45,7 @@ private:
   std::vector<Rule> rules;
   std::map<std::string, std::size_t> counts;
   std::size_t total = 0;
+  std::string failedOfAny;
 };
 
 } // namespace corvane::test

@@ -82,6 +82,8 @@ public:
 
   /// The \p nth call from now on fails, whichever it is.
   void answerAny(std::size_t nth, cl_int status);
+  /// Which call that was; empty before it.
+  std::string failedOfAny() const { return world.answers.lastOfAny(); }
   std::size_t callCount() const; ///< since the runtime was made
 
   /// Sizes that are not true.

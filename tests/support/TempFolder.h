@@ -27,14 +27,24 @@ inline bool writeBytes(const std::filesystem::path &path,
   return !out.fail();
 }
 
+/// Where files are kept in memory, if there is such a place: for tests that
+/// empty a file thousands of times, each of which may wait for a disk.
+inline std::filesystem::path folderInMemory() {
+  const std::filesystem::path shared = "/dev/shm";
+  std::error_code ignored;
+  return std::filesystem::is_directory(shared, ignored)
+             ? shared
+             : std::filesystem::temp_directory_path();
+}
+
 /// A folder that no other test has, removed with all it holds.
 class TempFolder {
 public:
-  TempFolder() {
+  explicit TempFolder(const std::filesystem::path &parent =
+                          std::filesystem::temp_directory_path()) {
     std::random_device random;
     do
-      folder = std::filesystem::temp_directory_path() /
-               ("corvane-test-" + std::to_string(random()));
+      folder = parent / ("corvane-test-" + std::to_string(random()));
     while (!std::filesystem::create_directory(folder));
   }
   ~TempFolder() {

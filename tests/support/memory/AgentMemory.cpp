@@ -31,6 +31,8 @@ void AgentMemory::refuseFrom(std::size_t nth) {
   firstRefused = requestCount + nth;
 }
 
+bool AgentMemory::hasRefused() { return refused; }
+
 bool AgentMemory::refuseNothing() {
   firstRefused = never;
   return refused.exchange(false);
