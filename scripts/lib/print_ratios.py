@@ -1,28 +1,102 @@
-"""Prints, for each pair of benchmarks, what a call costs through the agent."""
+"""Prints one page of what the benchmarks have found.
 
-import json
+Usage: print_ratios.py FOLDER, which holds the results of one run.
+"""
+
+import pathlib
 import sys
 
+from bench_results import ALIVE, Results, all_goals, growths, runtime_case
 
-def medians(path):
-    with open(path, encoding="utf-8") as file:
-        for run in json.load(file)["benchmarks"]:
-            if run.get("aggregate_name") == "median":
-                yield run["run_name"], run["cpu_time"]
+CALLS = [
+    *(f"clSetKernelArg/variants:{v}/bytes:{b}" for v in (0, 1) for b in (4, 64)),
+    "clEnqueueNDRangeKernel/unknown-kernel",
+    "clEnqueueNDRangeKernel/variants:0/accepts:none/unchanged",
+    *(
+        f"clEnqueueNDRangeKernel/variants:{case}"
+        for case in (
+            "1/accepts:first/unchanged",
+            "1/accepts:first/changed",
+            "16/accepts:none/unchanged",
+            "16/accepts:last/unchanged",
+        )
+    ),
+    "clCreateKernel+release/variants:0",
+    "clCreateKernel+release/variants:4",
+    "clCreateBuffer+destruction",
+    *(f"clBuildProgram/kernels:{n}" for n in (10, 100, 1000)),
+    "clGetProgramInfo/count",
+    "clGetProgramInfo/names",
+]
+
+
+def print_calls(results):
+    print("\nA call over a runtime that does nothing          ns: bare   hooked"
+          "    added   100 alive  10 000  2 threads")
+    few, many = (growths(results, "normal", alive) for alive in ALIVE[1:])
+    for call in CALLS:
+        bare = results.hook(f"{runtime_case(call)}/runtime")
+        hooked = results.hook(f"{call}/agent")
+        contended = results.hook(f"{call}/agent", threads=2)
+        print(
+            f"  {call:53} {bare:5.1f} {hooked:8.1f} {hooked - bare:8.1f}"
+            f"     {few[call + '/agent']:5.2f}x  {many[call + '/agent']:5.2f}x"
+            f"     {contended / hooked:5.1f}x"
+        )
+
+
+def print_yardsticks(results):
+    argument = "clSetKernelArg/variants:0/bytes:4"
+    print("\nYardsticks: "
+          f"pass adds {results.added(argument, 'pass'):.1f} ns, "
+          f"lock {results.added(argument, 'lock'):.1f} ns, "
+          f"env takes {results.hook('getenv/env'):.1f} ns; "
+          "lock on two threads "
+          f"{results.hook(argument + '/lock', threads=2):.1f} ns a call")
+
+
+def print_real(results):
+    print("\nThe same on a real runtime, through loader, layer and agent"
+          "      us: bare    below   ratio")
+    for name, run in results.runs("launch-direct").items():
+        bare = run["real_time"] / 1000
+        below = results.time("launch-layer", name) / 1000
+        print(f"  {name:60} {bare:8.3f} {below:8.3f}  {below / bare:5.2f}x")
+
+
+def print_results(results):
+    print("\nThe results of                                10 000 rows  100 000"
+          "  1 000 000   peak")
+    for what in ("table/plain", "table/agent", "table+pages/agent"):
+        name, way = what.split("/")
+        runs = [results.runs("flush")[f"{name}/rows:{rows}/{way}"]
+                for rows in (10_000, 100_000, 1_000_000)]
+        times = "".join(f"{run['real_time']:7.1f} ms " for run in runs)
+        print(f"  {what:43} {times}  {runs[-1]['peakMiB']:4.0f} MiB")
+    rows = [f"{way} {results.runs('rows')[f'row/before:100/{way}']['cpu_time']:.0f} ns"
+            for way in ("calls", "streams", "agent")]
+    print(f"  one row of the raw log: {', '.join(rows)}")
+    for name, run in results.runs("tuning-hand").items():
+        agent = results.runs("tuning-agent")[name]
+        print(f"  {name}: beside runs and copies, by hand {run['ratio']:.3f}x,"
+              f" by the agent {agent['ratio']:.3f}x")
+
+
+def print_goals(results):
+    print("\nGoals" + 78 * " " + "measured   at most")
+    for goal in all_goals(results):
+        met = "" if goal.measured <= goal.limit else "  over"
+        print(f"  {goal.text:80} {goal.measured:7.2f} {goal.unit:3}"
+              f" {goal.limit:6.2f}{met}")
 
 
 def main():
-    times = dict(medians(sys.argv[1]))
-    print(f"\n{'medians':44} {'runtime':>9} {'agent':>9} {'added':>9} {'ratio':>6}")
-    for name, bare in times.items():
-        if not name.endswith("/runtime"):
-            continue
-        call = name[: -len("/runtime")]
-        hooked = times[call + "/agent"]
-        print(
-            f"{call:44} {bare:6.1f} ns {hooked:6.1f} ns"
-            f" {hooked - bare:6.1f} ns {hooked / bare:6.1f}"
-        )
+    results = Results(pathlib.Path(sys.argv[1]))
+    print_calls(results)
+    print_yardsticks(results)
+    print_real(results)
+    print_results(results)
+    print_goals(results)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,47 @@
+// What the benchmarks of the hooks share.
+
+#pragma once
+
+#include "agent/DispatchTable.h"
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvane::bench {
+
+/// By which way a call reaches the runtime.
+enum class Way {
+  Runtime, ///< straight through the runtime's table
+  Pass,    ///< by a function that only forwards
+  Lock,    ///< by one that holds a lock of the agent's kind meanwhile
+  Agent,   ///< by the hook
+};
+
+/// How a way stands in a benchmark's name.
+const char *nameOf(Way way);
+
+/// The yardstick functions for Pass and Lock, the tables for the others.
+decltype(DispatchTable::clSetKernelArg) setterBy(Way way);
+decltype(DispatchTable::clEnqueueNDRangeKernel) launcherBy(Way way);
+
+/// How many threads make the calls, each on kernels of its own.
+void setThreadCount(int count);
+int threadCount();
+
+/// Registers \p run(state) as a benchmark on as many threads.
+template <typename Run> void add(const std::string &name, Run run) {
+  benchmark::RegisterBenchmark(name.c_str(), std::move(run))
+      ->Threads(threadCount())
+      ->UseRealTime();
+}
+
+/// Each registers the benchmarks of some hooks.
+void addArgumentCases();
+void addLaunchCases();
+void addObjectCases();
+void addProgramCases();
+
+} // namespace corvane::bench

@@ -1,0 +1,57 @@
+// The tables on both sides of the agent.
+
+#include "bench/null/NullRuntime.h"
+
+#include "agent/entry/Exports.h"
+
+#include <cstring>
+
+using namespace corvane;
+using namespace corvane::bench;
+
+static DispatchTable makeTable() {
+  DispatchTable table{};
+  null::addPrograms(table);
+  null::addKernels(table);
+  null::addBuffers(table);
+  null::addCommands(table);
+  return table;
+}
+
+static const DispatchTable bareTable = makeTable();
+static DispatchTable hookedTable = bareTable;
+
+const DispatchTable &bench::bare() { return bareTable; }
+
+const DispatchTable &bench::hooked() { return hookedTable; }
+
+static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
+                                   std::size_t size) {
+  std::memcpy(table, &bareTable, size);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL setTable(AgentOperations *, void *table,
+                                   std::size_t size) {
+  std::memcpy(&hookedTable, table, size);
+  return CL_SUCCESS;
+}
+
+LoadedAgent::LoadedAgent() {
+  operations.getICDDispatchTable = getTable;
+  operations.setICDDispatchTable = setTable;
+  clAgent_OnLoad(&operations);
+}
+
+LoadedAgent::~LoadedAgent() { clAgent_OnUnload(&operations); }
+
+cl_int null::answer(const void *data, std::size_t size, std::size_t room,
+                    void *value, std::size_t *sizeRet) {
+  if (value && room < size)
+    return CL_INVALID_VALUE;
+  if (value)
+    std::memcpy(value, data, size);
+  if (sizeRet)
+    *sizeRet = size;
+  return CL_SUCCESS;
+}
