@@ -2,30 +2,12 @@
 
 #include "agent/AgentLock.h"
 
-#include "agent/AgentState.h"
-
-#include "llvm/Support/ManagedStatic.h"
-
 using namespace corvane;
 
-static llvm::ManagedStatic<llvm::sys::Mutex> theLock;
+using detail::openGuards;
 
-// How many guards the holder has open; touched only with the lock held.
-static unsigned openGuards = 0;
-
-llvm::sys::Mutex &corvane::agentLock() { return *theLock; }
-
-AgentGuard::AgentGuard() {
-  agentLock().lock();
-  ++openGuards;
-}
-
-AgentGuard::~AgentGuard() {
-  --openGuards;
-  agentLock().unlock();
-  if (hasRetiredStates())
-    buryRetiredStates();
-}
+llvm::ManagedStatic<llvm::sys::Mutex> detail::theAgentLock;
+unsigned detail::openGuards = 0;
 
 OnlyGuard::OnlyGuard() : held(agentLock().try_lock()) {
   if (held && openGuards != 0) {

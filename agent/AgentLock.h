@@ -2,13 +2,22 @@
 
 #pragma once
 
+#include "agent/AgentState.h"
+
+#include "llvm/Support/ManagedStatic.h"
 #include "llvm/Support/Mutex.h"
 
 namespace corvane {
 
+namespace detail {
+extern llvm::ManagedStatic<llvm::sys::Mutex> theAgentLock;
+/// How many guards the holder has open; touched only with the lock held.
+extern unsigned openGuards;
+} // namespace detail
+
 /// The lock itself: recursive, made by its first user, never destroyed by us,
 /// because a hook may still run while the process ends.
-llvm::sys::Mutex &agentLock();
+inline llvm::sys::Mutex &agentLock() { return *detail::theAgentLock; }
 
 /// Holds the agent lock.
 ///
@@ -21,8 +30,16 @@ llvm::sys::Mutex &agentLock();
 /// meanwhile (see AgentState.h).
 class AgentGuard {
 public:
-  AgentGuard();
-  ~AgentGuard();
+  AgentGuard() {
+    agentLock().lock();
+    ++detail::openGuards;
+  }
+  ~AgentGuard() {
+    --detail::openGuards;
+    agentLock().unlock();
+    if (hasRetiredStates())
+      buryRetiredStates();
+  }
   AgentGuard(const AgentGuard &) = delete;
   AgentGuard &operator=(const AgentGuard &) = delete;
 };

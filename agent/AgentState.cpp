@@ -4,15 +4,14 @@
 
 #include "agent/AgentLock.h"
 
-#include <atomic>
-
 using namespace corvane;
 
-static std::atomic<AgentState *> current{nullptr};
-static std::atomic<unsigned> pins{0};
-static std::atomic<AgentState *> retired{nullptr};
+using detail::currentState;
+using detail::retiredStates;
 
-AgentState *corvane::agentState() { return current.load(); }
+std::atomic<AgentState *> detail::currentState{nullptr};
+std::atomic<AgentState *> detail::retiredStates{nullptr};
+static std::atomic<unsigned> pins{0};
 
 StatePin::StatePin() { ++pins; }
 
@@ -25,14 +24,14 @@ StatePin::~StatePin() {
 void corvane::installAgentState(AgentState *state,
                                 void (*destroy)(AgentState *)) {
   state->destroy = destroy;
-  current = state;
+  currentState = state;
 }
 
-AgentState *corvane::takeAgentState() { return current.exchange(nullptr); }
+AgentState *corvane::takeAgentState() { return currentState.exchange(nullptr); }
 
 static void addRetired(AgentState *first, AgentState *last) {
-  last->nextRetired = retired.load();
-  while (!retired.compare_exchange_weak(last->nextRetired, first)) {
+  last->nextRetired = retiredStates.load();
+  while (!retiredStates.compare_exchange_weak(last->nextRetired, first)) {
   }
 }
 
@@ -42,8 +41,6 @@ void corvane::retireAgentState(AgentState *state) {
   addRetired(state, state);
   buryRetiredStates();
 }
-
-bool corvane::hasRetiredStates() { return retired.load() != nullptr; }
 
 static bool inUse() {
   OnlyGuard noOtherGuards;
@@ -72,7 +69,7 @@ static void putBack(AgentState *list) {
 // second look.
 void corvane::buryRetiredStates() {
   do {
-    AgentState *list = retired.exchange(nullptr);
+    AgentState *list = retiredStates.exchange(nullptr);
     if (!list)
       return;
     if (!inUse()) {

@@ -7,6 +7,7 @@
 
 #include <CL/cl.h>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <sstream>
@@ -45,11 +46,17 @@ struct AgentState {
   AgentState *nextRetired = nullptr;
 };
 
+namespace detail {
+// Out in the open because every call looks at them.
+extern std::atomic<AgentState *> currentState;
+extern std::atomic<AgentState *> retiredStates;
+} // namespace detail
+
 /// The state; null before the load and after the flush.
 ///
 /// It stays alive for as long as the caller holds an AgentGuard or a StatePin
 /// that it opened before asking, even if a flush elsewhere retires it.
-AgentState *agentState();
+inline AgentState *agentState() { return detail::currentState.load(); }
 
 /// Keeps the state alive in places that run without the agent lock.
 class StatePin {
@@ -74,7 +81,9 @@ AgentState *takeAgentState();
 void retireAgentState(AgentState *state);
 
 /// Whether a retired state still waits for its last user.
-bool hasRetiredStates();
+inline bool hasRetiredStates() {
+  return detail::retiredStates.load() != nullptr;
+}
 
 /// Destroys the retired states, unless somebody may still use one.
 void buryRetiredStates();

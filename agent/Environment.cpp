@@ -1,23 +1,19 @@
-// Looks variables up through the C runtime, so the application's changes count.
+// Looks variables up and changes them through the C runtime, so that the
+// application's changes count.
 
 #include "agent/Environment.h"
 
 #include "agent/platform/Platform.h"
 
-#include <cstdlib>
 #include <cstring>
 
 using namespace corvane;
-
-const char *corvane::lookUp(const char *name) { return std::getenv(name); }
 
 const char *corvane::autotuneDir() { return lookUp(variable::autotune); }
 
 const char *corvane::installLocation() {
   return lookUp(variable::installLocation);
 }
-
-const char *corvane::dumpLogPath() { return lookUp(variable::dumpLog); }
 
 bool corvane::flushOnReleaseContext() {
   const char *value = lookUp(variable::flushOnReleaseContext);

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <cstdlib>
+
 namespace corvane {
 
 /// The names, each looked up wherever it is needed and never cached.
@@ -19,11 +21,13 @@ inline constexpr const char *bypassVectorizationSafetyCheck =
 
 /// The value of a variable; null when it is not defined. The text belongs to
 /// the environment and lasts until the variable changes.
-const char *lookUp(const char *name);
+inline const char *lookUp(const char *name) { return std::getenv(name); }
 
 const char *autotuneDir();     ///< where autotuning results go
 const char *installLocation(); ///< where the report finds its scripts
-const char *dumpLogPath();     ///< the file that gets the diagnostic log
+
+/// The file that gets the diagnostic log. Every launch asks.
+inline const char *dumpLogPath() { return lookUp(variable::dumpLog); }
 
 /// Whether the release of a context ends with a flush: defined and not empty.
 bool flushOnReleaseContext();

@@ -2,19 +2,13 @@
 
 #include "agent/Flags.h"
 
-#include <atomic>
-
 using namespace corvane;
 
-static std::atomic<bool> autotuneOutputFlag{false};
+std::atomic<bool> detail::autotuneOutputFlag{false};
 static std::atomic<bool> hooksInstalled{false};
 static std::atomic<bool> bypassVectorizationSafetyCheck{false};
 
-bool corvane::autotuneOutput() {
-  return autotuneOutputFlag.load(std::memory_order_relaxed);
-}
-
-void corvane::setAutotuneOutput(bool on) { autotuneOutputFlag = on; }
+void corvane::setAutotuneOutput(bool on) { detail::autotuneOutputFlag = on; }
 
 void corvane::setHooksInstalled(bool installed) { hooksInstalled = installed; }
 

@@ -2,11 +2,19 @@
 
 #pragma once
 
+#include <atomic>
+
 namespace corvane {
+
+namespace detail {
+extern std::atomic<bool> autotuneOutputFlag;
+} // namespace detail
 
 /// Whether autotuning is on: at load the raw timing log could be created. May
 /// be read on any thread.
-bool autotuneOutput();
+inline bool autotuneOutput() {
+  return detail::autotuneOutputFlag.load(std::memory_order_relaxed);
+}
 void setAutotuneOutput(bool on);
 
 /// Whether the runtime has accepted our hooks, and whether the environment asks

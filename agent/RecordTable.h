@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -25,16 +26,16 @@ public:
   Record *find(Handle handle) const {
     if (!canBeKey(handle))
       return nullptr;
-    auto found = records.find(handle);
-    return found == records.end() ? nullptr : found->second.oldest.get();
+    auto found = oldest.find(handle);
+    return found == oldest.end() ? nullptr : found->second.get();
   }
 
   /// Whether \p handle has exactly one record.
   bool isUnique(Handle handle) const {
-    if (!canBeKey(handle))
+    if (!find(handle))
       return false;
-    auto found = records.find(handle);
-    return found != records.end() && found->second.younger.empty();
+    const auto waiting = younger.find(handle);
+    return waiting == younger.end() || waiting->second.empty();
   }
 
   /// Makes sure that a record of \p handle can be appended without memory. An
@@ -42,11 +43,12 @@ public:
   void makeRoom(Handle handle) {
     if (!canBeKey(handle))
       return;
-    if (makeRoomForOne(records, erased))
+    if (makeRoomForOne(oldest, erased))
       erased = 0;
-    const auto found = records.find(handle);
-    if (found != records.end())
-      found->second.younger.reserve(found->second.younger.size() + 1);
+    if (!find(handle))
+      return;
+    auto &waiting = younger[handle];
+    waiting.reserve(waiting.size() + 1);
   }
 
   /// Adds \p record behind all others and returns it. An exception leaves the
@@ -58,11 +60,11 @@ public:
     }
     makeRoom(handle);
     Record *added = record.get();
-    const auto [sameHandle, isNew] = records.try_emplace(handle);
-    if (isNew)
-      sameHandle->second.oldest = std::move(record);
+    const auto [first, isFirst] = oldest.try_emplace(handle);
+    if (isFirst)
+      first->second = std::move(record);
     else
-      sameHandle->second.younger.push_back(std::move(record));
+      younger[handle].push_back(std::move(record));
     ++count;
     return added;
   }
@@ -71,19 +73,21 @@ public:
   std::unique_ptr<Record> remove(Handle handle) {
     if (!canBeKey(handle))
       return nullptr;
-    auto found = records.find(handle);
-    if (found == records.end())
+    auto found = oldest.find(handle);
+    if (found == oldest.end())
       return nullptr;
-    auto &[oldest, younger] = found->second;
-    std::unique_ptr<Record> record = std::move(oldest);
-    if (younger.empty()) {
-      records.erase(found);
-      ++erased;
-    } else {
-      oldest = std::move(younger.front());
-      younger.erase(younger.begin());
-    }
+    std::unique_ptr<Record> record = std::move(found->second);
     --count;
+    const auto waiting = younger.find(handle);
+    if (waiting != younger.end() && !waiting->second.empty()) {
+      found->second = std::move(waiting->second.front());
+      waiting->second.erase(waiting->second.begin());
+    } else {
+      oldest.erase(found);
+      ++erased;
+    }
+    if (waiting != younger.end() && waiting->second.empty())
+      younger.erase(waiting);
     return record;
   }
 
@@ -98,11 +102,10 @@ public:
   }
 
 private:
-  struct SameHandle {
-    std::unique_ptr<Record> oldest; ///< never null
-    std::vector<std::unique_ptr<Record>> younger;
-  };
-  llvm::DenseMap<Handle, SameHandle> records;
+  llvm::DenseMap<Handle, std::unique_ptr<Record>> oldest;
+  /// All others, which hardly ever exist: a runtime that gives out a handle
+  /// again has told of the end of its first object.
+  std::unordered_map<Handle, std::vector<std::unique_ptr<Record>>> younger;
   std::size_t erased = 0; ///< at most so many, since the map grew
   std::size_t count = 0;
 };

@@ -4,9 +4,7 @@
 
 using namespace corvane;
 
-static DispatchTable savedTable;
-
-const DispatchTable &corvane::runtime() { return savedTable; }
+DispatchTable detail::savedTable;
 
 template <typename Entry>
 static void replaceIfChanged(Entry &saved, Entry given) {
@@ -15,6 +13,7 @@ static void replaceIfChanged(Entry &saved, Entry given) {
 }
 
 void corvane::saveRuntimeTable(const DispatchTable &table) {
-#define ENTRY(index, name) replaceIfChanged(savedTable.name, table.name);
+#define ENTRY(index, name)                                                     \
+  replaceIfChanged(detail::savedTable.name, table.name);
 #include "agent/DispatchEntries.def"
 }

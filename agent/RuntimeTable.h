@@ -7,11 +7,15 @@
 
 namespace corvane {
 
+namespace detail {
+extern DispatchTable savedTable;
+} // namespace detail
+
 /// The saved table. All entries are null before the first load.
 ///
 /// Reading needs no lock: the table is written while the agent is being loaded,
 /// before the runtime learns of any hook.
-const DispatchTable &runtime();
+inline const DispatchTable &runtime() { return detail::savedTable; }
 
 /// Saves \p table as the runtime's. Hold the agent lock.
 ///

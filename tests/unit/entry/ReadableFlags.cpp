@@ -6,16 +6,14 @@
 
 using namespace corvane;
 
-static bool autotune = false;
+std::atomic<bool> detail::autotuneOutputFlag{false};
 
 test::WrittenFlags &test::writtenFlags() {
   static auto &flags = *new WrittenFlags;
   return flags;
 }
 
-bool corvane::autotuneOutput() { return autotune; }
-
-void corvane::setAutotuneOutput(bool on) { autotune = on; }
+void corvane::setAutotuneOutput(bool on) { detail::autotuneOutputFlag = on; }
 
 void corvane::setHooksInstalled(bool installed) {
   test::writtenFlags().hooksInstalled.push_back(installed);
