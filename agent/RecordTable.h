@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -47,6 +46,8 @@ public:
       erased = 0;
     if (!find(handle))
       return;
+    if (makeRoomForOne(younger, erasedYounger))
+      erasedYounger = 0;
     auto &waiting = younger[handle];
     waiting.reserve(waiting.size() + 1);
   }
@@ -86,8 +87,10 @@ public:
       oldest.erase(found);
       ++erased;
     }
-    if (waiting != younger.end() && waiting->second.empty())
+    if (waiting != younger.end() && waiting->second.empty()) {
       younger.erase(waiting);
+      ++erasedYounger;
+    }
     return record;
   }
 
@@ -105,8 +108,9 @@ private:
   llvm::DenseMap<Handle, std::unique_ptr<Record>> oldest;
   /// All others, which hardly ever exist: a runtime that gives out a handle
   /// again has told of the end of its first object.
-  std::unordered_map<Handle, std::vector<std::unique_ptr<Record>>> younger;
-  std::size_t erased = 0; ///< at most so many, since the map grew
+  llvm::DenseMap<Handle, std::vector<std::unique_ptr<Record>>> younger;
+  std::size_t erased = 0;        ///< at most so many, since oldest grew
+  std::size_t erasedYounger = 0; ///< the same for younger
   std::size_t count = 0;
 };
 

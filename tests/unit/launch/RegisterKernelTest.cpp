@@ -18,7 +18,7 @@ struct RegisterKernel : testing::Test {
   AgentState state;
 
   // A program that was built with a kernel "k" alone.
-  RegisterKernel() { addGroup(*findOrAddProgram(state, program), "k"); }
+  RegisterKernel() { addGroup(findOrAddProgram(state, program), "k"); }
 };
 
 } // namespace
