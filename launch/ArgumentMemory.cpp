@@ -9,13 +9,18 @@
 
 using namespace corvane;
 
-// An object of the runtime's lies in memory, aligned, and hardly ever at the
-// start of a page. Sizes and counts are not like that, powers of two included,
-// which may well be addresses: some processes have memory at low ones.
+// Whether a value may be a size or a count though memory lies there: some
+// processes have memory at low addresses, and sizes are often round.
+static bool isLikeASize(std::uintptr_t value) {
+  constexpr std::uintptr_t page = 4096;
+  constexpr std::uintptr_t beyondSizes = std::uintptr_t{1} << 32;
+  return value % page == 0 && value < beyondSizes;
+}
+
+// An object of the runtime's lies in memory and is aligned.
 static bool canBeHandle(cl_mem value) {
   const auto bits = reinterpret_cast<std::uintptr_t>(value);
-  constexpr std::uintptr_t page = 4096;
-  return bits % sizeof(void *) == 0 && bits % page != 0 &&
+  return bits % sizeof(void *) == 0 && !isLikeASize(bits) &&
          platform::isOccupied(value);
 }
 

@@ -6,6 +6,8 @@
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 
+#include <cstdint>
+
 using namespace corvane;
 using namespace corvane::test;
 using testing::SizeIs;
@@ -98,6 +100,24 @@ TEST_F(UnknownMemory, IsSuspectedWhereverMemoryLiesAndNowhereElse) {
   EXPECT_THAT(launchesWith(app, object), SizeIs(kernelAlone));
   unmapLowPage(page);
   EXPECT_THAT(launchesWith(app, object), SizeIs(variantAndKernel));
+}
+
+TEST_F(UnknownMemory, IsSuspectedAtTheStartOfAPageBeyondAllSizes) {
+  describe(app);
+  app.program.declares(0, {CL_KERNEL_ARG_ADDRESS_GLOBAL});
+  alignas(4096) static char object[4096];
+  ASSERT_GT(reinterpret_cast<std::uintptr_t>(object), std::uintptr_t{1} << 32)
+      << "the test program lies at low addresses";
+  EXPECT_THAT(launchesWith(app, &object[0]), SizeIs(kernelAlone));
+}
+
+TEST_F(UnknownMemory, IsNotSuspectedBehindRoundNumbersThatAreAddresses) {
+  describe(app);
+  app.program.declares(0, {CL_KERNEL_ARG_ADDRESS_GLOBAL});
+  char *page = mapLowPage();
+  ASSERT_TRUE(page);
+  EXPECT_THAT(launchesWith(app, page), SizeIs(variantAndKernel));
+  unmapLowPage(page);
 }
 
 TEST_F(UnknownMemory, IsNotSuspectedInValuesOfOtherSizes) {
