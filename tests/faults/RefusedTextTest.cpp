@@ -72,17 +72,39 @@ TEST(RefusedText, OfTheDiagnosticLogIsLostAndTheLaunchIsNot) {
 
 namespace {
 class RefusedAtTheEnd : public testing::TestWithParam<std::size_t> {};
+
+// The process is all the agent's from now on.
+void refuseFromHereToTheEnd(std::size_t nth) {
+  static const auto &agent = *new OnSide(Side::Agent);
+  (void)agent;
+  AgentMemory::refuseFrom(nth);
+}
 } // namespace
 
 TEST_P(RefusedAtTheEnd, DoesNotChangeHowTheProcessEnds) {
   const Ended ended = runToItsEnd([](const std::string &log) {
     PlainKernel(log.c_str()).launch();
-    // From here to the end the process is all the agent's.
-    new OnSide(Side::Agent);
-    AgentMemory::refuseFrom(GetParam());
+    refuseFromHereToTheEnd(GetParam());
   });
   EXPECT_THAT(ended.diagnosticLog,
               testing::AnyOf("", testing::StartsWith("Frontend loaded\n")));
+}
+
+// The results are due when the process ends, and there is no memory for them.
+TEST_P(RefusedAtTheEnd, LeavesTheResultsAndLetsTheProcessGo) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    const std::string folder = log + ".results";
+    assignForGood(variable::dumpLog, nullptr);
+    assignForGood(variable::autotune, folder.c_str());
+    assignForGood(variable::installLocation, "/nowhere");
+    static auto &runtime = *new FakeRuntime;
+    for (const char *name : {variable::autotune, variable::installLocation})
+      assignForGood(name, name == variable::autotune ? folder.c_str() : "/x");
+    static auto &frontier = *new Frontier(runtime);
+    frontier.load();
+    refuseFromHereToTheEnd(GetParam());
+  });
+  EXPECT_EQ(ended.files.count("log.txt.results/.auto.csv"), 1U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Requests, RefusedAtTheEnd,

@@ -29,8 +29,14 @@ void allocator::giveBack(void *memory) { __interceptor_free(memory); }
 
 // The sanitizer's own operators would pass the functions above by.
 #pragma GCC visibility push(default)
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+  return std::malloc(size == 0 ? 1 : size);
+}
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+  return operator new(size, std::nothrow);
+}
 void *operator new(std::size_t size) {
-  if (void *memory = std::malloc(size == 0 ? 1 : size))
+  if (void *memory = operator new(size, std::nothrow))
     return memory;
   throw std::bad_alloc();
 }
