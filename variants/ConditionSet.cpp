@@ -1,23 +1,24 @@
-// Finds the place of a condition among those that are there already.
+// Turns the order of conditions into one that a standard set can rely on.
 #include "variants/ConditionSet.h"
-
-#include "llvm/ADT/STLExtras.h"
 
 #include <utility>
 
 namespace corvane {
 
-// Where both claim to be first, the newer one wins. That is what makes a
-// variant's name come back with its restrictions in place: they pass through
-// two sets, each of which turns them round.
+bool ConditionSet::EntryOrder::operator()(const Entry &a,
+                                          const Entry &b) const {
+  const bool aFirst = TransformOrder()(*a.condition, *b.condition);
+  const bool bFirst = TransformOrder()(*b.condition, *a.condition);
+  // Both claim to be first. Letting the newer one win is what makes a variant's
+  // name come back with its restrictions in place: they pass through two sets,
+  // each of which turns them round.
+  if (aFirst && bFirst)
+    return a.arrival > b.arrival;
+  return aFirst;
+}
+
 void ConditionSet::insert(std::unique_ptr<llvm::Transform> condition) {
-  const TransformOrder precedes;
-  const auto place = llvm::find_if(
-      entries, [&](const auto &entry) { return precedes(*condition, *entry); });
-  const bool isKnown =
-      place != entries.begin() && !precedes(**std::prev(place), *condition);
-  if (!isKnown)
-    entries.insert(place, std::move(condition));
+  entries.insert(Entry{std::move(condition), arrivals++});
 }
 
 } // namespace corvane

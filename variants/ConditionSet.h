@@ -3,10 +3,11 @@
 
 #include "variants/Transform.h"
 
-#include "llvm/ADT/SmallVector.h"
 #include "llvm/ADT/iterator.h"
 
+#include <iterator>
 #include <memory>
+#include <set>
 
 namespace corvane {
 
@@ -15,14 +16,26 @@ namespace corvane {
 /// Of equivalent conditions only the first inserted is kept. Of two conditions
 /// that each claim to precede the other (all RestrictArgs do) both are kept,
 /// the one inserted later in front.
-///
-/// A row rather than a tree: every launch walks over the few there are.
 class ConditionSet {
-  using Entries = llvm::SmallVector<std::unique_ptr<const llvm::Transform>, 2>;
+  struct Entry {
+    std::unique_ptr<llvm::Transform> condition; ///< never null
+    std::size_t arrival; ///< how many insertions came before
+  };
+  struct EntryOrder {
+    bool operator()(const Entry &a, const Entry &b) const;
+  };
+  using Entries = std::set<Entry, EntryOrder>;
 
 public:
   /// Walks the conditions in order.
-  using Iterator = llvm::pointee_iterator<Entries::const_iterator>;
+  class Iterator
+      : public llvm::iterator_adaptor_base<Iterator, Entries::const_iterator,
+                                           std::bidirectional_iterator_tag,
+                                           const llvm::Transform> {
+  public:
+    explicit Iterator(Entries::const_iterator at) : iterator_adaptor_base(at) {}
+    const llvm::Transform &operator*() const { return *I->condition; }
+  };
 
   /// A set that received a clone of each of `conditions`, in their order.
   template <typename Conditions>
@@ -45,6 +58,7 @@ public:
 
 private:
   Entries entries;
+  std::size_t arrivals = 0;
 };
 
 } // namespace corvane

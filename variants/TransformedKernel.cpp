@@ -1,5 +1,7 @@
-// Writes a variant's name back out.
+// Asks a variant's conditions in turn, and writes its name back out.
 #include "variants/TransformedKernel.h"
+
+#include <algorithm>
 
 namespace llvm {
 
@@ -12,6 +14,30 @@ std::string TransformedKernel::specText() const {
   return text;
 }
 
+bool TransformedKernel::acceptsLaunch(std::uint32_t workDim,
+                                      const std::size_t *globalSizes,
+                                      const std::size_t *localSizes) const {
+  for (const Transform &condition : conditions)
+    if (!condition.acceptsLaunch(workDim, globalSizes, localSizes))
+      return false;
+  return true;
+}
+
+bool TransformedKernel::acceptsArgument(std::uint32_t index, std::size_t size,
+                                        const void *value) const {
+  for (const Transform &condition : conditions)
+    if (!condition.acceptsArgument(index, size, value))
+      return false;
+  return true;
+}
+
+void TransformedKernel::adjustLaunch(std::uint32_t workDim,
+                                     std::size_t *globalSizes,
+                                     std::size_t *localSizes) const {
+  for (const Transform &condition : conditions)
+    condition.adjustLaunch(workDim, globalSizes, localSizes);
+}
+
 std::string TransformedKernelAgent::kernelName() const {
   return baseName + "_coarsed_" + TransformedKernel::specText();
 }
@@ -19,3 +45,17 @@ std::string TransformedKernelAgent::kernelName() const {
 std::string TransformedKernelAgent::specText() const { return kernelName(); }
 
 } // namespace llvm
+
+bool corvane::prepareLaunch(const llvm::TransformedKernel &record,
+                            std::uint32_t workDim,
+                            const std::size_t *globalSizes,
+                            const std::size_t *localSizes,
+                            std::size_t *outGlobal, std::size_t *outLocal) {
+  if (!globalSizes || !record.acceptsLaunch(workDim, globalSizes, localSizes))
+    return false;
+
+  std::copy_n(globalSizes, workDim, outGlobal);
+  std::copy_n(localSizes, workDim, outLocal);
+  record.adjustLaunch(workDim, outGlobal, outLocal);
+  return true;
+}

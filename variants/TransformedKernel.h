@@ -3,7 +3,6 @@
 
 #include "variants/ConditionSet.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -32,26 +31,13 @@ struct TransformedKernel {
   /// Whether all conditions accept; they are asked in order up to the first
   /// that rejects. For the arguments see Transform.
   bool acceptsLaunch(std::uint32_t workDim, const std::size_t *globalSizes,
-                     const std::size_t *localSizes) const {
-    for (const Transform &condition : conditions)
-      if (!condition.acceptsLaunch(workDim, globalSizes, localSizes))
-        return false;
-    return true;
-  }
+                     const std::size_t *localSizes) const;
   bool acceptsArgument(std::uint32_t index, std::size_t size,
-                       const void *value) const {
-    for (const Transform &condition : conditions)
-      if (!condition.acceptsArgument(index, size, value))
-        return false;
-    return true;
-  }
+                       const void *value) const;
 
   /// Lets each condition, in order, rewrite the sizes that the one before left.
   void adjustLaunch(std::uint32_t workDim, std::size_t *globalSizes,
-                    std::size_t *localSizes) const {
-    for (const Transform &condition : conditions)
-      condition.adjustLaunch(workDim, globalSizes, localSizes);
-  }
+                    std::size_t *localSizes) const;
 };
 
 /// A variant record that also knows its base kernel and so its own name.
@@ -78,32 +64,15 @@ struct TransformedKernelAgent : TransformedKernel {
 
 namespace corvane {
 
-/// Copies the sizes of a launch, of which there are at most three. That bound
-/// makes of it a few moves rather than a call.
-inline void copySizes(std::uint32_t workDim, const std::size_t *from,
-                      std::size_t *to) {
-  for (std::uint32_t d = 0; d < std::min(workDim, 3U); ++d)
-    to[d] = from[d];
-}
-
 /// Writes the sizes with which `record`'s variant takes this launch.
 ///
 /// False, with nothing written, when a condition rejects or `globalSizes` is
-/// null. `workDim` is at most 3 and all other arrays hold as many entries;
-/// `localSizes` are all zero for a launch without. The given sizes are only
-/// read.
-inline bool prepareLaunch(const llvm::TransformedKernel &record,
-                          std::uint32_t workDim, const std::size_t *globalSizes,
-                          const std::size_t *localSizes, std::size_t *outGlobal,
-                          std::size_t *outLocal) {
-  if (!globalSizes || !record.acceptsLaunch(workDim, globalSizes, localSizes))
-    return false;
-
-  copySizes(workDim, globalSizes, outGlobal);
-  copySizes(workDim, localSizes, outLocal);
-  record.adjustLaunch(workDim, outGlobal, outLocal);
-  return true;
-}
+/// null. All other arrays hold at least `workDim` entries; `localSizes` are all
+/// zero for a launch without. The given sizes are only read.
+bool prepareLaunch(const llvm::TransformedKernel &record, std::uint32_t workDim,
+                   const std::size_t *globalSizes,
+                   const std::size_t *localSizes, std::size_t *outGlobal,
+                   std::size_t *outLocal);
 
 /// Whether `record` accepts every one of `arguments`: any range whose elements
 /// have an `index`, a `size` in bytes and a `value` pointing to the bytes.
