@@ -91,7 +91,7 @@ TEST(SafeText, IsAsciiWithoutControlsOrSignsOfHtmlWhateverTheByte) {
   };
   for (int byte = 0; byte != 256; ++byte)
     for (const char *behind : {"", "a", "\"", "\x80", "\xbf\xbf\xbf"}) {
-      const std::string name = static_cast<char>(byte) + behind;
+      const std::string name = std::string(1, static_cast<char>(byte)) + behind;
       EXPECT_THAT(htmlText(name), Each(Truly(isPlain))) << byte;
       EXPECT_THAT(scriptText(name), Each(Truly(isPlain))) << byte;
       EXPECT_THAT(scriptText(name), Each(Not('&'))) << byte;
