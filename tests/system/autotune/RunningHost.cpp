@@ -119,11 +119,15 @@ bool RunningHost::isRunning() const {
 }
 
 void RunningHost::limitFiles(unsigned long bytes) const {
+  ASSERT_GT(child, 0);
   const rlimit limit = {bytes, RLIM_INFINITY};
   EXPECT_EQ(prlimit(child, RLIMIT_FSIZE, &limit, nullptr), 0);
 }
 
 void RunningHost::kill() {
+  // To the system, -1 stands for every process there is.
+  if (child <= 0)
+    return;
   ::kill(child, SIGKILL);
   EXPECT_EQ(wait(), -SIGKILL) << errors();
 }
