@@ -1,0 +1,111 @@
+// Many threads at once: what the layer remembers belongs to all of them.
+
+#include "tests/system/layer/LayeredRuntime.h"
+
+#include <array>
+#include <atomic>
+#include <random>
+#include <thread>
+
+using namespace corvane::test;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr unsigned threadCount = 8;
+constexpr unsigned rounds = 40;
+
+class LayeredThreads : public LayeredRuntime {
+protected:
+  void workInAllThreads() {
+    for (unsigned i = 0; i < threadCount * rounds; ++i)
+      withVariant(runtime.sourceMakes());
+    runtime.recycleHandles();
+    std::array<std::thread, threadCount> threads;
+    for (unsigned i = 0; i < threadCount; ++i)
+      threads[i] = std::thread([this, i] { work(i); });
+    for (std::thread &thread : threads)
+      thread.join();
+  }
+
+  /// In the middle of one thread's work.
+  std::atomic<bool> endsTheAgent{false};
+
+private:
+  static void CL_CALLBACK notified(cl_program, void *userData) {
+    ++*static_cast<unsigned *>(userData);
+  }
+
+  void work(unsigned number) {
+    std::mt19937 random(number);
+    for (unsigned round = 0; round < rounds; ++round) {
+      if (endsTheAgent && number == 0 && round == rounds / 2) {
+        EXPECT_EQ(cl().clReleaseContext(runtime.context()), CL_SUCCESS);
+      }
+      useProgram(random() % 2 == 0);
+      useQueue(random() % 2 == 0);
+    }
+  }
+
+  void useProgram(bool notifies) {
+    cl_program program = createProgram();
+    unsigned calls = 0;
+    EXPECT_EQ(cl().clBuildProgram(program, 0, nullptr, "",
+                                  notifies ? notified : nullptr,
+                                  notifies ? &calls : nullptr),
+              CL_SUCCESS);
+    EXPECT_EQ(calls, notifies ? 1u : 0u);
+    EXPECT_EQ(cl().clRetainProgram(program), CL_SUCCESS);
+    std::array<cl_kernel, 8> kernels{};
+    cl_uint count = 0;
+    EXPECT_EQ(cl().clCreateKernelsInProgram(program, 8, kernels.data(), &count),
+              CL_SUCCESS);
+    EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
+    const size_t global = 64;
+    const size_t local = 16;
+    for (cl_uint i = 0; i < count; ++i) {
+      EXPECT_EQ(cl().clEnqueueNDRangeKernel(runtime.queue(), kernels[i], 1,
+                                            nullptr, &global, &local, 0,
+                                            nullptr, nullptr),
+                CL_SUCCESS);
+      EXPECT_EQ(cl().clRetainKernel(kernels[i]), CL_SUCCESS);
+      EXPECT_EQ(cl().clReleaseKernel(kernels[i]), CL_SUCCESS);
+      EXPECT_EQ(cl().clReleaseKernel(kernels[i]), CL_SUCCESS);
+    }
+    EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
+  }
+
+  void useQueue(bool timed) {
+    cl_command_queue queue = cl().clCreateCommandQueue(
+        runtime.context(), runtime.device(),
+        timed ? CL_QUEUE_PROFILING_ENABLE : 0, nullptr);
+    EXPECT_EQ(cl().clRetainCommandQueue(queue), CL_SUCCESS);
+    EXPECT_EQ(cl().clReleaseCommandQueue(queue), CL_SUCCESS);
+    EXPECT_EQ(cl().clReleaseCommandQueue(queue), CL_SUCCESS);
+  }
+};
+
+} // namespace
+
+TEST_F(LayeredThreads, LeaveNothingBehindInNormalMode) {
+  load();
+  workInAllThreads();
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+TEST_F(LayeredThreads, LeaveNothingBehindWhenAutotuned) {
+  loadAutotuning();
+  workInAllThreads();
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+TEST_F(LayeredThreads, LeaveNothingBehindWhenTheResultsAreWrittenMeanwhile) {
+  loadAutotuning({{"CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT", "1"}});
+  cl().clRetainContext(runtime.context());
+  endsTheAgent = true;
+  workInAllThreads();
+  EXPECT_THAT(runtime.alive("program"), IsEmpty());
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
