@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "llvm/Support/raw_ostream.h"
+
 #include <string>
 #include <string_view>
 
@@ -14,6 +16,9 @@ std::string fixedText(double value, int decimals);
 /// Six significant digits without trailing zeros, with an exponent where C's
 /// "%g" has one. What is infinite or no number is written as zero.
 std::string generalText(double value);
+
+/// Writes the same, without a string for each of many numbers.
+void writeGeneral(llvm::raw_ostream &out, double value);
 
 /// The number that \p text starts with, behind blanks and perhaps a sign; the
 /// rest is ignored. 0.0 if there is none or no double can hold it; infinities

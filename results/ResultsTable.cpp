@@ -30,9 +30,11 @@ LineRange ResultsTable::addRows(const ConfigResults &config) {
   range.first = nextRow;
   for (const auto &[version, stats] : config.ranking) {
     const std::string start = rowStart(config, version);
-    for (double sample : stats.samples)
-      out << start << generalText(sample)
-          << (isOutlier(sample, stats.min) ? ",*\n" : ", \n");
+    for (double sample : stats.samples) {
+      out << start;
+      writeGeneral(out, sample);
+      out << (isOutlier(sample, stats.min) ? ",*\n" : ", \n");
+    }
     nextRow += stats.samples.size();
   }
   range.last = nextRow - 1;

@@ -45,8 +45,10 @@ static void writeData(llvm::raw_ostream &out, const ConfigResults &config) {
   const std::size_t count = sampleCount(config);
   for (std::size_t i = 0; i != count; ++i) {
     out << "+ \"" << i + 1;
-    for (const auto &[name, stats] : config.ranking)
-      out << "," << generalText(stats.arrival[i]);
+    for (const auto &[name, stats] : config.ranking) {
+      out << ',';
+      writeGeneral(out, stats.arrival[i]);
+    }
     out << "\\n\"\n";
   }
 }

@@ -4,8 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
+#include <random>
 
 using namespace corvane;
 
@@ -101,4 +106,76 @@ TEST(LeadingNumber, IsZeroWhenNoDoubleCanHoldIt) {
 
 TEST(LeadingNumber, DoesNotReadBeyondTheText) {
   EXPECT_EQ(leadingNumber(std::string_view("123456", 3)), 123.0);
+}
+
+// What C's own formatting says; the tests run in the plain locale.
+static std::string printed(double value) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.6g", value);
+  return text.data();
+}
+
+static std::string writtenGeneral(double value) {
+  std::string text;
+  llvm::raw_string_ostream out(text);
+  writeGeneral(out, value);
+  return out.str();
+}
+
+TEST(GeneralText, IsThatOfPrintfForTheTimesOfALog) {
+  for (std::uint64_t nanoseconds = 1; nanoseconds < 3'000'000'000;
+       nanoseconds += 1 + nanoseconds / 4001) {
+    const double time = static_cast<double>(nanoseconds) / 1000.0;
+    ASSERT_EQ(generalText(time), printed(time)) << nanoseconds;
+  }
+}
+
+TEST(GeneralText, IsThatOfPrintfInTheMiddleBetweenTwoTexts) {
+  for (double whole : {1.0, 10.0, 99.0, 1000.0, 12345.0, 99999.0, 123456.0})
+    for (double part : {0.5, 0.25, 0.125, 0.0625, 0.03125, 0.000005, 0.9999995})
+      for (double toward : {0.0, 1e9}) {
+        const double middle = whole + part;
+        ASSERT_EQ(generalText(middle), printed(middle)) << middle;
+        const double beside = std::nextafter(middle, toward);
+        ASSERT_EQ(generalText(beside), printed(beside)) << beside;
+      }
+}
+
+TEST(GeneralText, IsThatOfPrintfAtPowersOfTen) {
+  for (double power = 1e-6; power < 1e9; power *= 10.0)
+    for (double value : {power, std::nextafter(power, 0.0),
+                         std::nextafter(power, 1e10), power * 0.9999995})
+      ASSERT_EQ(generalText(value), printed(value)) << value;
+}
+
+TEST(GeneralText, IsThatOfPrintfForNumbersOfAnyKind) {
+  std::mt19937_64 random(1);
+  for (int i = 0; i != 200'000; ++i) {
+    const double value = std::ldexp(static_cast<double>(random()) * 0x1p-64,
+                                    static_cast<int>(random() % 60) - 30);
+    ASSERT_EQ(generalText(value), printed(value)) << value;
+  }
+}
+
+TEST(WriteGeneral, WritesTheSameText) {
+  for (double value : {0.0, 12.345, 1234.567, 1e6, 1e-5, -3.5, 0.0005})
+    EXPECT_EQ(writtenGeneral(value), generalText(value));
+}
+
+TEST(LeadingNumber, IsTheNearestDoubleHoweverManyDigitsThereAre) {
+  for (const char *text :
+       {"0.1", "123.456", "8.41", "999999999999999", "9999999999999999",
+        "9007199254740993", "0.000000000000001", "0.0000000000000001",
+        "123456789012.345", "1234567890123.456", "00000000000000000001.5", "5.",
+        ".5", "1.7976931348623157"})
+    EXPECT_EQ(leadingNumber(text), std::strtod(text, nullptr)) << text;
+}
+
+TEST(LeadingNumber, IsTheNearestDoubleForAllTimesOfALog) {
+  for (std::uint64_t nanoseconds = 1; nanoseconds < 9'000'000'000'000;
+       nanoseconds += 1 + nanoseconds / 9001) {
+    const std::string text =
+        fixedText(static_cast<double>(nanoseconds) / 1000.0, 3);
+    ASSERT_EQ(leadingNumber(text), std::strtod(text.c_str(), nullptr)) << text;
+  }
 }
