@@ -39,7 +39,8 @@ struct ConfigResults {
   std::string yLocal;
   std::string zLocal;
   std::map<std::string, VersionStats, std::less<>> versions;
-  /// Copies of the versions, fastest mean first; made by rankVersions.
+  /// The versions again, fastest mean first. Made by rankVersions, which moves
+  /// the lists of times here; the map keeps the figures.
   std::vector<std::pair<std::string, VersionStats>> ranking;
 };
 

@@ -10,6 +10,9 @@
 #include "results/File.h"
 #include "results/NumberText.h"
 
+#include <algorithm>
+#include <string_view>
+
 using namespace corvane;
 
 // The column names are part of the interface, byte for byte.
@@ -37,7 +40,16 @@ std::string corvane::launchKey(const LaunchRecord &record) {
   return key;
 }
 
+// Up to this many nanoseconds the double that stands for them, with three
+// decimals, has just their digits.
+static constexpr std::uint64_t mostExactNanoseconds = 1'000'000'000'000'000;
+
 std::string corvane::timeText(std::uint64_t nanoseconds) {
+  if (nanoseconds < mostExactNanoseconds) {
+    std::string text = std::to_string(nanoseconds);
+    text.insert(0, 4 - std::min<std::size_t>(text.size(), 4), '0');
+    return text.insert(text.size() - 3, 1, '.');
+  }
   return fixedText(static_cast<double>(nanoseconds) / 1000.0, 3);
 }
 
@@ -52,7 +64,7 @@ static std::string rowLine(const std::string &key, const TimingEntry &entry) {
 }
 
 // A full disk may take the first part of a line; the log must not keep it.
-static bool writeLine(std::FILE *log, const std::string &line) {
+static bool writeLine(std::FILE *log, std::string_view line) {
   const long before = std::ftell(log);
   if (std::fwrite(line.data(), 1, line.size(), log) == line.size())
     return true;
@@ -69,27 +81,16 @@ bool corvane::createRawLog(const std::string &directory) {
   return true;
 }
 
-static bool hasContent(const std::string &path) {
-  const FileHandle log = openFile(path, "rb");
-  return log && std::fgetc(log.get()) != EOF;
-}
-
 // Writes as many whole lines as the disk takes; the others stay in rows.
 static void writeRows(std::FILE *log, std::string &rows) {
   std::size_t written = 0;
   while (written < rows.size()) {
     const std::size_t next = rows.find('\n', written) + 1;
-    if (!writeLine(log, rows.substr(written, next - written)))
+    if (!writeLine(log, {rows.data() + written, next - written}))
       break;
     written = next;
   }
   rows.erase(0, written);
-}
-
-static void appendRows(const std::string &path, std::string &rows) {
-  const FileHandle log = openFile(path, "ab");
-  if (log && std::fseek(log.get(), 0, SEEK_END) == 0)
-    writeRows(log.get(), rows);
 }
 
 static std::string allRows(const LaunchHistory &history) {
@@ -102,12 +103,27 @@ static std::string allRows(const LaunchHistory &history) {
   return rows;
 }
 
-static void rewriteLog(const std::string &path, LaunchHistory &history) {
-  const FileHandle log = openFile(path, "wb");
-  if (!log || !writeLine(log.get(), headerLine))
+// \p log is empty.
+static void writeAnew(std::FILE *log, LaunchHistory &history) {
+  if (!writeLine(log, headerLine))
     return;
   history.unwrittenRows = allRows(history);
-  writeRows(log.get(), history.unwrittenRows);
+  writeRows(log, history.unwrittenRows);
+}
+
+// Each time anew, for anybody may have moved, emptied or deleted the log. One
+// handle is enough to look at it and to add to it: opened like this a missing
+// log is an empty one. A log that can be written but not read is made anew.
+static void updateLog(const std::string &path, LaunchHistory &history) {
+  FileHandle log = openFile(path, "ab+");
+  if (!log)
+    log = openFile(path, "wb");
+  if (!log || std::fseek(log.get(), 0, SEEK_END) != 0)
+    return;
+  if (std::ftell(log.get()) > 0)
+    writeRows(log.get(), history.unwrittenRows);
+  else
+    writeAnew(log.get(), history);
 }
 
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
@@ -118,9 +134,5 @@ void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
   const char *directory = autotuneDir();
   if (!directory)
     return;
-  const std::string path = rawLogPath(directory);
-  if (hasContent(path))
-    appendRows(path, history.unwrittenRows);
-  else
-    rewriteLog(path, history);
+  updateLog(rawLogPath(directory), history);
 }
