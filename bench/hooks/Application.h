@@ -68,6 +68,9 @@ inline constexpr std::size_t localSize = 64;
 std::size_t sizeFor(std::size_t variant);
 std::size_t sizeFor(std::size_t variant, std::size_t other);
 
+/// Another global size that the same variants accept.
+std::size_t sameAnswerFor(std::size_t global);
+
 /// A global size that no variant accepts.
 inline constexpr std::size_t sizeForNone = localSize;
 

@@ -31,11 +31,13 @@ decltype(DispatchTable::clEnqueueNDRangeKernel) launcherBy(Way way);
 void setThreadCount(int count);
 int threadCount();
 
-/// Registers \p run(state) as a benchmark on as many threads.
+/// Registers \p run(state) as a benchmark on as many threads. Where these wait
+/// for each other that is part of what a call takes; a single thread waits for
+/// other programs only.
 template <typename Run> void add(const std::string &name, Run run) {
-  benchmark::RegisterBenchmark(name.c_str(), std::move(run))
-      ->Threads(threadCount())
-      ->UseRealTime();
+  auto *added = benchmark::RegisterBenchmark(name.c_str(), std::move(run));
+  if (threadCount() > 1)
+    added->Threads(threadCount())->UseRealTime();
 }
 
 /// Each registers the benchmarks of some hooks.

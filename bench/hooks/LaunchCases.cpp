@@ -17,8 +17,9 @@ struct Case {
   Way way = Way::Agent;
   std::size_t variants = 0;
   Accepts accepts = Accepts::None;
-  bool changed = false; ///< an argument, before each launch
-  bool known = true;    ///< to the agent
+  bool changed = false;  ///< an argument, before each launch
+  bool newSizes = false; ///< each launch has others than the one before
+  bool known = true;     ///< to the agent
 };
 
 /// Makes launches of one kernel.
@@ -75,15 +76,16 @@ static void launchKernel(benchmark::State &state, const Case &what) {
       what.accepts == Accepts::None
           ? sizeForNone
           : sizeFor(findVariant(Launcher(kernel, Way::Agent), what));
+  const std::array<std::size_t, 2> sizes = {
+      global, what.newSizes ? sameAnswerFor(global) : global};
   const Launcher launch(kernel, what.way);
   const auto set = setterBy(what.way);
-  cl_int value = 0;
+  cl_uint value = 0;
   for (auto _ : state) {
-    if (what.changed) {
-      ++value;
+    ++value;
+    if (what.changed)
       set(kernel, 0, sizeof value, &value);
-    }
-    benchmark::DoNotOptimize(launch(global));
+    benchmark::DoNotOptimize(launch(sizes[value % 2]));
   }
   // While autotuning the kernel itself runs last in any case.
   if (what.way == Way::Agent && !std::getenv("CORVANE_AUTOTUNE") &&
@@ -131,7 +133,9 @@ static std::string textOf(const Case &what) {
     return "unknown-kernel";
   return "variants:" + std::to_string(what.variants) +
          "/accepts:" + words.at(static_cast<std::size_t>(what.accepts)) +
-         (what.changed ? "/changed" : "/unchanged");
+         (what.changed    ? "/changed"
+          : what.newSizes ? "/new-sizes"
+                          : "/unchanged");
 }
 
 static void addCase(const Case &what) {
@@ -143,7 +147,12 @@ void corvane::bench::addLaunchCases() {
   for (const Way way : {Way::Runtime, Way::Pass, Way::Lock, Way::Agent})
     for (const bool changed : {false, true})
       addCase({way, 0, Accepts::None, changed});
-  addCase({Way::Agent, 0, Accepts::None, false, false});
+  addCase({Way::Agent, 0, Accepts::None, false, false, false});
+  for (const std::size_t variants : {0, 1, 16})
+    addCase({Way::Agent, variants, Accepts::None, false, true});
+  for (const std::size_t variants : {1, 16})
+    addCase({Way::Agent, variants, Accepts::First, false, true});
+  addCase({Way::Agent, 16, Accepts::Last, false, true});
   for (const bool changed : {false, true}) {
     for (const std::size_t variants : {1, 4, 16})
       for (const Accepts accepts : {Accepts::None, Accepts::First})

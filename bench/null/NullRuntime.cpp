@@ -18,16 +18,14 @@ static DispatchTable makeTable() {
   return table;
 }
 
-static const DispatchTable bareTable = makeTable();
-static DispatchTable hookedTable = bareTable;
-
-const DispatchTable &bench::bare() { return bareTable; }
+const DispatchTable null::theTable = makeTable();
+static DispatchTable hookedTable = null::theTable;
 
 const DispatchTable &bench::hooked() { return hookedTable; }
 
 static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
                                    std::size_t size) {
-  std::memcpy(table, &bareTable, size);
+  std::memcpy(table, &null::theTable, size);
   return CL_SUCCESS;
 }
 
