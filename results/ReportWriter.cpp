@@ -38,6 +38,8 @@ static std::vector<IndexEntry> writeConfigs(ReportJob &job) {
     rankVersions(config);
     const LineRange lines = table.addRows(config);
     entries.push_back(writePages(job, config, names.nameFor(config), lines));
+    // Nobody needs it again, and the next one finds room in its place.
+    config = ConfigResults();
   }
   return entries;
 }

@@ -36,6 +36,7 @@ static void writeTable(const Folder &folder, const std::string &log) {
   for (ConfigResults &config : job.configs) {
     rankVersions(config);
     table.addRows(config);
+    config = ConfigResults();
   }
 }
 
