@@ -75,13 +75,24 @@ std::optional<ReferenceName> ReferenceName::read(const std::string &name) {
   return result;
 }
 
+static bool isRequest(const Item &item) {
+  return item.letter != 'r' && item.letter != 'd';
+}
+
+// A request's dimension, factor, extra factor and local multiple.
+static std::array<std::uint32_t, 4> requestNumbers(const Item &item) {
+  std::array<std::uint32_t, 4> numbers = {1, 1, 1, 1};
+  std::copy_n(item.numbers.begin(),
+              std::min(numbers.size(), item.numbers.size()), numbers.begin());
+  return numbers;
+}
+
 // Products are 32 bits wide and wrap; what is 0 then accepts nothing.
 static bool accepts(const Item &item, std::uint32_t workDim,
                     const ReferenceName::Sizes &global,
                     const ReferenceName::Sizes &local) {
-  const auto at = [&](std::size_t i) {
-    return i < item.numbers.size() ? item.numbers[i] : 1U;
-  };
+  const std::array<std::uint32_t, 4> numbers = requestNumbers(item);
+  const auto at = [&](std::size_t i) { return numbers.at(i); };
   const std::uint32_t dim = at(0);
   const std::uint32_t f = at(1) * at(2);
   const std::uint32_t h = at(1) * at(3);
@@ -104,8 +115,17 @@ static bool accepts(const Item &item, std::uint32_t workDim,
 bool ReferenceName::acceptsLaunch(std::uint32_t workDim, const Sizes &global,
                                   const Sizes &local) const {
   return std::all_of(items.begin(), items.end(), [&](const Item &item) {
-    return item.letter == 'r' || item.letter == 'd' ||
-           accepts(item, workDim, global, local);
+    return !isRequest(item) || accepts(item, workDim, global, local);
+  });
+}
+
+bool ReferenceName::wraps() const {
+  return std::any_of(items.begin(), items.end(), [](const Item &item) {
+    const auto [dim, factor, extra, multiple] = requestNumbers(item);
+    // Each is at most a number that 32 bits hold, so nothing is lost here.
+    const long double product =
+        static_cast<long double>(factor) * factor * extra * multiple;
+    return isRequest(item) && product > UINT32_MAX;
   });
 }
 

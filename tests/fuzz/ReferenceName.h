@@ -30,6 +30,9 @@ struct ReferenceName {
   bool acceptsLaunch(std::uint32_t workDim, const Sizes &global,
                      const Sizes &local) const;
 
+  /// Whether a divisor of a request is larger than the 32 bits it is kept in.
+  bool wraps() const;
+
   /// \p value holds 4 or 8 bytes.
   bool acceptsArgument(std::uint32_t index, const std::string &value) const;
 };
