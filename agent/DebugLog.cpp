@@ -2,7 +2,6 @@
 
 #include "agent/DebugLog.h"
 
-#include "agent/Environment.h"
 #include "agent/platform/Platform.h"
 
 #include <fstream>
@@ -70,7 +69,7 @@ private:
 };
 } // namespace
 
-static debug::string_ostream &keptLog() {
+debug::string_ostream &detail::keptLog() {
   static const LogAtExit log;
   return log.stream;
 }
@@ -101,11 +100,6 @@ void corvane::writeError(llvm::StringRef line) {
 }
 
 llvm::raw_ostream &corvane::debugLog() {
-  if (!dumpLogPath())
-    return llvm::nulls();
-  return keptLog();
-}
-
-bool corvane::isKept(const llvm::raw_ostream &log) {
-  return &log != &llvm::nulls();
+  llvm::raw_ostream *log = keptDebugLog();
+  return log ? *log : llvm::nulls();
 }

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "agent/Environment.h"
+
 #include "llvm/ADT/StringRef.h"
 #include "llvm/Support/raw_ostream.h"
 
@@ -38,6 +40,10 @@ private:
 
 namespace corvane {
 
+namespace detail {
+debug::string_ostream &keptLog();
+} // namespace detail
+
 /// The process's standard error, unbuffered; bytes are written as they are.
 ///
 /// A stream of our own and not LLVM's errs(), which dies while the process
@@ -53,12 +59,14 @@ void prepareErrorStream();
 /// exit for an error that nobody looked at.
 void writeError(llvm::StringRef line);
 
-/// The diagnostic log if CORVANE_DUMP_LOG is defined now, else a stream that
-/// drops what it gets. Looks the variable up, so ask once and keep the answer
-/// over one launch. Hold the agent lock while writing.
-llvm::raw_ostream &debugLog();
+/// The diagnostic log if CORVANE_DUMP_LOG is defined now, else null. Looks the
+/// variable up, so ask once and keep the answer over one launch. Hold the agent
+/// lock while writing.
+inline llvm::raw_ostream *keptDebugLog() {
+  return dumpLogPath() ? &detail::keptLog() : nullptr;
+}
 
-/// Whether what is written to \p log, as debugLog gave it, is kept.
-bool isKept(const llvm::raw_ostream &log);
+/// The same, with a stream that drops what it gets in place of null.
+llvm::raw_ostream &debugLog();
 
 } // namespace corvane

@@ -2,28 +2,62 @@
 
 #pragma once
 
+#include "launch/KernelRecord.h"
+
 #include <CL/cl.h>
+
+#include <cstddef>
+#include <cstdint>
 
 namespace corvane {
 
-struct KernelRecord;
+namespace detail {
+void makeSlot(KernelRecord &record, cl_uint index);
+void recordFirstSetting(KernelRecord &record, cl_uint index, std::size_t size,
+                        const void *value);
+bool replayAllArguments(const KernelRecord &record, cl_kernel target);
+} // namespace detail
+
+/// A slot this far out could only be reached over as many others, and no kernel
+/// has as many arguments: a runtime that accepts the index is wrong.
+inline constexpr cl_uint mostArguments = 1U << 16;
 
 /// Gets the memory to remember a setting that the runtime has yet to accept for
 /// \p record's kernel. An exception has no other effect.
-void makeRoomForArgument(KernelRecord &record, cl_uint index, size_t size,
-                         const void *value);
+inline void makeRoomForArgument(KernelRecord &record, cl_uint index,
+                                std::size_t size, const void *value) {
+  if (index >= mostArguments)
+    return;
+  if (index >= record.argSlots.size())
+    detail::makeSlot(record, index);
+  if (value)
+    record.argSlots[index].makeRoom(size);
+}
 
 /// Remembers a setting for which there is room.
-void recordArgument(KernelRecord &record, cl_uint index, size_t size,
-                    const void *value);
+inline void recordArgument(KernelRecord &record, cl_uint index,
+                           std::size_t size, const void *value) {
+  if (index >= mostArguments)
+    return;
+  ArgSlot &slot = record.argSlots[index];
+  if (slot.index != index)
+    return detail::recordFirstSetting(record, index, size, value);
+  slot.record(index, size, value);
+  ++record.argSetCount;
+}
 
 /// Sets all recorded arguments on \p target, a variant of \p record's or its
 /// own kernel, if it has missed a setting since it was last brought up to date.
-/// A failure is reported and the replay goes on; the target counts as up to
-/// date all the same. Returns whether the runtime took every argument.
-bool replayArguments(KernelRecord &record, cl_kernel target);
-
-/// Has the next replay set all arguments again.
-void forgetReplay(KernelRecord &record, cl_kernel target);
+/// \p seen is the number of settings that it knew of, and knows of from now on:
+/// a failure is reported and the replay goes on. Returns whether the runtime
+/// took every argument.
+inline bool replayArguments(const KernelRecord &record, cl_kernel target,
+                            std::uint32_t &seen) {
+  if (seen >= record.argSetCount)
+    return true;
+  const bool complete = detail::replayAllArguments(record, target);
+  seen = record.argSetCount;
+  return complete;
+}
 
 } // namespace corvane

@@ -1,20 +1,23 @@
-// Copies argument values into their slots.
+// Copies the less usual argument values.
 
 #include "launch/ArgSlot.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <utility>
 
 using namespace corvane;
 
-static bool isSmall(std::size_t size) {
-  return size == 1 || size == 2 || size == 4 || size == 8;
+ArgSlot::ArgSlot(ArgSlot &&other) noexcept
+    : index(other.index), size(other.size), value(other.value),
+      block(std::move(other.block)), next(std::move(other.next)) {
+  std::memcpy(small, other.small, sizeof small);
+  if (value == other.small)
+    value = small;
 }
 
-void ArgSlot::makeRoom(std::size_t newSize) {
-  if (isSmall(newSize) || block.fits(newSize) || next.fits(newSize))
+void ArgSlot::makeBlock(std::size_t newSize) {
+  if (next.fits(newSize))
     return;
   next.bytes.reset(std::malloc(std::max<std::size_t>(newSize, 1)));
   if (!next.bytes)
@@ -22,22 +25,10 @@ void ArgSlot::makeRoom(std::size_t newSize) {
   next.size = newSize;
 }
 
-void *ArgSlot::roomFor(std::size_t newSize) {
+const void *ArgSlot::copyUnusual(std::size_t newSize, const void *newValue) {
   if (isSmall(newSize))
-    return small;
+    return std::memcpy(small, newValue, newSize);
   if (!block.fits(newSize))
     block = std::move(next);
-  return block.bytes.get();
-}
-
-void ArgSlot::record(std::uint32_t newIndex, std::size_t newSize,
-                     const void *newValue) {
-  value = nullptr;
-  if (newValue) {
-    void *room = roomFor(newSize);
-    std::memcpy(room, newValue, newSize);
-    value = room;
-  }
-  index = newIndex;
-  size = newSize;
+  return std::memcpy(block.bytes.get(), newValue, newSize);
 }

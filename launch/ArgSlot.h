@@ -6,12 +6,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 namespace corvane {
 
-/// Remembers the bytes of an argument. Reading is by the public fields; value
-/// points into the slot itself, so a slot is never moved.
+/// Remembers the bytes of an argument. Reading is by the public fields.
 struct ArgSlot {
   static constexpr std::uint32_t unset = UINT32_MAX;
 
@@ -21,17 +21,24 @@ struct ArgSlot {
   const void *value = nullptr;
 
   ArgSlot() = default;
-  ArgSlot(const ArgSlot &) = delete;
-  ArgSlot &operator=(const ArgSlot &) = delete;
+  ArgSlot(ArgSlot &&other) noexcept;
+  ArgSlot &operator=(ArgSlot &&) = delete;
 
   /// Gets the memory that a value of this size will need, and leaves the one
   /// that there is alone. Allocates only when the size is none of 1, 2, 4, 8
   /// and differs from the last one's.
-  void makeRoom(std::size_t newSize);
+  void makeRoom(std::size_t newSize) {
+    if (!isSmall(newSize) && !block.fits(newSize))
+      makeBlock(newSize);
+  }
 
   /// Takes a copy of \p newValue, for which there is room, or which is null.
   void record(std::uint32_t newIndex, std::size_t newSize,
-              const void *newValue);
+              const void *newValue) {
+    value = newValue ? copyOf(newSize, newValue) : nullptr;
+    index = newIndex;
+    size = newSize;
+  }
 
 private:
   struct Block {
@@ -40,7 +47,21 @@ private:
 
     bool fits(std::size_t wanted) const { return bytes && size == wanted; }
   };
-  void *roomFor(std::size_t newSize);
+
+  static bool isSmall(std::size_t size) {
+    return size == 1 || size == 2 || size == 4 || size == 8;
+  }
+  void makeBlock(std::size_t newSize);
+
+  // Handles and most scalars have one of these two sizes; each is one move.
+  const void *copyOf(std::size_t newSize, const void *newValue) {
+    if (newSize == 8)
+      return std::memcpy(small, newValue, 8);
+    if (newSize == 4)
+      return std::memcpy(small, newValue, 4);
+    return copyUnusual(newSize, newValue);
+  }
+  const void *copyUnusual(std::size_t newSize, const void *newValue);
 
   alignas(8) unsigned char small[8]{};
   Block block; ///< where a large value is

@@ -25,17 +25,17 @@ public:
   AutotuneLaunch(AgentState &agentState, KernelRecord &kernelRecord,
                  const Launch &asked, std::optional<cl_uint> argumentsOfKernel);
 
-  cl_int runVariantsAndKernel(llvm::raw_ostream &log);
+  cl_int runVariantsAndKernel(llvm::raw_ostream *log);
   cl_int runKernelAlone();
 
 private:
   /// A variant that accepts the launch, and all that its run needs.
   struct Candidate {
-    cl_kernel variant;
+    VariantKernel *variant;
     VariantRange range;
     std::unique_ptr<TimingTicket> ticket;
   };
-  std::vector<Candidate> findCandidates() const;
+  std::vector<Candidate> findCandidates();
   void list();
   bool runVariant(const BufferShadow &shadow, Candidate candidate);
   void enqueueVariant(Candidate candidate);
@@ -77,7 +77,7 @@ private:
 static std::shared_ptr<LaunchRecord>
 describe(const KernelRecord &record, const Launch &launch, const Sizes &local) {
   auto described = std::make_shared<LaunchRecord>();
-  described->kernel = record.name;
+  described->kernel = record.name();
   described->workDim = launch.workDim;
   for (cl_uint d = 0; d < launch.workDim; ++d)
     described->globalSize[d] = launch.globalSize[d];
@@ -108,20 +108,17 @@ AutotuneLaunch::makeTicket(std::string version) const {
   return ticket;
 }
 
-// In the order of the record's map.
-std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() const {
+// In the order of the record.
+std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() {
   std::vector<Candidate> candidates;
-  for (const auto &[variant, transformed] : record.variantKernels) {
-    if (!variant)
-      continue;
-    const auto range = rangeFor(*transformed, launch, local);
-    if (!range || !acceptsArguments(recordedArguments(record), *transformed))
+  for (VariantKernel &variant : record.variantKernels) {
+    VariantRange range;
+    if (!variant.kernel || !makeRange(*variant.variant, launch, local, range) ||
+        !acceptsArguments(record, *variant.variant))
       continue;
     // The version name alone is carried to the log: the application's kernel is
     // not timed here.
-    candidates.push_back(
-        {variant, *range,
-         makeTicket(transformed->llvm::TransformedKernel::specText())});
+    candidates.push_back({&variant, range, makeTicket(variant.variant->spec)});
   }
   return candidates;
 }
@@ -130,9 +127,9 @@ std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() const {
 void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   cl_event run = nullptr;
   const cl_int status = runtime().clEnqueueNDRangeKernel(
-      launch.queue, candidate.variant, launch.workDim, launch.globalOffset,
-      candidate.range.global.data(), candidate.range.localSize(),
-      chain.waitCount(), chain.waitList(), &run);
+      launch.queue, candidate.variant->kernel, launch.workDim,
+      launch.globalOffset, candidate.range.global.data(),
+      candidate.range.localSize(), chain.waitCount(), chain.waitList(), &run);
   if (status != CL_SUCCESS)
     return;
   (void)timeRun(run, candidate.ticket);
@@ -145,11 +142,12 @@ bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
                                 Candidate candidate) {
   if (buffersSpoiled)
     return false;
-  if (!replayArguments(record, candidate.variant)) {
-    forgetReplay(record, candidate.variant);
+  VariantKernel &variant = *candidate.variant;
+  if (!replayArguments(record, variant.kernel, variant.argSyncCount)) {
+    variant.argSyncCount = 0; // the next launch tries all of them again
     return false;
   }
-  if (!giveGroupCounts(candidate.variant, launch, kernelArguments))
+  if (!giveGroupCounts(variant.kernel, launch, kernelArguments))
     return false;
   transfersEnqueued = true;
   if (!shadow.save(launch.queue, chain))
@@ -161,7 +159,7 @@ bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
 
 // The application's own run comes last: when it is over, so are all transfers.
 cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
-  replayArguments(record, record.kernel);
+  replayArguments(record, record.kernel, record.argSyncCount);
   BaselineEvent event(launch.event);
   Launch chained = launch;
   chained.numEventsInWaitList = chain.waitCount();
@@ -179,7 +177,7 @@ cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
 
 // All memory is got before the first command is enqueued. Behind a variant
 // there is no way out: its restores and the kernel have to follow.
-cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
+cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
   const BufferShadow shadow(state, record);
   auto ticket = makeTicket({});
   ticket->keptAlive = shadow.hostCopies();
@@ -192,9 +190,9 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream &log) {
   for (Candidate &candidate : candidates)
     if (runVariant(shadow, std::move(candidate)))
       ++tested;
-  if (isKept(log))
-    log << tested << " kernel(s)  out of " << record.variantKernels.size()
-        << " are tested in addition to the original kernel\n";
+  if (log)
+    *log << tested << " kernel(s)  out of " << record.variantKernels.size()
+         << " are tested in addition to the original kernel\n";
   if (buffersSpoiled)
     (void)shadow.restore(launch.queue, chain);
   if (!transfersEnqueued)
@@ -221,20 +219,20 @@ cl_int AutotuneLaunch::runKernelAlone() {
 static cl_int tune(AgentState &state, KernelRecord &record,
                    const Launch &launch,
                    std::optional<cl_uint> argumentsOfKernel,
-                   llvm::raw_ostream &log) {
+                   llvm::raw_ostream *log) {
   AutotuneLaunch tuning(state, record, launch, argumentsOfKernel);
   if (!record.variantKernels.empty())
     return tuning.runVariantsAndKernel(log);
-  if (isKept(log))
-    log << "No Corvane's kernel available\n";
+  if (log)
+    *log << "No Corvane's kernel available\n";
   return tuning.runKernelAlone();
 }
 
 cl_int corvane::launchForAutotuning(AgentState *state, const Launch &launch) {
-  llvm::raw_ostream &log = debugLog();
-  if (isKept(log))
-    log << "EnqueueNDRange called for " << readKernelName(launch.kernel)
-        << " in autotuning mode\n";
+  llvm::raw_ostream *log = keptDebugLog();
+  if (log)
+    *log << "EnqueueNDRange called for " << readKernelName(launch.kernel)
+         << " in autotuning mode\n";
   const std::optional<cl_uint> argumentsOfKernel = argumentCount(launch.kernel);
 
   // Kept on purpose: after a flush nothing is launched, only flushed.

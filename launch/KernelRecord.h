@@ -3,11 +3,10 @@
 #pragma once
 
 #include "launch/ArgSlot.h"
-#include "variants/TransformedKernel.h"
+#include "launch/Launch.h"
+#include "programs/KernelPrototype.h"
 
-#include "llvm/ADT/DenseMap.h"
-#include "llvm/ADT/iterator.h"
-#include "llvm/ADT/iterator_range.h"
+#include "llvm/ADT/ArrayRef.h"
 
 #include <CL/cl.h>
 
@@ -18,12 +17,21 @@
 
 namespace corvane {
 
-/// The variant kernels with what is known of them. The order in which launches
-/// consider them is the order of the map, which follows the hash of the
-/// handles: no variant has a rank. A null key stands for a variant that the
-/// runtime did not create; it is never launched.
-using VariantMap =
-    llvm::DenseMap<cl_kernel, std::unique_ptr<llvm::TransformedKernelAgent>>;
+/// A variant that stands beside one kernel of the application's.
+struct VariantKernel {
+  cl_kernel kernel; ///< null: the runtime did not create it; never launched
+  const KernelPrototype::Variant *variant; ///< the prototype's
+  /// How many of the recorded settings the variant has seen.
+  std::uint32_t argSyncCount = 0;
+};
+
+/// Which variant certain sizes lead to. Conditions do not change, so the answer
+/// stays true.
+struct Selection {
+  LaunchSizes sizes; ///< no launch has those that stand here at first
+  VariantKernel *variant = nullptr; ///< null: none accepts
+  VariantRange range;               ///< with which the variant is launched
+};
 
 /// A kernel that the application created from a program that we know.
 ///
@@ -33,32 +41,35 @@ using VariantMap =
 /// to call.
 struct KernelRecord {
   KernelRecord(cl_program fromProgram, cl_kernel ofKernel,
-               std::string kernelName);
+               std::shared_ptr<const KernelPrototype> ofItsKind);
+
+  const std::string &name() const { return prototype->name; }
 
   cl_program program; ///< borrowed
   cl_kernel kernel;   ///< borrowed; the application holds it
-  std::string name;   ///< of the function
-  VariantMap variantKernels;
+  std::shared_ptr<const KernelPrototype> prototype; ///< never null
 
-  /// By argument index. A null slot, or one without an index, was never set,
-  /// but the first one counts as set from the start: empty and without a value.
-  std::vector<std::unique_ptr<ArgSlot>> argSlots;
+  /// In the order in which launches consider them.
+  std::vector<VariantKernel> variantKernels;
+
+  /// That of the last launch: most programs repeat one.
+  Selection selection;
+
+  /// By argument index. An unset slot was never set, but the first one counts
+  /// as set from the start: empty and without a value.
+  std::vector<ArgSlot> argSlots;
   /// How many slots, from the first, are set without a gap.
   std::size_t recordedCount = 1;
 
-  /// Settings recorded so far, and how many of them each kernel has seen.
+  /// Settings recorded so far, and how many of them the kernel's own replay has
+  /// seen.
   std::uint32_t argSetCount = 0;
-  llvm::DenseMap<cl_kernel, std::uint32_t> argSyncCounts;
+  std::uint32_t argSyncCount = 0;
 };
 
 /// The recorded arguments, in order: the slots up to the first gap.
-inline auto recordedArguments(const KernelRecord &record) {
-  using Slots = std::vector<std::unique_ptr<ArgSlot>>::const_iterator;
-  using Iterator = llvm::pointee_iterator<Slots>;
-  const Slots first = record.argSlots.begin();
-  return llvm::make_range(
-      Iterator(first),
-      Iterator(first + static_cast<std::ptrdiff_t>(record.recordedCount)));
+inline llvm::ArrayRef<ArgSlot> recordedArguments(const KernelRecord &record) {
+  return {record.argSlots.data(), record.recordedCount};
 }
 
 } // namespace corvane

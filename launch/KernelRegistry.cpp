@@ -4,13 +4,11 @@
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
-#include "agent/MapGrowth.h"
 #include "agent/RuntimeTable.h"
 #include "launch/KernelRecord.h"
+#include "launch/MapOrder.h"
 #include "programs/KernelName.h"
 #include "programs/ProgramRecord.h"
-
-#include <utility>
 
 using namespace corvane;
 
@@ -18,10 +16,10 @@ using KernelTable = RecordTable<cl_kernel, KernelRecord>;
 
 // Null after a failure, which is reported.
 static cl_kernel createVariant(cl_program program,
-                               const llvm::TransformedKernelAgent &variant) {
+                               const std::string &kernelName) {
   cl_int status = CL_SUCCESS;
   cl_kernel kernel =
-      runtime().clCreateKernel(program, variant.kernelName().c_str(), &status);
+      runtime().clCreateKernel(program, kernelName.c_str(), &status);
   if (status != CL_SUCCESS) {
     reportClError(CallSite::CreateVariant, status);
     return nullptr;
@@ -31,22 +29,20 @@ static cl_kernel createVariant(cl_program program,
 
 // What needs memory comes first: a variant kernel that is not in the record
 // would never be released.
-static void addVariant(KernelRecord &record,
-                       const llvm::TransformedKernelAgent &variant) {
-  auto copy = std::make_unique<llvm::TransformedKernelAgent>(variant);
-  makeRoomForOne(record.variantKernels);
-  makeRoomForOne(record.argSyncCounts);
-  cl_kernel kernel = createVariant(record.program, variant);
-  if (!KernelTable::canBeKey(kernel))
-    return;
-  record.variantKernels.try_emplace(kernel, std::move(copy));
-  record.argSyncCounts.try_emplace(kernel, 0);
+static void createVariants(KernelRecord &record) {
+  record.variantKernels.reserve(record.prototype->variants.size());
+  for (const auto &variant : record.prototype->variants) {
+    cl_kernel kernel = createVariant(record.program, variant->kernelName);
+    if (KernelTable::canBeKey(kernel))
+      record.variantKernels.push_back({kernel, variant.get()});
+  }
+  putInMapOrder(record.variantKernels);
 }
 
 static void releaseVariants(const KernelRecord &record) {
-  for (const auto &variant : record.variantKernels)
-    if (variant.first)
-      (void)runtime().clReleaseKernel(variant.first);
+  for (const VariantKernel &variant : record.variantKernels)
+    if (variant.kernel)
+      (void)runtime().clReleaseKernel(variant.kernel);
 }
 
 namespace {
@@ -66,11 +62,11 @@ void corvane::registerKernel(AgentState &state, cl_program program,
 }
 
 void corvane::registerKernel(AgentState &state, cl_program program,
-                             cl_kernel kernel, std::string name) {
+                             cl_kernel kernel, llvm::StringRef name) {
   const ProgramRecord *programRecord = state.programs.find(program);
   if (!programRecord)
     return;
-  const KernelGroup *group = findGroup(*programRecord, name);
+  KernelGroup *group = findGroup(*programRecord, name);
   if (!group || !KernelTable::canBeKey(kernel)) {
     // Not one of the program's ordinary kernels: it has an entry, but a null
     // one.
@@ -79,9 +75,8 @@ void corvane::registerKernel(AgentState &state, cl_program program,
   }
 
   std::unique_ptr<KernelRecord, DropRecord> record(
-      new KernelRecord(program, kernel, std::move(name)));
-  for (const auto &variant : group->variants)
-    addVariant(*record, *variant);
+      new KernelRecord(program, kernel, prototypeOf(*group)));
+  createVariants(*record);
   state.kernels.makeRoom(kernel);
   state.kernels.append(kernel, std::unique_ptr<KernelRecord>(record.release()));
 }

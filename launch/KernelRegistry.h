@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include <CL/cl.h>
+#include "llvm/ADT/StringRef.h"
 
-#include <string>
+#include <CL/cl.h>
 
 namespace corvane {
 
@@ -18,7 +18,7 @@ void registerKernel(AgentState &state, cl_program program, cl_kernel kernel);
 
 /// The same for a kernel whose name the caller has read.
 void registerKernel(AgentState &state, cl_program program, cl_kernel kernel,
-                    std::string name);
+                    llvm::StringRef name);
 
 /// Forgets \p kernel, which the runtime has destroyed, and releases its
 /// variants. Does nothing for an unknown kernel. Hold the agent lock.

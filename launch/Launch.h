@@ -2,8 +2,11 @@
 
 #pragma once
 
+#include "agent/RuntimeTable.h"
+
 #include <CL/cl.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -23,11 +26,49 @@ struct Launch {
   cl_event *event; ///< null: not wanted
 };
 
-/// Hands \p launch to the runtime as it is and returns the runtime's status.
-cl_int enqueue(const Launch &launch);
+/// Hands \p launch to the runtime with another kernel and other sizes, and
+/// returns the runtime's status.
+inline cl_int enqueueAs(const Launch &launch, cl_kernel kernel,
+                        const std::size_t *globalSize,
+                        const std::size_t *localSize) {
+  return runtime().clEnqueueNDRangeKernel(launch.queue, kernel, launch.workDim,
+                                          launch.globalOffset, globalSize,
+                                          localSize, launch.numEventsInWaitList,
+                                          launch.eventWaitList, launch.event);
+}
+
+/// The same as it is.
+inline cl_int enqueue(const Launch &launch) {
+  return enqueueAs(launch, launch.kernel, launch.globalSize, launch.localSize);
+}
 
 /// One entry a dimension; what lies beyond the launch's dimensions is zero.
 using Sizes = std::array<std::size_t, 3>;
+
+/// Copies the sizes of a launch, of which there are at most three. That bound
+/// makes of it a few moves rather than a call.
+inline void copySizes(cl_uint workDim, const std::size_t *from, Sizes &to) {
+  for (cl_uint d = 0; d < std::min(workDim, 3U); ++d)
+    to[d] = from[d];
+}
+
+/// The dimensions and sizes of a launch, as far as variants look at them.
+struct LaunchSizes {
+  cl_uint workDim = 0;
+  Sizes global{};
+  Sizes local{};
+};
+
+/// The ND range with which a variant is launched.
+struct VariantRange {
+  Sizes global{};
+  Sizes local{};
+
+  /// Null when the runtime is to choose.
+  const std::size_t *localSize() const {
+    return local[0] != 0 ? local.data() : nullptr;
+  }
+};
 
 /// The hidden last argument of some variants: how many work-groups the
 /// application asked for in each dimension, zero where it is not known.
@@ -39,12 +80,43 @@ static_assert(sizeof(GroupCountArgument) == 16, "variants declare 16 bytes");
 
 /// Whether the sizes can be computed with: one to three dimensions, a global
 /// size, and no local size of zero.
-bool isRegular(const Launch &launch);
+inline bool isRegular(const Launch &launch) {
+  if (launch.workDim < 1 || launch.workDim > 3 || !launch.globalSize)
+    return false;
+  if (launch.localSize)
+    for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+      if (launch.localSize[d] == 0)
+        return false;
+  return true;
+}
 
 /// The local size of a regular launch; zeros when it has none.
-Sizes localCopy(const Launch &launch);
+inline Sizes localCopy(const Launch &launch) {
+  Sizes sizes{};
+  if (launch.localSize)
+    copySizes(launch.workDim, launch.localSize, sizes);
+  return sizes;
+}
+
+/// Whether a regular launch has these sizes.
+inline bool hasSizes(const Launch &launch, const LaunchSizes &sizes) {
+  if (launch.workDim != sizes.workDim)
+    return false;
+  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+    if (launch.globalSize[d] != sizes.global[d] ||
+        (launch.localSize ? launch.localSize[d] : 0) != sizes.local[d])
+      return false;
+  return true;
+}
 
 /// The work-groups of a regular launch; zeros when it has no local size.
-GroupCountArgument groupCounts(const Launch &launch);
+inline GroupCountArgument groupCounts(const Launch &launch) {
+  GroupCountArgument argument;
+  if (launch.localSize)
+    for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+      argument.groups[d] = static_cast<std::uint32_t>(launch.globalSize[d] /
+                                                      launch.localSize[d]);
+  return argument;
+}
 
 } // namespace corvane

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace corvane;
@@ -45,8 +44,8 @@ public:
   Handover &operator=(const Handover &) = delete;
 
   /// Registers the front kernel and takes it over.
-  void add(CreatedKernels &created, std::string name) {
-    registerKernel(state, program, created.front(), std::move(name));
+  void add(CreatedKernels &created, llvm::StringRef name) {
+    registerKernel(state, program, created.front(), name);
     kernels.push_back(created.takeFront());
   }
 
@@ -79,11 +78,11 @@ static cl_uint keepOrdinary(AgentState &state, cl_program program,
       (void)created.takeFront();
       continue;
     }
-    std::string name = readKernelName(created.front());
+    const std::string name = readKernelName(created.front());
     if (variantOf(name))
       (void)created.releaseFront();
     else
-      ordinary.add(created, std::move(name));
+      ordinary.add(created, name);
   }
   return ordinary.handOver(kernels);
 }

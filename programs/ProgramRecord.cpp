@@ -61,6 +61,7 @@ public:
       group = &addGroup(record, kernel.variant->baseName);
     grown.emplace_back(group, group->variants.size());
     group->variants.push_back(std::move(kernel.variant));
+    group->prototype = nullptr;
   }
   void keep() { complete = true; }
 
@@ -101,6 +102,20 @@ KernelGroup *corvane::findGroup(const ProgramRecord &record,
                                 llvm::StringRef name) {
   const auto found = record.groupsByName.find(name);
   return found == record.groupsByName.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<const KernelPrototype>
+corvane::prototypeOf(KernelGroup &group) {
+  if (group.prototype)
+    return group.prototype;
+  auto prototype = std::make_shared<KernelPrototype>();
+  prototype->name = group.name;
+  prototype->variants.reserve(group.variants.size());
+  for (const auto &variant : group.variants)
+    prototype->variants.push_back(
+        std::make_unique<const KernelPrototype::Variant>(*variant));
+  group.prototype = std::move(prototype);
+  return group.prototype;
 }
 
 void corvane::dropProgramReference(AgentState &state, cl_program program) {

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "programs/KernelPrototype.h"
 #include "variants/TransformedKernel.h"
 
 #include "llvm/ADT/StringRef.h"
@@ -25,6 +26,8 @@ struct KernelGroup {
   std::string name;             ///< of the kernel; a variant's base name
   /// In the runtime's order of kernels.
   std::vector<std::unique_ptr<llvm::TransformedKernelAgent>> variants;
+  /// Null until it is asked for, and again after a change of the variants.
+  std::shared_ptr<const KernelPrototype> prototype;
 };
 
 /// A program that was built or linked while the agent watched.
@@ -63,6 +66,10 @@ void addKernels(AgentState &state, cl_program program,
 
 /// The oldest group called \p name; null when there is none.
 KernelGroup *findGroup(const ProgramRecord &record, llvm::StringRef name);
+
+/// What the group's kernels have in common, with copies of its variants. An
+/// exception leaves the group as it was. Hold the agent lock.
+std::shared_ptr<const KernelPrototype> prototypeOf(KernelGroup &group);
 
 /// Takes one reference from the record of \p program, if there is one, and
 /// forgets it with the last. Hold the agent lock.

@@ -72,8 +72,8 @@ protected:
   void use(cl_int value) {
     const std::array<unsigned char, 64> bytes{};
     set(0, sizeof value, &value);
-    set(1, 16, bytes.data());
-    set(2, 8, bytes.data());
+    set(1, 24, bytes.data());
+    set(2, 64, bytes.data());
     set(3, 1024, nullptr);
     for (const std::size_t global : {1024, 1023})
       EXPECT_EQ(app.cl.clEnqueueNDRangeKernel(nullptr, kernel, 1, nullptr,

@@ -152,3 +152,33 @@ TEST(LaunchSelection, PassesNonsenseThroughAndReportsTheRuntimesAnswer) {
   EXPECT_EQ(app.launch(nullptr, {16}), CL_INVALID_KERNEL);
   EXPECT_EQ(errors.text(), "QrlAgent:: 910: CL Error: CL_INVALID_KERNEL\n");
 }
+
+TEST(LaunchSelection, FollowsTheSizesOfEachLaunch) {
+  Application app;
+  app.program.kernel("k").kernel("k_coarsed_g0S4");
+  cl_kernel kernel = app.create("k");
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {15}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {32}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {32}, {3}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {32, 1}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(),
+              testing::ElementsAre(plainLaunch("k_coarsed_g0S4", "[4]"),
+                                   plainLaunch("k_coarsed_g0S4", "[4]"),
+                                   plainLaunch("k", "[15]"),
+                                   plainLaunch("k_coarsed_g0S4", "[8]"),
+                                   plainLaunch("k", "[32]", "[3]"),
+                                   plainLaunch("k_coarsed_g0S4", "[8, 1]")));
+}
+
+TEST(LaunchSelection, FollowsTheDimensionsOfEachLaunch) {
+  Application app;
+  app.program.kernel("k").kernel("k_coarsed_g1S2");
+  cl_kernel kernel = app.create("k");
+  EXPECT_EQ(app.launch(kernel, {16, 4}), CL_SUCCESS);
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(),
+              testing::ElementsAre(plainLaunch("k_coarsed_g1S2", "[16, 2]"),
+                                   plainLaunch("k", "[16]")));
+}

@@ -83,3 +83,17 @@ TEST(QuietCalls, AVariantThatIsUpToDateCostsTwoQueries) {
                   "4, &, null)",
                   plainLaunch("k_coarsed_g0S4", "[4]")));
 }
+
+TEST(QuietCalls, AVariantGetsEachArgumentOnceHoweverOftenItWasSet) {
+  Application app;
+  app.program.kernel("k", 2).kernel("k_coarsed_g0S4", 2);
+  cl_kernel kernel = app.create("k");
+  app.set(kernel, 1, cl_char{9});
+  for (cl_char value = 1; value != 4; ++value)
+    app.set(kernel, 0, value);
+  app.runtime.forgetTranscript();
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.runtime.transcript({"clSetKernelArg"}),
+              ElementsAre("clSetKernelArg(kernel k_coarsed_g0S4, 0, 1, 03)",
+                          "clSetKernelArg(kernel k_coarsed_g0S4, 1, 1, 09)"));
+}

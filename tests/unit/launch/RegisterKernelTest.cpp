@@ -28,7 +28,7 @@ TEST_F(RegisterKernel, KeepsARecordWithoutVariantsOfAKernelThatHasNone) {
   EXPECT_EQ(state.kernels.size(), 1U);
   const KernelRecord *record = state.kernels.find(kernel);
   ASSERT_NE(record, nullptr);
-  EXPECT_EQ(record->name, "k");
+  EXPECT_EQ(record->name(), "k");
   EXPECT_TRUE(record->variantKernels.empty());
 }
 
