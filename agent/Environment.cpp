@@ -29,15 +29,21 @@ int corvane::setEnv(const char *name, const char *value, int overwrite) {
 
 void corvane::unsetEnv(const char *name) { platform::removeVariable(name); }
 
+static bool haveOneValue(const char *name, const char *other) {
+  const char *value = lookUp(name);
+  const char *otherValue = lookUp(other);
+  return value && otherValue && std::strcmp(value, otherValue) == 0;
+}
+
 // Without memory for the new place the variable stays in the old one: the value
-// is the application's, and there is no other copy of it.
+// is the application's, and there is no other copy of it. Both are looked up
+// again, because some C runtimes move all values when one is assigned.
 static void moveVariable(const char *from, const char *to) {
   const char *value = lookUp(from);
   if (!value)
     return;
   setEnv(to, value, 1);
-  const char *moved = lookUp(to);
-  if (moved && std::strcmp(moved, value) == 0)
+  if (haveOneValue(from, to))
     unsetEnv(from);
 }
 
