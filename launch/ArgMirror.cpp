@@ -9,6 +9,7 @@ using namespace corvane;
 
 void detail::makeSlot(KernelRecord &record, cl_uint index) {
   record.argSlots.resize(std::size_t{index} + 1);
+  record.argSlots.front().index = 0;
 }
 
 void detail::recordFirstSetting(KernelRecord &record, cl_uint index,

@@ -6,7 +6,4 @@ using namespace corvane;
 
 KernelRecord::KernelRecord(cl_program fromProgram, cl_kernel ofKernel,
                            std::shared_ptr<const KernelPrototype> ofItsKind)
-    : program(fromProgram), kernel(ofKernel), prototype(std::move(ofItsKind)) {
-  argSlots.emplace_back();
-  argSlots.front().index = 0;
-}
+    : program(fromProgram), kernel(ofKernel), prototype(std::move(ofItsKind)) {}

@@ -55,8 +55,9 @@ struct KernelRecord {
   /// That of the last launch: most programs repeat one.
   Selection selection;
 
-  /// By argument index. An unset slot was never set, but the first one counts
-  /// as set from the start: empty and without a value.
+  /// By argument index; made when an argument is set. An unset slot was never
+  /// set, but the first one counts as set from the start: empty and without a
+  /// value.
   std::vector<ArgSlot> argSlots;
   /// How many slots, from the first, are set without a gap.
   std::size_t recordedCount = 1;
@@ -69,6 +70,8 @@ struct KernelRecord {
 
 /// The recorded arguments, in order: the slots up to the first gap.
 inline llvm::ArrayRef<ArgSlot> recordedArguments(const KernelRecord &record) {
+  if (record.argSlots.empty())
+    return ArgSlot::emptyFirst;
   return {record.argSlots.data(), record.recordedCount};
 }
 

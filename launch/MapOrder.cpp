@@ -1,4 +1,4 @@
-// Lets LLVM's own maps find the order, for it is theirs.
+// Finds the order of LLVM's map, without the map where that can be done.
 
 #include "launch/MapOrder.h"
 
@@ -6,42 +6,49 @@
 
 #include "llvm/ADT/DenseMap.h"
 
+#include <algorithm>
+#include <cstdint>
+
 using namespace corvane;
 
 // What a map begins with, and how many entries let it grow.
 static constexpr unsigned firstBuckets = 64;
 static constexpr std::size_t tooManyForThem = 48;
 
-template <typename Map>
-static void readBack(const Map &map, std::vector<VariantKernel> &variants) {
+static unsigned firstBucketOf(const VariantKernel &variant) {
+  return llvm::DenseMapInfo<cl_kernel>::getHashValue(variant.kernel) %
+         firstBuckets;
+}
+
+static bool haveBucketsOfTheirOwn(const std::vector<VariantKernel> &variants) {
+  std::uint64_t taken = 0;
+  for (const VariantKernel &variant : variants) {
+    const std::uint64_t bucket = std::uint64_t{1} << firstBucketOf(variant);
+    if (taken & bucket)
+      return false;
+    taken |= bucket;
+  }
+  return variants.size() < tooManyForThem;
+}
+
+static void putThroughMap(std::vector<VariantKernel> &variants) {
+  llvm::DenseMap<cl_kernel, VariantKernel> map;
+  for (const VariantKernel &variant : variants) {
+    makeRoomForOne(map);
+    map.try_emplace(variant.kernel, variant);
+  }
   auto next = variants.begin();
   for (const auto &entry : map)
     *next++ = entry.second;
   variants.erase(next, variants.end());
 }
 
-static void orderThroughGrowingMap(std::vector<VariantKernel> &variants) {
-  llvm::DenseMap<cl_kernel, VariantKernel> map;
-  for (const VariantKernel &variant : variants) {
-    makeRoomForOne(map);
-    map.try_emplace(variant.kernel, variant);
-  }
-  readBack(map, variants);
-}
-
-// A map that begins on the stack has the order of one that begins elsewhere.
-static void orderThroughSmallMap(std::vector<VariantKernel> &variants) {
-  llvm::SmallDenseMap<cl_kernel, VariantKernel, firstBuckets> map;
-  for (const VariantKernel &variant : variants)
-    map.try_emplace(variant.kernel, variant);
-  readBack(map, variants);
-}
-
+// In a map that need not grow, what nobody else wants a bucket of lies in it.
 void corvane::putInMapOrder(std::vector<VariantKernel> &variants) {
-  if (variants.size() < 2)
-    return;
-  if (variants.size() < tooManyForThem)
-    orderThroughSmallMap(variants);
-  else
-    orderThroughGrowingMap(variants);
+  if (!haveBucketsOfTheirOwn(variants))
+    return putThroughMap(variants);
+  std::sort(variants.begin(), variants.end(),
+            [](const VariantKernel &a, const VariantKernel &b) {
+              return firstBucketOf(a) < firstBucketOf(b);
+            });
 }

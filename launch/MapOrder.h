@@ -12,7 +12,7 @@ namespace corvane {
 /// hash map of their handles. No variant has a rank; programs have always got
 /// this order, which stays the same for one kernel object. Of variants with one
 /// handle, null above all, the first one stays. An exception leaves all as it
-/// was; fewer than 48 variants need no memory.
+/// was.
 void putInMapOrder(std::vector<VariantKernel> &variants);
 
 } // namespace corvane

@@ -5,16 +5,15 @@
 #include "agent/Environment.h"
 #include "tests/behaviour/Calls.h"
 
-#include "gmock/gmock.h"
 #include "gtest/gtest.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <regex>
 
 using namespace corvane;
 using namespace corvane::test;
-using testing::MatchesRegex;
 
 // out[i] += in[i] + number + the first byte of the structure
 static void sum(const Launch &launch) {
@@ -96,7 +95,9 @@ void Story::expectKernels(std::size_t count, const std::string &names) const {
   if (names == allNames && (!loaded || !tunes || directoryHidden))
     return;
   const std::string one = namesKnown ? "sum;plain" : "(sum|plain|;)*";
-  EXPECT_THAT(names, MatchesRegex(one + "(;" + one + ")*"));
+  // The standard library's: GoogleTest's own knows no groups on Windows.
+  const std::regex builds(one + "(;" + one + ")*");
+  EXPECT_TRUE(std::regex_match(names, builds)) << names;
 }
 
 void Story::askForKernels(cl_program program) {
