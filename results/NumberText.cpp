@@ -40,9 +40,9 @@ static bool makeUsualText(double value, GeneralText &text) {
   if (!(value >= 0.001 && value < 999999.0))
     return false;
   std::size_t decimals = 5;
-  for (double limit = 10.0; value >= limit; limit *= 10.0)
+  for (std::size_t power = 1; value >= powersOfTen[power]; ++power)
     --decimals;
-  for (double limit = 1.0; value < limit; limit /= 10.0)
+  for (std::size_t power = 0; value * powersOfTen[power] < 1.0; ++power)
     ++decimals;
   const double scaled = value * powersOfTen[decimals];
   auto digits = static_cast<std::uint32_t>(scaled);
