@@ -7,13 +7,17 @@ using namespace corvane;
 DispatchTable detail::savedTable;
 
 template <typename Entry>
-static void replaceIfChanged(Entry &saved, Entry given) {
-  if (saved != given)
-    saved = given;
+static void writeIfChanged(Entry &entry, Entry wanted) {
+  if (entry != wanted)
+    entry = wanted;
+}
+
+void corvane::writeChangedEntries(DispatchTable &table,
+                                  const DispatchTable &wanted) {
+#define ENTRY(index, name) writeIfChanged(table.name, wanted.name);
+#include "agent/DispatchEntries.def"
 }
 
 void corvane::saveRuntimeTable(const DispatchTable &table) {
-#define ENTRY(index, name)                                                     \
-  replaceIfChanged(detail::savedTable.name, table.name);
-#include "agent/DispatchEntries.def"
+  writeChangedEntries(detail::savedTable, table);
 }

@@ -18,9 +18,11 @@ extern DispatchTable savedTable;
 inline const DispatchTable &runtime() { return detail::savedTable; }
 
 /// Saves \p table as the runtime's. Hold the agent lock.
-///
-/// Entries that keep their value are not written again, so a second load with
-/// hooks at work does not disturb them.
 void saveRuntimeTable(const DispatchTable &table);
+
+/// Makes \p table the same as \p wanted. Entries that keep their value are not
+/// written again, so a second load does not disturb threads that are calling
+/// through the table.
+void writeChangedEntries(DispatchTable &table, const DispatchTable &wanted);
 
 } // namespace corvane

@@ -8,8 +8,8 @@
 
 using namespace corvane;
 
-// What the runtime got from us. Not changed while a runtime may call through
-// it: a second load writes the same hooks again.
+// What the runtime got from us. It may call through it where it is, so a second
+// load leaves every entry alone that is right already.
 static DispatchTable installedTable;
 
 // Calls visit(entry, hook) for each of the thirteen.
@@ -56,6 +56,6 @@ cl_int corvane::installHooks(AgentOperations &agent) {
     return status;
 
   saveRuntimeTable(withoutOurHooks(given));
-  installedTable = withOurHooks(runtime());
+  writeChangedEntries(installedTable, withOurHooks(runtime()));
   return agent.setICDDispatchTable(&agent, &installedTable, dispatchTableSize);
 }
