@@ -1,0 +1,39 @@
+// What can be asked of the loose runtime's events.
+
+#include "tests/support/loose/Answer.h"
+#include "tests/support/loose/Entries.h"
+#include "tests/support/loose/Objects.h"
+
+#include <thread>
+
+using namespace corvane;
+using namespace corvane::test::loose;
+
+static cl_int CL_API_CALL setCallback(cl_event event, cl_int,
+                                      EventCallback callback, void *userData) {
+  objectOf(event)->whenComplete(callback, userData);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL tellTimes(cl_event handle, cl_profiling_info what,
+                                    size_t room, void *value, size_t *size) {
+  const Event &event = *objectOf(handle);
+  if (!event.isOver())
+    return CL_PROFILING_INFO_NOT_AVAILABLE;
+  const Wanted wanted{room, value, size};
+  return wanted.give(what == CL_PROFILING_COMMAND_START ? event.started
+                                                        : event.ended);
+}
+
+static cl_int CL_API_CALL wait(cl_uint count, const cl_event *events) {
+  for (cl_uint i = 0; i != count; ++i)
+    while (!objectOf(events[i])->isOver())
+      std::this_thread::yield();
+  return CL_SUCCESS;
+}
+
+void corvane::test::loose::addEvents(DispatchTable &table) {
+  table.clSetEventCallback = setCallback;
+  table.clGetEventProfilingInfo = tellTimes;
+  table.clWaitForEvents = wait;
+}

@@ -1,0 +1,53 @@
+// A list that any thread may add to without a lock.
+
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+#include <vector>
+
+namespace corvane::test::loose {
+
+/// Whoever adds comes before whoever takes, but not before others that add:
+/// two threads that only add stay without an order.
+template <typename Value> class Inbox {
+public:
+  Inbox() = default;
+  ~Inbox() { take(); }
+  Inbox(const Inbox &) = delete;
+  Inbox &operator=(const Inbox &) = delete;
+
+  void add(Value value) {
+    Node *node = new Node{std::move(value), newest.load(order::relaxed)};
+    while (!newest.compare_exchange_weak(node->older, node, order::release,
+                                         order::relaxed)) {
+    }
+  }
+
+  /// Empties the list, which is returned oldest first.
+  std::vector<Value> take() {
+    std::vector<Value> values;
+    Node *node = newest.exchange(nullptr, order::acquire);
+    while (node) {
+      values.push_back(std::move(node->value));
+      delete std::exchange(node, node->older);
+    }
+    std::reverse(values.begin(), values.end());
+    return values;
+  }
+
+private:
+  struct order {
+    static constexpr auto relaxed = std::memory_order_relaxed;
+    static constexpr auto release = std::memory_order_release;
+    static constexpr auto acquire = std::memory_order_acquire;
+  };
+  struct Node {
+    Value value;
+    Node *older;
+  };
+  std::atomic<Node *> newest{nullptr};
+};
+
+} // namespace corvane::test::loose

@@ -1,0 +1,90 @@
+// What every object of the loose runtime has: two counts and a board.
+
+#pragma once
+
+#include "tests/support/loose/Board.h"
+
+#include <CL/cl.h>
+
+#include <atomic>
+#include <utility>
+
+namespace corvane::test::loose {
+
+/// Lives as long as the application or a command needs it. Counting puts no
+/// order between threads, but for the end, which comes after every other use.
+class Object {
+public:
+  Object(Board &ofBoard, Kind ofKind) : board(ofBoard), kind(ofKind) {
+    board.count(kind, 1);
+  }
+  Object(const Object &) = delete;
+  Object &operator=(const Object &) = delete;
+
+  /// The application's references; they hold the object together.
+  void retain() { references.fetch_add(1, std::memory_order_relaxed); }
+  void release() {
+    const unsigned before = references.fetch_sub(1, std::memory_order_relaxed);
+    if (before == 0)
+      board.blame("an object was released too often");
+    if (before == 1)
+      letGo();
+  }
+  cl_uint referenceCount() const {
+    return references.load(std::memory_order_relaxed);
+  }
+
+  void hold() { holders.fetch_add(1, std::memory_order_relaxed); }
+  void letGo() {
+    if (holders.fetch_sub(1, std::memory_order_release) != 1)
+      return;
+    // Behind the last use of all other threads. A load, because the thread
+    // sanitizer does not know fences.
+    (void)holders.load(std::memory_order_acquire);
+    end();
+    board.count(kind, -1);
+    delete this;
+  }
+
+  Board &board;
+
+protected:
+  virtual ~Object() = default;
+
+  /// What has to be done while the handle is still the object's.
+  virtual void end() {}
+
+private:
+  const Kind kind;
+  std::atomic<unsigned> references{1};
+  std::atomic<unsigned> holders{1};
+};
+
+/// Holds an object, or nothing.
+template <typename Type> class Ref {
+public:
+  Ref() = default;
+  explicit Ref(Type *held) : object(held) {
+    if (object)
+      object->hold();
+  }
+  Ref(const Ref &other) : Ref(other.object) {}
+  Ref(Ref &&other) noexcept : object(std::exchange(other.object, nullptr)) {}
+  Ref &operator=(Ref other) noexcept {
+    std::swap(object, other.object);
+    return *this;
+  }
+  ~Ref() {
+    if (object)
+      object->letGo();
+  }
+
+  Type *operator->() const { return object; }
+  Type &operator*() const { return *object; }
+  explicit operator bool() const { return object != nullptr; }
+
+private:
+  Type *object = nullptr;
+};
+
+} // namespace corvane::test::loose

@@ -1,0 +1,129 @@
+// The loose runtime's objects. A handle is the address of its object.
+
+#pragma once
+
+#include "tests/support/loose/Object.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvane::test::loose {
+
+/// A kernel as its program declares it. Its arguments are buffers, then a
+/// number of 4 bytes; some variants have 16 hidden bytes more.
+struct KernelType {
+  const char *name;
+  const char *base;
+  const char *version; ///< "baseline": the kernel itself
+  unsigned buffers = 1;
+  unsigned factor =
+      1; ///< how many work-items in one, along the first dimension
+  bool shrinksLocal = false; ///< whether work-groups get smaller, too
+  bool hidden = false;
+
+  bool isVariant() const { return factor != 1; }
+  cl_uint arguments() const { return buffers + 1 + (hidden ? 1 : 0); }
+};
+
+struct Source {
+  std::vector<KernelType> kernels;
+  const char *log; ///< of every build
+};
+/// By name: "main", "own", "spilling", "linked".
+const Source &sourceCalled(const std::string &name);
+
+struct Context : Object {
+  explicit Context(Board &ofBoard) : Object(ofBoard, Kind::Context) {}
+};
+
+struct Queue : Object {
+  Queue(Board &ofBoard, cl_command_queue_properties with)
+      : Object(ofBoard, Kind::Queue), properties(with) {}
+  const cl_command_queue_properties properties;
+};
+
+struct Program : Object {
+  Program(Board &ofBoard, const Source &of)
+      : Object(ofBoard, Kind::Program), source(of) {}
+  const Source &source;
+};
+
+struct Argument {
+  std::size_t size = 0; ///< 0: never set
+  std::array<unsigned char, 16> bytes{};
+};
+
+struct Kernel : Object {
+  Kernel(Program &of, const KernelType &declared)
+      : Object(of.board, Kind::Kernel), program(&of), type(declared) {}
+  const Ref<Program> program;
+  const KernelType &type;
+  std::array<Argument, 4> arguments; ///< a plain place, as runtimes have it
+};
+
+using Words = std::vector<std::uint32_t>;
+
+/// Knows what it should hold: what the application's own kernels made of it.
+struct Buffer : Object {
+  Buffer(Board &ofBoard, std::size_t size)
+      : Object(ofBoard, Kind::Buffer), words(size / 4), truth(size / 4) {}
+  Words words;
+  Words truth;
+  std::vector<std::pair<void(CL_CALLBACK *)(cl_mem, void *), void *>>
+      destructors;
+
+  void expectTruth() {
+    if (words != truth)
+      board.blame("a buffer was spoiled");
+  }
+
+private:
+  void end() override;
+};
+
+using EventCallback = void(CL_CALLBACK *)(cl_event, cl_int, void *);
+
+struct Event : Object {
+  explicit Event(Board &ofBoard) : Object(ofBoard, Kind::Event) {}
+
+  bool isOver() const {
+    return status.load(std::memory_order_acquire) == CL_COMPLETE;
+  }
+  void complete();
+  void whenComplete(EventCallback callback, void *userData);
+
+  std::atomic<cl_int> status{CL_QUEUED};
+  cl_ulong started = 0; ///< nanoseconds
+  cl_ulong ended = 0;
+  std::string row; ///< of a run, if somebody wants to know
+
+private:
+  struct Waiting;
+  /// Null, a list, or closed, once the event is over.
+  std::atomic<Waiting *> waiting{nullptr};
+  void call(EventCallback callback, void *userData);
+};
+
+template <typename Handle> struct ObjectOf;
+#define OBJECT(HANDLE, TYPE)                                                   \
+  template <> struct ObjectOf<HANDLE> { using Type = TYPE; };
+OBJECT(cl_context, Context)
+OBJECT(cl_command_queue, Queue)
+OBJECT(cl_program, Program)
+OBJECT(cl_kernel, Kernel)
+OBJECT(cl_mem, Buffer)
+OBJECT(cl_event, Event)
+#undef OBJECT
+
+template <typename Handle> auto *objectOf(Handle handle) {
+  return reinterpret_cast<typename ObjectOf<Handle>::Type *>(handle);
+}
+template <typename Handle>
+Handle handleOf(typename ObjectOf<Handle>::Type *object) {
+  return reinterpret_cast<Handle>(object);
+}
+
+} // namespace corvane::test::loose

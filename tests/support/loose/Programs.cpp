@@ -1,0 +1,82 @@
+// Programs of the loose runtime, whose sources are names.
+
+#include "tests/support/loose/Answer.h"
+#include "tests/support/loose/Entries.h"
+#include "tests/support/loose/Objects.h"
+
+#include <string>
+
+using namespace corvane;
+using namespace corvane::test::loose;
+
+static cl_program CL_API_CALL createProgram(cl_context context, cl_uint,
+                                            const char **strings,
+                                            const size_t *, cl_int *status) {
+  *status = CL_SUCCESS;
+  return handleOf<cl_program>(
+      new Program(objectOf(context)->board, sourceCalled(strings[0])));
+}
+
+static cl_int CL_API_CALL build(cl_program, cl_uint, const cl_device_id *,
+                                const char *,
+                                void(CL_CALLBACK *)(cl_program, void *),
+                                void *) {
+  return CL_SUCCESS;
+}
+
+static cl_program CL_API_CALL link(cl_context context, cl_uint,
+                                   const cl_device_id *, const char *, cl_uint,
+                                   const cl_program *,
+                                   void(CL_CALLBACK *)(cl_program, void *),
+                                   void *, cl_int *status) {
+  if (status)
+    *status = CL_SUCCESS;
+  return handleOf<cl_program>(
+      new Program(objectOf(context)->board, sourceCalled("linked")));
+}
+
+static std::string namesOf(const Program &program) {
+  std::string names;
+  for (const KernelType &kernel : program.source.kernels)
+    names += (names.empty() ? "" : ";") + std::string(kernel.name);
+  return names;
+}
+
+static cl_device_id theDevice() {
+  static int place;
+  return reinterpret_cast<cl_device_id>(&place);
+}
+
+static cl_int CL_API_CALL tell(cl_program handle, cl_program_info what,
+                               size_t room, void *value, size_t *size) {
+  const Program &program = *objectOf(handle);
+  const Wanted wanted{room, value, size};
+  switch (what) {
+  case CL_PROGRAM_NUM_DEVICES:
+    return wanted.give(cl_uint{1});
+  case CL_PROGRAM_DEVICES:
+    return wanted.give(theDevice());
+  case CL_PROGRAM_NUM_KERNELS:
+    return wanted.give(program.source.kernels.size());
+  case CL_PROGRAM_KERNEL_NAMES:
+    return wanted.giveText(namesOf(program).c_str());
+  default:
+    return CL_INVALID_VALUE;
+  }
+}
+
+static cl_int CL_API_CALL tellOfBuild(cl_program program, cl_device_id,
+                                      cl_program_build_info what, size_t room,
+                                      void *value, size_t *size) {
+  if (what != CL_PROGRAM_BUILD_LOG)
+    return CL_INVALID_VALUE;
+  return Wanted{room, value, size}.giveText(objectOf(program)->source.log);
+}
+
+void corvane::test::loose::addPrograms(DispatchTable &table) {
+  table.clCreateProgramWithSource = createProgram;
+  table.clBuildProgram = build;
+  table.clLinkProgram = link;
+  table.clGetProgramInfo = tell;
+  table.clGetProgramBuildInfo = tellOfBuild;
+}
