@@ -1,0 +1,46 @@
+// The rows of a raw timing log, held against what really ran.
+
+#include "tests/races/WrittenRows.h"
+
+#include "gtest/gtest.h"
+
+#include <set>
+#include <sstream>
+
+using namespace corvane::test;
+
+static const char *const header =
+    "kernel,x_global,y_global,z_global,x_local,y_local,z_local,coarsed_kernel,"
+    "time";
+
+// Every run has a time of its own, so that every row is another one.
+static std::set<std::string> rowsOf(const std::vector<loose::ToldRun> &told) {
+  std::set<std::string> rows;
+  for (const loose::ToldRun &run : told) {
+    EXPECT_TRUE(rows.insert(run.row).second) << "told twice: " << run.row;
+  }
+  return rows;
+}
+
+std::size_t corvane::test::expectRows(const std::string &log,
+                                      const std::vector<loose::ToldRun> &told,
+                                      bool someAreLost) {
+  EXPECT_FALSE(log.empty());
+  EXPECT_EQ(log.back(), '\n') << "the last row is torn";
+  std::istringstream lines(log);
+  std::string line;
+  std::getline(lines, line);
+  EXPECT_EQ(line, header);
+
+  const std::set<std::string> runs = rowsOf(told);
+  std::set<std::string> written;
+  while (std::getline(lines, line)) {
+    EXPECT_EQ(runs.count(line), 1U) << "nobody ran this: " << line;
+    EXPECT_TRUE(written.insert(line).second) << "written twice: " << line;
+  }
+  for (const loose::ToldRun &run : told)
+    if (run.beforeFlush && !someAreLost) {
+      EXPECT_EQ(written.count(run.row), 1U) << "no row for " << run.row;
+    }
+  return written.size();
+}
