@@ -184,6 +184,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
   std::vector<Candidate> candidates;
   if (shadow.isComplete())
     candidates = findCandidates();
+  timings->timings.reserve(candidates.size() + 1);
   list();
 
   unsigned tested = 0;
