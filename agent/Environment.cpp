@@ -5,9 +5,16 @@
 
 #include "agent/platform/Platform.h"
 
+#include <atomic>
 #include <cstring>
+#include <thread>
 
 using namespace corvane;
+
+// A leaf lock: held while variables are moved, and by those who look meanwhile.
+static std::mutex movingLock;
+/// Whether the value of CORVANE_AUTOTUNE is where we have parked it.
+static std::atomic<bool> isParked{false};
 
 const char *corvane::autotuneDir() { return lookUp(variable::autotune); }
 
@@ -16,6 +23,7 @@ const char *corvane::installLocation() {
 }
 
 bool corvane::flushOnReleaseContext() {
+  const EnvironmentLook look;
   const char *value = lookUp(variable::flushOnReleaseContext);
   return value && *value != '\0';
 }
@@ -37,20 +45,42 @@ static bool haveOneValue(const char *name, const char *other) {
 
 // Without memory for the new place the variable stays in the old one: the value
 // is the application's, and there is no other copy of it. Both are looked up
-// again, because some C runtimes move all values when one is assigned.
-static void moveVariable(const char *from, const char *to) {
+// again, because some C runtimes move all values when one is assigned. Returns
+// whether it was moved.
+static bool moveVariable(const char *from, const char *to) {
   const char *value = lookUp(from);
   if (!value)
-    return;
+    return false;
   setEnv(to, value, 1);
-  if (haveOneValue(from, to))
-    unsetEnv(from);
+  if (!haveOneValue(from, to))
+    return false;
+  unsetEnv(from);
+  return true;
 }
 
 void corvane::hideAutotune() {
-  moveVariable(variable::autotune, variable::autotuneShadow);
+  const std::lock_guard<std::mutex> guard(movingLock);
+  if (moveVariable(variable::autotune, variable::autotuneShadow))
+    isParked = true;
 }
 
 void corvane::restoreAutotune() {
-  moveVariable(variable::autotuneShadow, variable::autotune);
+  const std::lock_guard<std::mutex> guard(movingLock);
+  if (moveVariable(variable::autotuneShadow, variable::autotune))
+    isParked = false;
+}
+
+// Whoever holds the lock is only moving a variable, unless the end of the
+// process has stopped it in the middle.
+EnvironmentLook::EnvironmentLook() : guard(movingLock, std::try_to_lock) {
+  for (int tries = 0; !guard.owns_lock() && tries < 1000; ++tries) {
+    std::this_thread::yield();
+    (void)guard.try_lock();
+  }
+}
+
+const char *corvane::resultsDir() {
+  if (const char *directory = autotuneDir())
+    return directory;
+  return isParked ? lookUp(variable::autotuneShadow) : nullptr;
 }

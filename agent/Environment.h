@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <mutex>
 
 namespace corvane {
 
@@ -30,6 +31,7 @@ const char *installLocation(); ///< where the report finds its scripts
 inline const char *dumpLogPath() { return lookUp(variable::dumpLog); }
 
 /// Whether the release of a context ends with a flush: defined and not empty.
+/// Any thread.
 bool flushOnReleaseContext();
 
 /// Defines \p name. Returns -1 and changes nothing if it is defined already and
@@ -43,5 +45,22 @@ void unsetEnv(const char *name);
 /// see it, and brings it back. Not nested. Hold the agent lock.
 void hideAutotune();
 void restoreAutotune();
+
+/// Keeps the agent from moving variables on another thread: for whoever looks
+/// without the agent lock, as long as the value is used. Waits for a moment at
+/// most, for the process may be ending.
+class EnvironmentLook {
+public:
+  EnvironmentLook();
+  EnvironmentLook(const EnvironmentLook &) = delete;
+  EnvironmentLook &operator=(const EnvironmentLook &) = delete;
+
+private:
+  std::unique_lock<std::mutex> guard;
+};
+
+/// Where autotuning results go, also while the variable is parked; null when
+/// it is not defined. Hold an EnvironmentLook.
+const char *resultsDir();
 
 } // namespace corvane

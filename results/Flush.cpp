@@ -33,16 +33,25 @@ static void runJob(ReportJob &job) {
   writeReport(job);
 }
 
-static void produceResults() {
+// False without an install location. A build on another thread may be moving
+// variables.
+static bool readEnvironment(ReportJob &job) {
+  const EnvironmentLook look;
   const char *location = installLocation();
   if (!location)
-    return writeError("CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+    return false;
   // If it was removed since the load, no directory can be created for it.
-  const char *directory = autotuneDir();
-  ReportJob job;
+  const char *directory = resultsDir();
   job.outputDirectory = directory ? directory : "";
-  job.logPath = rawLogPath(job.outputDirectory);
   job.installLocation = normalizedLocation(location);
+  return true;
+}
+
+static void produceResults() {
+  ReportJob job;
+  if (!readEnvironment(job))
+    return writeError("CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+  job.logPath = rawLogPath(job.outputDirectory);
   runJob(job);
 }
 

@@ -11,6 +11,7 @@
 #include "results/NumberText.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 using namespace corvane;
@@ -126,13 +127,20 @@ static void updateLog(const std::string &path, LaunchHistory &history) {
     writeAnew(log.get(), history);
 }
 
+static std::optional<std::string> currentPath() {
+  const EnvironmentLook look;
+  const char *directory = resultsDir();
+  if (!directory)
+    return std::nullopt;
+  return rawLogPath(directory);
+}
+
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
   if (!autotuneOutput() || !history.open || record.timings.empty())
     return;
   history.unwrittenRows += rowLine(launchKey(record), record.timings.back());
-  // Hidden while the runtime's compiler is at work: the next run catches up.
-  const char *directory = autotuneDir();
-  if (!directory)
+  const std::optional<std::string> path = currentPath();
+  if (!path)
     return;
-  updateLog(rawLogPath(directory), history);
+  updateLog(*path, history);
 }

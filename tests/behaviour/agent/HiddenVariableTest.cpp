@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace corvane;
@@ -77,4 +78,62 @@ TEST_F(HiddenVariable, ReplacesWhatWasParkedBefore) {
   EXPECT_THAT(seen, ElementsAre(folder.text() + " /parked/before",
                                 "undefined " + folder.text()));
   EXPECT_EQ(bothValues(), folder.text() + " undefined");
+}
+
+namespace {
+/// Something happens on another thread while the variable is hidden.
+class WhileHidden : public HiddenVariable {
+protected:
+  WhileHidden() {
+    program.kernel("k").kernel("k_coarsed_g0S4").log(spillLog);
+    EXPECT_EQ(build(cl, program), CL_SUCCESS);
+    kernel = cl.clCreateKernel(program, "k", nullptr);
+    runtime.holdCallbacks();
+    const std::size_t global = 16;
+    EXPECT_EQ(cl.clEnqueueNDRangeKernel(runtime.queue(), kernel, 1, nullptr,
+                                        &global, nullptr, 0, nullptr, nullptr),
+              CL_SUCCESS);
+  }
+  ~WhileHidden() override { EXPECT_EQ(cl.clReleaseKernel(kernel), CL_SUCCESS); }
+
+  template <typename Action> void buildAndMeanwhile(Action action) {
+    runtime.whenCalled("clBuildProgram", [action] {
+      if (!std::getenv("CORVANE_AUTOTUNE"))
+        std::thread(action).join();
+    });
+    EXPECT_EQ(build(cl, runtime.addProgram().log(spillLog)), CL_SUCCESS);
+  }
+
+  ProgramScript program = runtime.addProgram();
+  cl_kernel kernel = nullptr;
+};
+} // namespace
+
+TEST_F(WhileHidden, ARunThatCompletesHasItsRowAtOnce) {
+  const std::string before = folder.read(".auto.csv");
+  buildAndMeanwhile([&] {
+    EXPECT_EQ(runtime.fireCallbacks(), 2U);
+    EXPECT_EQ(folder.read(".auto.csv"), before + "k,16,,,0,,,g0S4,1.000\n"
+                                                 "k,16,,,0,,,baseline,1.000\n");
+  });
+}
+
+TEST_F(WhileHidden, AFlushFindsTheDirectoryAndWhatHasRunSoFar) {
+  const EnvGuard location("CORVANE_INSTALL_LOCATION", "/opt/x");
+  const EnvGuard flushes("CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT", "1");
+  buildAndMeanwhile([&] {
+    runtime.fireCallbacks();
+    EXPECT_EQ(cl.clReleaseContext(runtime.context()), CL_SUCCESS);
+  });
+  EXPECT_THAT(folder.read("autotune.csv"),
+              testing::HasSubstr("k,16,,,0,,,g0S4,1, \n"));
+}
+
+// It is somebody else's then.
+TEST_F(WhileHidden, IsNotWhenTheApplicationHasRemovedTheVariable) {
+  const std::string before = folder.read(".auto.csv");
+  const EnvGuard gone("CORVANE_AUTOTUNE", nullptr);
+  const EnvGuard parked("CORVANE_AUTOTUNE_SHADOW", folder.text());
+  EXPECT_EQ(runtime.fireCallbacks(), 2U);
+  EXPECT_EQ(folder.read(".auto.csv"), before);
 }
