@@ -11,6 +11,7 @@
 #include "results/NumberText.h"
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 #include <string_view>
 
@@ -20,6 +21,10 @@ using namespace corvane;
 static constexpr const char *headerLine =
     "kernel,x_global,y_global,z_global,x_local,y_local,z_local,coarsed_kernel,"
     "time\n";
+
+// A leaf lock below the histories': a second load empties the log for which the
+// first one's runs have a lock of their own.
+static std::mutex fileLock;
 
 std::string corvane::rawLogPath(const std::string &directory) {
   return directory + "/.auto.csv";
@@ -75,6 +80,7 @@ static bool writeLine(std::FILE *log, std::string_view line) {
 }
 
 bool corvane::createRawLog(const std::string &directory) {
+  const std::lock_guard<std::mutex> guard(fileLock);
   const FileHandle log = openFile(rawLogPath(directory), "wb");
   if (!log)
     return false;
@@ -136,6 +142,7 @@ static std::optional<std::string> currentPath() {
 }
 
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
+  const std::lock_guard<std::mutex> guard(fileLock);
   if (!autotuneOutput() || !history.open || record.timings.empty())
     return;
   history.unwrittenRows += rowLine(launchKey(record), record.timings.back());

@@ -22,7 +22,7 @@ std::string timeText(std::uint64_t nanoseconds);
 
 /// Makes a log that holds only the header line, whatever was there before.
 /// Returns whether it could be opened; whether it could be written is nobody's
-/// concern.
+/// concern. Any thread, also while runs of an earlier load complete.
 bool createRawLog(const std::string &directory);
 
 /// Adds a row for the last timing of \p record to the log, or makes a missing

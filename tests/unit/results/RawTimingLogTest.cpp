@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <limits>
+#include <thread>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -20,7 +22,7 @@ constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
                                "y_local,z_local,coarsed_kernel,time\n";
 
 struct RawTimingLog : testing::Test {
-  TempFolder folder;
+  TempFolder folder{folderInMemory()};
   EnvGuard directory{"CORVANE_AUTOTUNE", folder.text()};
   TestState state;
 
@@ -48,6 +50,32 @@ TEST_F(RawTimingLog, IsEmptiedByAnotherLoad) {
   ASSERT_TRUE(folder.write(".auto.csv", std::string(5000, 'x')));
   EXPECT_TRUE(createRawLog(folder.text()));
   EXPECT_EQ(log(), header);
+}
+
+TEST_F(RawTimingLog, StaysWholeWhenLoadsEmptyItWhileRunsComplete) {
+  const std::string row = "a,2,,,1,,,baseline,1.000\n";
+  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
+  for (int round = 0; round != 500 && !HasFailure(); ++round) {
+    ASSERT_TRUE(createRawLog(folder.text()));
+    std::atomic<bool> begun{false};
+    std::thread runs([&] {
+      for (int i = 0; i != 8; ++i) {
+        begun = true;
+        state.complete(launch, "", 1000);
+      }
+    });
+    while (!begun)
+      std::this_thread::yield();
+    for (int i = 0; i != 8; ++i)
+      EXPECT_TRUE(createRawLog(folder.text()));
+    runs.join();
+
+    const std::string written = log();
+    std::string whole = header;
+    while (whole.size() < written.size())
+      whole += row;
+    EXPECT_EQ(written, whole);
+  }
 }
 
 TEST_F(RawTimingLog, CannotBeCreatedInAFolderThatDoesNotExist) {
