@@ -33,9 +33,7 @@ public:
         CL_SUCCESS);
     queue = cl().clCreateCommandQueue(context(), nullptr, 0, nullptr);
     kernel = cl().clCreateKernel(program, "sum", nullptr);
-    buffer = createBuffer();
-    EXPECT_EQ(cl().clSetKernelArg(kernel, 0, sizeof buffer, &buffer),
-              CL_SUCCESS);
+    takeNewBuffer();
     const cl_uint number = 5;
     EXPECT_EQ(cl().clSetKernelArg(kernel, 1, sizeof number, &number),
               CL_SUCCESS);
@@ -66,6 +64,15 @@ public:
     const std::size_t global = 64;
     return cl().clEnqueueNDRangeKernel(queue, kernel, 1, nullptr, &global,
                                        nullptr, 0, nullptr, nullptr);
+  }
+  /// Launches on different buffers need no order.
+  void takeNewBuffer() {
+    if (buffer) {
+      EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
+    }
+    buffer = createBuffer();
+    EXPECT_EQ(cl().clSetKernelArg(kernel, 0, sizeof buffer, &buffer),
+              CL_SUCCESS);
   }
   cl_mem createBuffer() {
     return cl().clCreateBuffer(context(), CL_MEM_READ_WRITE, 64, nullptr,
@@ -146,6 +153,7 @@ TEST_P(BlockedLaunch, IsFreedByTheEndOfABuffer) {
 // them while the second one waits for that.
 TEST_P(BlockedLaunch, IsFreedByTheCompletionOfEarlierRuns) {
   EXPECT_EQ(app.launch(), CL_SUCCESS);
+  app.takeNewBuffer();
   app.launchUntil([this] { app.runtime.board.drain(); });
 }
 

@@ -16,13 +16,13 @@ enum class Turn {
   UnloadAndLoad,    ///< one behind the other
   ContextAndUnload, ///< two flushes at the same time
 };
-inline constexpr int turns = 6;
+inline constexpr unsigned turns = 6;
 
 struct RoundPlan {
   bool tuning = false; ///< false: normal mode
   bool atOnce = false; ///< the runtime runs and calls back within calls
   Turn turn = Turn::None;
-  unsigned seed = 1; ///< of every choice
+  unsigned seed = 1; ///< of every choice, and by the test's rule of the turn
 };
 
 std::string textOf(const RoundPlan &plan);
