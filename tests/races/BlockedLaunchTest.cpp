@@ -51,8 +51,7 @@ public:
   template <typename Action> void launchUntil(Action action) {
     isInside = mayGoOn = false;
     std::thread other([&] {
-      while (!isInside)
-        std::this_thread::yield();
+      wait(isInside);
       action();
       mayGoOn = true;
     });
@@ -89,6 +88,7 @@ public:
   std::list<EnvGuard> environment;
   std::atomic<bool> isInside{false};
   std::atomic<bool> mayGoOn{true};
+  std::atomic<bool> mayCallBack{true};
   loose::Runtime runtime;
   cl_program program = nullptr;
   cl_command_queue queue = nullptr;
@@ -96,13 +96,17 @@ public:
   cl_mem buffer = nullptr;
 
 private:
+  static void wait(const std::atomic<bool> &flag) {
+    while (!flag)
+      std::this_thread::yield();
+  }
   loose::Nature natureOf() {
     loose::Nature nature;
     nature.beforeLaunch = [this] {
       isInside = true;
-      while (!mayGoOn)
-        std::this_thread::yield();
+      wait(mayGoOn);
     };
+    nature.beforeCallback = [this] { wait(mayCallBack); };
     return nature;
   }
 };
@@ -149,12 +153,16 @@ TEST_P(BlockedLaunch, IsFreedByTheEndOfABuffer) {
   });
 }
 
-// The runs of the first launch are told of on threads of the runtime's, some of
-// them while the second one waits for that.
+// The runtime tells of the first launch's runs while the second one waits for
+// just that.
 TEST_P(BlockedLaunch, IsFreedByTheCompletionOfEarlierRuns) {
+  app.mayCallBack = false;
   EXPECT_EQ(app.launch(), CL_SUCCESS);
   app.takeNewBuffer();
-  app.launchUntil([this] { app.runtime.board.drain(); });
+  app.launchUntil([this] {
+    app.mayCallBack = true;
+    app.runtime.board.drain();
+  });
 }
 
 INSTANTIATE_TEST_SUITE_P(In, BlockedLaunch, testing::Bool(),

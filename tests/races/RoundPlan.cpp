@@ -44,7 +44,7 @@ static unsigned numberFrom(const char *variable) {
 
 unsigned corvane::test::wantedRounds() {
   const unsigned wanted = numberFrom("CORVANE_RACES_ROUNDS");
-  return wanted != 0 ? wanted : 2;
+  return wanted != 0 ? wanted : 5;
 }
 
 unsigned corvane::test::firstSeed() {

@@ -27,8 +27,9 @@ struct Nature {
   /// Whether to remember what was run; a runtime that forgets keeps nothing.
   bool remembersRuns = true;
   unsigned seed = 1; ///< of the order in which things happen late
-  /// Runs at the start of every launch, on its thread.
+  /// Run at the start of every launch, on its thread, and before each callback.
   std::function<void()> beforeLaunch;
+  std::function<void()> beforeCallback;
 };
 
 enum class Kind { Context, Queue, Program, Kernel, Buffer, Event };

@@ -56,6 +56,8 @@ void Event::call(EventCallback callback, void *userData) {
   Ref<Event> self(this);
   board.submit({[] { return true; },
                 [self, callback, userData] {
+                  if (self->board.nature.beforeCallback)
+                    self->board.nature.beforeCallback();
                   callback(handleOf<cl_event>(&*self), CL_COMPLETE, userData);
                   self->board.noteTold(self->row);
                 }});
