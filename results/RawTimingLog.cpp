@@ -11,6 +11,7 @@
 #include "results/NumberText.h"
 
 #include <algorithm>
+#include <cstring>
 #include <mutex>
 #include <optional>
 #include <string_view>
@@ -69,9 +70,9 @@ static std::string rowLine(const std::string &key, const TimingEntry &entry) {
   return line;
 }
 
-// A full disk may take the first part of a line; the log must not keep it.
-static bool writeLine(std::FILE *log, std::string_view line) {
-  const long before = std::ftell(log);
+// A full disk may take the first part of a line; the log, which was \p before
+// bytes long if that is known, must not keep it.
+static bool writeLine(std::FILE *log, std::string_view line, long before) {
   if (std::fwrite(line.data(), 1, line.size(), log) == line.size())
     return true;
   if (before >= 0)
@@ -84,16 +85,18 @@ bool corvane::createRawLog(const std::string &directory) {
   const FileHandle log = openFile(rawLogPath(directory), "wb");
   if (!log)
     return false;
-  writeLine(log.get(), headerLine);
+  writeLine(log.get(), headerLine, 0);
   return true;
 }
 
-// Writes as many whole lines as the disk takes; the others stay in rows.
-static void writeRows(std::FILE *log, std::string &rows) {
+// Writes as many whole lines as the disk takes behind the \p length bytes that
+// are there; the others stay in rows.
+static void writeRows(std::FILE *log, std::string &rows, long length) {
   std::size_t written = 0;
   while (written < rows.size()) {
     const std::size_t next = rows.find('\n', written) + 1;
-    if (!writeLine(log, {rows.data() + written, next - written}))
+    const long before = length < 0 ? -1 : length + static_cast<long>(written);
+    if (!writeLine(log, {rows.data() + written, next - written}, before))
       break;
     written = next;
   }
@@ -112,10 +115,11 @@ static std::string allRows(const LaunchHistory &history) {
 
 // \p log is empty.
 static void writeAnew(std::FILE *log, LaunchHistory &history) {
-  if (!writeLine(log, headerLine))
+  if (!writeLine(log, headerLine, 0))
     return;
   history.unwrittenRows = allRows(history);
-  writeRows(log, history.unwrittenRows);
+  writeRows(log, history.unwrittenRows,
+            static_cast<long>(std::strlen(headerLine)));
 }
 
 // Each time anew, for anybody may have moved, emptied or deleted the log. One
@@ -127,10 +131,12 @@ static void updateLog(const std::string &path, LaunchHistory &history) {
     log = openFile(path, "wb");
   if (!log || std::fseek(log.get(), 0, SEEK_END) != 0)
     return;
-  if (std::ftell(log.get()) > 0)
-    writeRows(log.get(), history.unwrittenRows);
-  else
+  // Negative where a length does not fit: such a log is not empty.
+  const long length = std::ftell(log.get());
+  if (length == 0)
     writeAnew(log.get(), history);
+  else
+    writeRows(log.get(), history.unwrittenRows, length);
 }
 
 static std::optional<std::string> currentPath() {
