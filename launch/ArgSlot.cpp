@@ -8,8 +8,6 @@
 
 using namespace corvane;
 
-const ArgSlot ArgSlot::emptyFirst(0);
-
 ArgSlot::ArgSlot(ArgSlot &&other) noexcept
     : index(other.index), size(other.size), value(other.value),
       block(std::move(other.block)), next(std::move(other.next)) {

@@ -20,11 +20,8 @@ struct ArgSlot {
   /// The bytes, owned by the slot; null for local memory and in a fresh slot.
   const void *value = nullptr;
 
-  /// What stands for the first argument until one is set.
-  static const ArgSlot emptyFirst;
-
   ArgSlot() = default;
-  constexpr explicit ArgSlot(std::uint32_t ofArgument) : index(ofArgument) {}
+  explicit ArgSlot(std::uint32_t ofArgument) : index(ofArgument) {}
   ArgSlot(ArgSlot &&other) noexcept;
   ArgSlot &operator=(ArgSlot &&) = delete;
 

@@ -59,6 +59,8 @@ struct KernelRecord {
   /// set, but the first one counts as set from the start: empty and without a
   /// value.
   std::vector<ArgSlot> argSlots;
+  /// What stands for the first argument until one is set.
+  const ArgSlot emptyFirst{0};
   /// How many slots, from the first, are set without a gap.
   std::size_t recordedCount = 1;
 
@@ -71,7 +73,7 @@ struct KernelRecord {
 /// The recorded arguments, in order: the slots up to the first gap.
 inline llvm::ArrayRef<ArgSlot> recordedArguments(const KernelRecord &record) {
   if (record.argSlots.empty())
-    return ArgSlot::emptyFirst;
+    return record.emptyFirst;
   return {record.argSlots.data(), record.recordedCount};
 }
 
