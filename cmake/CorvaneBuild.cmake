@@ -82,6 +82,16 @@ function(corvane_watch_branches target)
   endif()
 endfunction()
 
+# Counts which lines of ours run. Several threads count, and paths that a log
+# shows lead to the sources from anywhere.
+function(corvane_count_lines target)
+  if(CORVANE_COUNT_COVERAGE)
+    target_compile_options(${target} PRIVATE
+      --coverage -O0 -fprofile-update=atomic -fprofile-abs-path)
+    target_link_options(${target} PUBLIC --coverage)
+  endif()
+endfunction()
+
 # A folder of ours: a static library that names the folders it may use. A call
 # against an arrow has nothing to link with.
 function(corvane_folder name)
@@ -90,6 +100,7 @@ function(corvane_folder name)
   target_link_libraries(corvane_${name} PUBLIC corvane_options corvane_llvm)
   corvane_no_constructors(corvane_${name})
   corvane_watch_branches(corvane_${name})
+  corvane_count_lines(corvane_${name})
   foreach(used IN LISTS arg_USES)
     target_link_libraries(corvane_${name} PUBLIC corvane_${used})
   endforeach()
