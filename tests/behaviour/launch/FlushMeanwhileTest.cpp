@@ -79,3 +79,18 @@ TEST(FlushMeanwhile, LetsAKernelsVariantsBeCreated) {
   EXPECT_TRUE(app.flushed);
   EXPECT_EQ(app.release(second), CL_SUCCESS);
 }
+
+// Two states wait for the end of the call: it may be using either.
+TEST(FlushMeanwhile, MayComeTwiceWithinOneCall) {
+  Interrupted app;
+  app.runtime.whenCalled("clEnqueueReadBuffer", [&app] {
+    if (std::exchange(app.flushed, true))
+      return;
+    EXPECT_EQ(app.cl.clReleaseContext(app.runtime.context()), CL_SUCCESS);
+    EXPECT_EQ(app.agent.loadAgain(), CL_SUCCESS);
+    app.agent.unload();
+  });
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.runtime.bytes(app.buffer), ElementsAre(2));
+  EXPECT_EQ(app.log(), app.header);
+}

@@ -6,6 +6,7 @@
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 
+using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -79,6 +80,18 @@ TEST(TuningFailures, OfAKernelAloneAreReportedAndReturnedAfterTheFlush) {
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_OUT_OF_RESOURCES);
   EXPECT_EQ(errors.text(), "QrlAgent:: 1145: CL Error: CL_OUT_OF_RESOURCES\n");
   EXPECT_EQ(app.chain().back(), "clFlush(queue 1)");
+  EXPECT_EQ(app.log(), app.header);
+}
+
+// An entry that a runtime for an older OpenCL lacks.
+TEST(TuningFailures, OfARuntimeThatCannotWatchAKernelAreReturned) {
+  TuningApplication app(
+      {}, [](DispatchTable &table) { table.clSetEventCallback = nullptr; });
+  app.program.kernel("k");
+  cl_kernel kernel = app.create("k");
+  ErrorCapture errors;
+  EXPECT_EQ(app.launch(kernel, {16}), CL_INVALID_OPERATION);
+  EXPECT_THAT(app.launches(), SizeIs(1));
   EXPECT_EQ(app.log(), app.header);
 }
 
