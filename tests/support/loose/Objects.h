@@ -1,4 +1,4 @@
-// The loose runtime's objects. A handle is the address of its object.
+// The loose runtime's objects.
 
 #pragma once
 
@@ -118,12 +118,19 @@ OBJECT(cl_mem, Buffer)
 OBJECT(cl_event, Event)
 #undef OBJECT
 
+// A handle points into its object, because one at the start of a page may look
+// like a size: some processes have all their memory where sizes are, and the
+// agent may meet a buffer that was created when it was not there.
+inline constexpr std::size_t handleOffset = 8;
+
 template <typename Handle> auto *objectOf(Handle handle) {
-  return reinterpret_cast<typename ObjectOf<Handle>::Type *>(handle);
+  return reinterpret_cast<typename ObjectOf<Handle>::Type *>(
+      reinterpret_cast<char *>(handle) - handleOffset);
 }
 template <typename Handle>
 Handle handleOf(typename ObjectOf<Handle>::Type *object) {
-  return reinterpret_cast<Handle>(object);
+  return reinterpret_cast<Handle>(reinterpret_cast<char *>(object) +
+                                  handleOffset);
 }
 
 } // namespace corvane::test::loose
