@@ -56,6 +56,11 @@ static bool startsWith(const std::string &text, const std::string &start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
+// The first argument counts as set before it is, and then has no size: a replay
+// of it is refused although nothing fails.
+static constexpr const char *emptyReplay =
+    "QrlAgent:: 721: CL Error: CL_INVALID_ARG_SIZE";
+
 // What is said on the error stream are known lines, and those that tell of
 // failed calls of ours only when calls fail.
 void Play::checkErrorText() {
@@ -65,7 +70,8 @@ void Play::checkErrorText() {
   for (std::string line; std::getline(text, line);) {
     if (startsWith(line, "QrlAgent:: ")) {
       const std::string tag = line.substr(11, line.find(':', 11) - 11);
-      check(failing || ours.count(tag) == 0, "our own calls work");
+      if (!failing && ours.count(tag) != 0 && line != emptyReplay)
+        fail("our own calls work: " + line);
     } else if (!startsWith(line, "CV: ") &&
                !startsWith(line, "Corvane's kernel cannot be launch ") &&
                line != "ensureOutputDir() error") {
