@@ -10,7 +10,7 @@ build_packages=(
 
 # What the tests run besides.
 # shellcheck disable=SC2034
-test_packages=(pocl-opencl-icd clinfo python3 binutils chromium locales
+test_packages=(pocl-opencl-icd clinfo clfft-client python3 binutils chromium locales
   opencl-clhpp-headers)
 # Many machines have these two from elsewhere, which Debian's would disturb.
 command -v node >/dev/null || test_packages+=(nodejs)
