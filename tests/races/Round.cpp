@@ -63,6 +63,7 @@ std::size_t Round::play() {
   for (unsigned i = 0; i != threadCount; ++i)
     applications.push_back(std::make_unique<Application>(*this, i));
   std::vector<std::thread> threads;
+  threads.reserve(threadCount);
   for (const auto &application : applications)
     threads.emplace_back([&application] { application->live(stepCount); });
   for (std::thread &thread : threads)

@@ -11,7 +11,7 @@ Board::Board(Nature ofRuntime) : nature(std::move(ofRuntime)) {
   if (nature.atOnce)
     return;
   for (std::size_t runner = 0; runner != runners; ++runner)
-    threads.emplace_back([this, runner] { runTasks(runner); });
+    threads.emplace_back([this, runner] { runErrands(runner); });
 }
 
 Board::~Board() {
@@ -20,17 +20,17 @@ Board::~Board() {
     thread.join();
 }
 
-void Board::submit(Task task) {
+void Board::submit(Errand errand) {
   if (nature.atOnce) {
-    if (!task.isDue())
+    if (!errand.isDue())
       blame("a command waits for one that was never enqueued");
-    task.work();
+    errand.work();
     return;
   }
   unfinished.fetch_add(1, std::memory_order_relaxed);
   const std::size_t runner =
       submitted.fetch_add(1, std::memory_order_relaxed) % runners;
-  inboxes[runner].add(std::move(task));
+  inboxes[runner].add(std::move(errand));
 }
 
 void Board::drain() const {
@@ -44,29 +44,29 @@ void Board::noteTold(const std::string &row) {
 }
 
 namespace {
-/// The tasks of one thread; which of them is done next is up to chance.
+/// The errands of one thread; which of them is done next is up to chance.
 class Pile {
 public:
   explicit Pile(unsigned seed) : random(seed) {}
 
-  void add(std::vector<Board::Task> more) {
-    for (Board::Task &task : more)
-      tasks.push_back(std::move(task));
+  void add(std::vector<Board::Errand> more) {
+    for (Board::Errand &errand : more)
+      errands.push_back(std::move(errand));
   }
 
-  /// Does one of the tasks that are due; false if there is none, or just so.
+  /// Does one of the errands that are due; false if there is none, or just so.
   bool doOne() {
-    if (tasks.empty() || random() % 4 == 0)
+    if (errands.empty() || random() % 4 == 0)
       return false;
-    const std::size_t first = random() % tasks.size();
-    for (std::size_t i = 0; i != tasks.size(); ++i) {
-      const std::size_t at = (first + i) % tasks.size();
-      if (!tasks[at].isDue())
+    const std::size_t first = random() % errands.size();
+    for (std::size_t i = 0; i != errands.size(); ++i) {
+      const std::size_t at = (first + i) % errands.size();
+      if (!errands[at].isDue())
         continue;
-      const Board::Task task = std::move(tasks[at]);
-      tasks[at] = std::move(tasks.back());
-      tasks.pop_back();
-      task.work();
+      const Board::Errand errand = std::move(errands[at]);
+      errands[at] = std::move(errands.back());
+      errands.pop_back();
+      errand.work();
       return true;
     }
     return false;
@@ -74,11 +74,11 @@ public:
 
 private:
   std::minstd_rand random;
-  std::vector<Board::Task> tasks;
+  std::vector<Board::Errand> errands;
 };
 } // namespace
 
-void Board::runTasks(std::size_t runner) {
+void Board::runErrands(std::size_t runner) {
   Pile pile(nature.seed + static_cast<unsigned>(runner));
   while (!over.load(std::memory_order_relaxed)) {
     pile.add(inboxes[runner].take());

@@ -51,13 +51,13 @@ public:
   const Nature nature;
 
   /// Something that waits until isDue, and then is done.
-  struct Task {
+  struct Errand {
     std::function<bool()> isDue;
     std::function<void()> work;
   };
-  /// Does the task now, or has a thread of the runtime's do it one day.
-  void submit(Task task);
-  /// Waits until all tasks are done.
+  /// Does the errand now, or has a thread of the runtime's do it one day.
+  void submit(Errand errand);
+  /// Waits until all errands are done.
   void drain() const;
 
   /// A number of nanoseconds that no other run takes.
@@ -89,7 +89,7 @@ public:
   }
 
 private:
-  void runTasks(std::size_t runner);
+  void runErrands(std::size_t runner);
 
   std::array<std::atomic<long>, kinds> living{};
   std::atomic<cl_ulong> lastDuration{0};
@@ -98,7 +98,7 @@ private:
   Inbox<ToldRun> told;
 
   static constexpr std::size_t runners = 2;
-  std::array<Inbox<Task>, runners> inboxes;
+  std::array<Inbox<Errand>, runners> inboxes;
   std::atomic<std::size_t> submitted{0};
   std::atomic<long> unfinished{0};
   std::atomic<bool> over{false};

@@ -28,7 +28,7 @@ struct Told {
 } // namespace
 
 static cl_int enqueue(const Place &place, Told told,
-                      std::function<void()> work) {
+                      const std::function<void()> &work) {
   const Queue &queue = *objectOf(place.queue);
   if ((queue.properties & CL_QUEUE_PROFILING_ENABLE) == 0)
     queue.board.blame("a queue has no times");

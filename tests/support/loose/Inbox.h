@@ -19,16 +19,18 @@ public:
   Inbox &operator=(const Inbox &) = delete;
 
   void add(Value value) {
-    Node *node = new Node{std::move(value), newest.load(order::relaxed)};
-    while (!newest.compare_exchange_weak(node->older, node, order::release,
-                                         order::relaxed)) {
+    Node *node =
+        new Node{std::move(value), newest.load(std::memory_order_relaxed)};
+    while (!newest.compare_exchange_weak(node->older, node,
+                                         std::memory_order_release,
+                                         std::memory_order_relaxed)) {
     }
   }
 
   /// Empties the list, which is returned oldest first.
   std::vector<Value> take() {
     std::vector<Value> values;
-    Node *node = newest.exchange(nullptr, order::acquire);
+    Node *node = newest.exchange(nullptr, std::memory_order_acquire);
     while (node) {
       values.push_back(std::move(node->value));
       delete std::exchange(node, node->older);
@@ -38,11 +40,6 @@ public:
   }
 
 private:
-  struct order {
-    static constexpr auto relaxed = std::memory_order_relaxed;
-    static constexpr auto release = std::memory_order_release;
-    static constexpr auto acquire = std::memory_order_acquire;
-  };
   struct Node {
     Value value;
     Node *older;

@@ -3,9 +3,6 @@
 #include "tests/support/loose/Entries.h"
 #include "tests/support/loose/Objects.h"
 
-#include <cstring>
-#include <string>
-
 using namespace corvane;
 using namespace corvane::test::loose;
 

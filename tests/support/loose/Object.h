@@ -23,28 +23,13 @@ public:
 
   /// The application's references; they hold the object together.
   void retain() { references.fetch_add(1, std::memory_order_relaxed); }
-  void release() {
-    const unsigned before = references.fetch_sub(1, std::memory_order_relaxed);
-    if (before == 0)
-      board.blame("an object was released too often");
-    if (before == 1)
-      letGo();
-  }
+  void release();
   cl_uint referenceCount() const {
     return references.load(std::memory_order_relaxed);
   }
 
   void hold() { holders.fetch_add(1, std::memory_order_relaxed); }
-  void letGo() {
-    if (holders.fetch_sub(1, std::memory_order_release) != 1)
-      return;
-    // Behind the last use of all other threads. A load, because the thread
-    // sanitizer does not know fences.
-    (void)holders.load(std::memory_order_acquire);
-    end();
-    board.count(kind, -1);
-    delete this;
-  }
+  void letGo();
 
   Board &board;
 

@@ -1,0 +1,24 @@
+// The end of an object.
+
+#include "tests/support/loose/Object.h"
+
+using namespace corvane::test::loose;
+
+void Object::release() {
+  const unsigned before = references.fetch_sub(1, std::memory_order_relaxed);
+  if (before == 0)
+    board.blame("an object was released too often");
+  if (before == 1)
+    letGo();
+}
+
+void Object::letGo() {
+  if (holders.fetch_sub(1, std::memory_order_release) != 1)
+    return;
+  // Behind the last use of all other threads. A load, because the thread
+  // sanitizer does not know fences.
+  (void)holders.load(std::memory_order_acquire);
+  end();
+  board.count(kind, -1);
+  delete this;
+}
