@@ -6,6 +6,7 @@
 
 #include "llvm/ADT/DenseMap.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <utility>
@@ -42,10 +43,8 @@ public:
   void makeRoom(Handle handle) {
     if (!canBeKey(handle))
       return;
-    if (makeRoomForOne(oldest, erased))
-      erased = 0;
     if (!find(handle))
-      return;
+      return makeRoomForFirst();
     if (makeRoomForOne(younger, erasedYounger))
       erasedYounger = 0;
     auto &waiting = younger[handle];
@@ -61,9 +60,9 @@ public:
     }
     makeRoom(handle);
     Record *added = record.get();
-    const auto [first, isFirst] = oldest.try_emplace(handle);
-    if (isFirst)
-      first->second = std::move(record);
+    std::unique_ptr<Record> &first = oldest[handle];
+    if (!first)
+      first = std::move(record);
     else
       younger[handle].push_back(std::move(record));
     ++count;
@@ -72,22 +71,19 @@ public:
 
   /// Takes the oldest record of \p handle out; null when there is none.
   std::unique_ptr<Record> remove(Handle handle) {
-    if (!canBeKey(handle))
+    if (!find(handle))
       return nullptr;
-    auto found = oldest.find(handle);
-    if (found == oldest.end())
-      return nullptr;
-    std::unique_ptr<Record> record = std::move(found->second);
+    std::unique_ptr<Record> &first = oldest.find(handle)->second;
+    std::unique_ptr<Record> record = std::move(first);
     --count;
     const auto waiting = younger.find(handle);
-    if (waiting != younger.end() && !waiting->second.empty()) {
-      found->second = std::move(waiting->second.front());
+    if (waiting == younger.end())
+      return record;
+    if (!waiting->second.empty()) {
+      first = std::move(waiting->second.front());
       waiting->second.erase(waiting->second.begin());
-    } else {
-      oldest.erase(found);
-      ++erased;
     }
-    if (waiting != younger.end() && waiting->second.empty()) {
+    if (waiting->second.empty()) {
       younger.erase(waiting);
       ++erasedYounger;
     }
@@ -105,12 +101,34 @@ public:
   }
 
 private:
-  llvm::DenseMap<Handle, std::unique_ptr<Record>> oldest;
+  using FirstRecords = llvm::DenseMap<Handle, std::unique_ptr<Record>>;
+
+  // For one entry too many there is a map that is at least half empty, and what
+  // was removed is left out.
+  void makeRoomForFirst() {
+    const std::size_t places =
+        oldest.getMemorySize() / sizeof(typename FirstRecords::value_type);
+    if ((oldest.size() + 1) * 4 < places * 3)
+      return;
+    const auto kept = static_cast<unsigned>(
+        std::count_if(oldest.begin(), oldest.end(), [](const auto &entry) {
+          return entry.second != nullptr;
+        }));
+    FirstRecords grown(kept <= 16 ? 32 : 2 * kept - 1);
+    for (auto &entry : oldest)
+      if (entry.second)
+        grown.try_emplace(entry.first, std::move(entry.second));
+    oldest.swap(grown);
+  }
+
+  /// A removed record leaves its entry behind: runtimes give out handles again,
+  /// and a map that forgets them one by one has to be tidied up again and
+  /// again.
+  FirstRecords oldest;
   /// All others, which hardly ever exist: a runtime that gives out a handle
   /// again has told of the end of its first object.
   llvm::DenseMap<Handle, std::vector<std::unique_ptr<Record>>> younger;
-  std::size_t erased = 0;        ///< at most so many, since oldest grew
-  std::size_t erasedYounger = 0; ///< the same for younger
+  std::size_t erasedYounger = 0; ///< at most so many, since younger grew
   std::size_t count = 0;
 };
 

@@ -16,8 +16,12 @@ ArgSlot::ArgSlot(ArgSlot &&other) noexcept
     value = small;
 }
 
-void ArgSlot::makeBlock(std::size_t newSize) {
-  if (next.fits(newSize))
+static bool isSmall(std::size_t size) {
+  return size == 1 || size == 2 || size == 4 || size == 8;
+}
+
+void ArgSlot::makeRoomForUnusual(std::size_t newSize) {
+  if (isSmall(newSize) || next.fits(newSize))
     return;
   next.bytes.reset(std::malloc(std::max<std::size_t>(newSize, 1)));
   if (!next.bytes)
@@ -25,10 +29,30 @@ void ArgSlot::makeBlock(std::size_t newSize) {
   next.size = newSize;
 }
 
+// Vectors and matrices have these sizes. A copy whose size is known is a few
+// moves; any other is a call that looks at the size again.
+static void copyBytes(void *to, const void *from, std::size_t size) {
+  switch (size) {
+  case 16:
+    std::memcpy(to, from, 16);
+    return;
+  case 32:
+    std::memcpy(to, from, 32);
+    return;
+  case 64:
+    std::memcpy(to, from, 64);
+    return;
+  default:
+    std::memcpy(to, from, size);
+  }
+}
+
 const void *ArgSlot::copyUnusual(std::size_t newSize, const void *newValue) {
-  if (isSmall(newSize))
-    return std::memcpy(small, newValue, newSize);
-  if (!block.fits(newSize))
+  if (!block.fits(newSize)) {
+    if (isSmall(newSize))
+      return std::memcpy(small, newValue, newSize);
     block = std::move(next);
-  return std::memcpy(block.bytes.get(), newValue, newSize);
+  }
+  copyBytes(block.bytes.get(), newValue, newSize);
+  return block.bytes.get();
 }

@@ -29,8 +29,8 @@ struct ArgSlot {
   /// that there is alone. Allocates only when the size is none of 1, 2, 4, 8
   /// and differs from the last one's.
   void makeRoom(std::size_t newSize) {
-    if (!isSmall(newSize) && !block.fits(newSize))
-      makeBlock(newSize);
+    if (newSize != 8 && newSize != 4 && !block.fits(newSize))
+      makeRoomForUnusual(newSize);
   }
 
   /// Takes a copy of \p newValue, for which there is room, or which is null.
@@ -49,10 +49,7 @@ private:
     bool fits(std::size_t wanted) const { return bytes && size == wanted; }
   };
 
-  static bool isSmall(std::size_t size) {
-    return size == 1 || size == 2 || size == 4 || size == 8;
-  }
-  void makeBlock(std::size_t newSize);
+  void makeRoomForUnusual(std::size_t newSize);
 
   // Handles and most scalars have one of these two sizes; each is one move.
   const void *copyOf(std::size_t newSize, const void *newValue) {
