@@ -3,7 +3,7 @@
 const assert = require("node:assert/strict");
 const { after, before, test } = require("node:test");
 const { Report } = require("./browser.js");
-const { readConfigs, readLog } = require("./expected.js");
+const { readConfigs, readLog, sixDigits } = require("./expected.js");
 
 const configs = readConfigs();
 let report;
@@ -58,7 +58,6 @@ for (const config of configs) {
     });
     const log = readLog(config.key);
     const rows = [...Array(config.samples).keys()];
-    const sixDigits = (time) => Number(time.toPrecision(6));
     assert.deepEqual(drawn, [
       ["iter", rows.map((row) => row + 1)],
       ...config.versions.map(({ name }) =>
