@@ -13,8 +13,8 @@ int ensureOutputDir(const ReportJob &job);
 /// Takes the state, writes the results if autotuning is on, and gives the state
 /// up. Does nothing without a state: of several callers one has all the work.
 ///
-/// Waits for no lock, because it also runs while the process ends and whoever
-/// holds a lock may be dead by then.
+/// Waits for no lock but a moment, because it also runs while the process ends
+/// and whoever holds a lock may be dead by then.
 void flushAutotuneResults();
 
 } // namespace corvane

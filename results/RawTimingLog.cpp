@@ -12,9 +12,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 using namespace corvane;
 
@@ -89,14 +91,24 @@ bool corvane::createRawLog(const std::string &directory) {
   return true;
 }
 
+// The length of a log that was \p length long, and got so many bytes since;
+// negative if it is not known or does not fit.
+static long lengthAfter(long length, std::size_t bytes) {
+  const auto most =
+      static_cast<unsigned long>(std::numeric_limits<long>::max());
+  if (length < 0 || bytes > most - static_cast<unsigned long>(length))
+    return -1;
+  return length + static_cast<long>(bytes);
+}
+
 // Writes as many whole lines as the disk takes behind the \p length bytes that
 // are there; the others stay in rows.
 static void writeRows(std::FILE *log, std::string &rows, long length) {
   std::size_t written = 0;
   while (written < rows.size()) {
     const std::size_t next = rows.find('\n', written) + 1;
-    const long before = length < 0 ? -1 : length + static_cast<long>(written);
-    if (!writeLine(log, {rows.data() + written, next - written}, before))
+    if (!writeLine(log, {rows.data() + written, next - written},
+                   lengthAfter(length, written)))
       break;
     written = next;
   }
@@ -115,9 +127,12 @@ static std::string allRows(const LaunchHistory &history) {
 
 // \p log is empty.
 static void writeAnew(std::FILE *log, LaunchHistory &history) {
+  // First, for without memory the log has to stay empty: the next row tries
+  // again.
+  std::string rows = allRows(history);
   if (!writeLine(log, headerLine, 0))
     return;
-  history.unwrittenRows = allRows(history);
+  history.unwrittenRows = std::move(rows);
   writeRows(log, history.unwrittenRows,
             static_cast<long>(std::strlen(headerLine)));
 }
@@ -129,10 +144,11 @@ static void updateLog(const std::string &path, LaunchHistory &history) {
   FileHandle log = openFile(path, "ab+");
   if (!log)
     log = openFile(path, "wb");
-  if (!log || std::fseek(log.get(), 0, SEEK_END) != 0)
+  if (!log)
     return;
-  // Negative where a length does not fit: such a log is not empty.
-  const long length = std::ftell(log.get());
+  // Negative where it does not fit: such a log is not empty.
+  const long length =
+      std::fseek(log.get(), 0, SEEK_END) == 0 ? std::ftell(log.get()) : -1;
   if (length == 0)
     writeAnew(log.get(), history);
   else

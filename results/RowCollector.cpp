@@ -6,8 +6,6 @@
 
 #include "llvm/ADT/StringRef.h"
 
-#include <type_traits>
-
 using namespace corvane;
 
 // The kernel and its six sizes; the version and the time follow.
@@ -68,17 +66,17 @@ static ConfigResults makeConfig(llvm::StringRef key) {
   return config;
 }
 
-// Lists of samples stay where they are while the list of configurations grows.
-static_assert(std::is_nothrow_move_constructible_v<ConfigResults>);
-
 void RowCollector::moveTo(std::vector<ConfigResults> &configs) {
   std::unordered_map<std::string_view, std::size_t> positions;
+  for (const Kind &kind : kinds) {
+    const llvm::StringRef key = llvm::StringRef(kind.text).rsplit(',').first;
+    if (positions.try_emplace(key, configs.size()).second)
+      configs.push_back(makeConfig(key));
+  }
   for (Kind &kind : kinds) {
     const auto [key, version] = llvm::StringRef(kind.text).rsplit(',');
-    const auto [position, isNew] = positions.try_emplace(key, configs.size());
-    if (isNew)
-      configs.push_back(makeConfig(key));
-    auto &samples = configs[position->second].versions[version.str()].samples;
+    ConfigResults &config = configs[positions.at(key)];
+    auto &samples = config.versions[version.str()].samples;
     samples.resize(kind.count);
     kind.nextSample = samples.data();
   }

@@ -20,6 +20,10 @@ namespace corvane {
 /// lists would take longer than all else.
 class RowCollector {
 public:
+  RowCollector() = default;
+  RowCollector(const RowCollector &) = delete;
+  RowCollector &operator=(const RowCollector &) = delete;
+
   /// Adds a line of the log, without its line feed. The text is not kept.
   void add(std::string_view line);
 

@@ -55,10 +55,8 @@ void corvane::rankVersions(ConfigResults &config) {
   config.ranking.reserve(config.versions.size());
   for (auto &[name, stats] : config.versions) {
     computeStats(stats);
-    VersionStats &ranked =
-        config.ranking.emplace_back(name, VersionStats()).second;
     // The figures are copied, the lists move.
-    ranked = std::move(stats);
+    config.ranking.emplace_back(name, std::move(stats));
   }
   std::stable_sort(config.ranking.begin(), config.ranking.end(),
                    [](const auto &left, const auto &right) {

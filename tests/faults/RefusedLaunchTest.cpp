@@ -5,6 +5,9 @@
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 
+#include <algorithm>
+#include <filesystem>
+
 using namespace corvane;
 using namespace corvane::test;
 using testing::IsEmpty;
@@ -51,6 +54,11 @@ protected:
         [] {});
   }
 
+  std::size_t linesOfLog() const {
+    const std::string log = folder.read(".auto.csv");
+    return static_cast<std::size_t>(std::count(log.begin(), log.end(), '\n'));
+  }
+
   cl_kernel kernel = nullptr;
   std::vector<cl_mem> buffers;
 };
@@ -87,4 +95,23 @@ TEST_F(RefusedLaunch, ThatCannotBeWatchedKeepsItsTransfersAlive) {
   buffers.clear();
   frontier.unload();
   runtime.runAll();
+}
+
+// There is no last request: what is written anew grows from launch to launch.
+TEST_F(RefusedLaunch, LosesNoRowOfALogThatWasDeleted) {
+  create("j", 1);
+  for (std::size_t n = 1; n != 60; ++n) {
+    SCOPED_TRACE("request " + std::to_string(n) + " is refused");
+    EXPECT_EQ(launch(), CL_SUCCESS);
+    const std::size_t before = linesOfLog();
+    std::filesystem::remove(folder.file(".auto.csv"));
+    AgentMemory::refuse(n);
+    try {
+      launch();
+    } catch (const std::bad_alloc &) {
+    }
+    AgentMemory::refuseNothing();
+    EXPECT_EQ(launch(), CL_SUCCESS);
+    EXPECT_GT(linesOfLog(), before);
+  }
 }
