@@ -22,9 +22,11 @@ void detail::recordFirstSetting(KernelRecord &record, cl_uint index,
   ++record.argSetCount;
 }
 
+// Slots move when the runtime calls somebody back who sets one more.
 bool detail::replayAllArguments(const KernelRecord &record, cl_kernel target) {
   bool complete = true;
-  for (const ArgSlot &slot : recordedArguments(record)) {
+  for (std::size_t i = 0; i < recordedArguments(record).size(); ++i) {
+    const ArgSlot &slot = recordedArguments(record)[i];
     const cl_int status =
         runtime().clSetKernelArg(target, slot.index, slot.size, slot.value);
     if (status == CL_SUCCESS)

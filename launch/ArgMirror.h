@@ -21,12 +21,19 @@ bool replayAllArguments(const KernelRecord &record, cl_kernel target);
 /// A slot this far out could only be reached over as many others, and no kernel
 /// has as many arguments: a runtime that accepts the index is wrong.
 inline constexpr cl_uint mostArguments = 1U << 16;
+/// The same goes for a value that is larger than the memory of any kernel for
+/// all its arguments.
+inline constexpr std::size_t mostBytes = std::size_t{1} << 20;
+
+inline bool canBeRecorded(cl_uint index, std::size_t size, const void *value) {
+  return index < mostArguments && (size <= mostBytes || !value);
+}
 
 /// Gets the memory to remember a setting that the runtime has yet to accept for
 /// \p record's kernel. An exception has no other effect.
 inline void makeRoomForArgument(KernelRecord &record, cl_uint index,
                                 std::size_t size, const void *value) {
-  if (index >= mostArguments)
+  if (!canBeRecorded(index, size, value))
     return;
   if (index >= record.argSlots.size())
     detail::makeSlot(record, index);
@@ -37,7 +44,7 @@ inline void makeRoomForArgument(KernelRecord &record, cl_uint index,
 /// Remembers a setting for which there is room.
 inline void recordArgument(KernelRecord &record, cl_uint index,
                            std::size_t size, const void *value) {
-  if (index >= mostArguments)
+  if (!canBeRecorded(index, size, value))
     return;
   ArgSlot &slot = record.argSlots[index];
   if (slot.index != index)
@@ -49,14 +56,16 @@ inline void recordArgument(KernelRecord &record, cl_uint index,
 /// Sets all recorded arguments on \p target, a variant of \p record's or its
 /// own kernel, if it has missed a setting since it was last brought up to date.
 /// \p seen is the number of settings that it knew of, and knows of from now on:
-/// a failure is reported and the replay goes on. Returns whether the runtime
-/// took every argument.
+/// a failure is reported and the replay goes on. A setting made meanwhile, by a
+/// callback of the runtime's, is one that it does not know of. Returns whether
+/// the runtime took every argument.
 inline bool replayArguments(const KernelRecord &record, cl_kernel target,
                             std::uint32_t &seen) {
   if (seen >= record.argSetCount)
     return true;
+  const std::uint32_t replayed = record.argSetCount;
   const bool complete = detail::replayAllArguments(record, target);
-  seen = record.argSetCount;
+  seen = replayed;
   return complete;
 }
 

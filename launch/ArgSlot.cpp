@@ -51,6 +51,8 @@ const void *ArgSlot::copyUnusual(std::size_t newSize, const void *newValue) {
   if (!block.fits(newSize)) {
     if (isSmall(newSize))
       return std::memcpy(small, newValue, newSize);
+    // A setting made within this one may have used the room.
+    makeRoomForUnusual(newSize);
     block = std::move(next);
   }
   copyBytes(block.bytes.get(), newValue, newSize);

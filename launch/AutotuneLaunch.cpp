@@ -203,6 +203,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
 
 cl_int AutotuneLaunch::runKernelAlone() {
   auto ticket = makeTicket({});
+  timings->timings.reserve(1);
   list();
   BaselineEvent event(launch.event);
   Launch watched = launch;

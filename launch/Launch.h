@@ -42,7 +42,7 @@ inline cl_int enqueue(const Launch &launch) {
   return enqueueAs(launch, launch.kernel, launch.globalSize, launch.localSize);
 }
 
-/// One entry a dimension; what lies beyond the launch's dimensions is zero.
+/// One entry a dimension; nobody looks beyond the launch's dimensions.
 using Sizes = std::array<std::size_t, 3>;
 
 /// Copies the sizes of a launch, of which there are at most three. That bound

@@ -34,7 +34,8 @@ static bool haveBucketsOfTheirOwn(const std::vector<VariantKernel> &variants) {
 static void putThroughMap(std::vector<VariantKernel> &variants) {
   llvm::DenseMap<cl_kernel, VariantKernel> map;
   for (const VariantKernel &variant : variants) {
-    makeRoomForOne(map);
+    if (map.find(variant.kernel) == map.end())
+      makeRoomForOne(map);
     map.try_emplace(variant.kernel, variant);
   }
   auto next = variants.begin();

@@ -8,6 +8,7 @@
 #include "gtest/gtest.h"
 
 #include <array>
+#include <cstdint>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -44,6 +45,20 @@ TEST(ArgSizes, HoldASixteenByteArgumentAsSixteenBytes) {
   EXPECT_THAT(app.replayed(),
               ElementsAre(setting(16, "01 02 03 04 05 06 07 08 09 0a 0b 0c 0d "
                                       "0e 0f 10")));
+}
+
+static cl_int CL_API_CALL refuseArgument(cl_kernel, cl_uint, size_t,
+                                         const void *) {
+  return CL_INVALID_ARG_SIZE;
+}
+
+TEST(ArgSizes, AreTheRuntimesToRefuseHoweverLarge) {
+  OneArgument app(
+      [](DispatchTable &table) { table.clSetKernelArg = refuseArgument; });
+  const cl_int value = 1;
+  for (const std::size_t size : {SIZE_MAX, SIZE_MAX / 2, std::size_t{1} << 46})
+    EXPECT_EQ(app.cl.clSetKernelArg(app.kernel, 0, size, &value),
+              CL_INVALID_ARG_SIZE);
 }
 
 TEST(ArgSizes, ReplayLocalMemoryAsASizeWithoutAValue) {

@@ -58,6 +58,15 @@ TEST(PutInMapOrder, IsTheOrderOfTheMapWhereHandlesShareABucket) {
   EXPECT_EQ(ordered(addresses), orderOfMap(addresses));
 }
 
+// A map looks for the key before it grows for it.
+TEST(PutInMapOrder, IsTheOrderOfTheMapWhereItIsNearlyFullAndOneHandleRepeats) {
+  for (std::uintptr_t count = 40; count != 50; ++count) {
+    std::vector<std::uintptr_t> addresses = spread(count);
+    addresses.insert(addresses.end(), {0, 0});
+    EXPECT_EQ(ordered(addresses), orderOfMap(addresses)) << count;
+  }
+}
+
 TEST(PutInMapOrder, KeepsTheFirstOfVariantsWithOneHandle) {
   EXPECT_THAT(ordered({0, 0x10000, 0}), testing::SizeIs(2));
 }
