@@ -32,12 +32,17 @@ std::string debug::string_ostream::takeText() {
   return std::move(text);
 }
 
-void debug::string_ostream::dump() {
+static std::ofstream openDumpLog() {
+  const EnvironmentLook look;
   const char *path = dumpLogPath();
   if (!path)
-    return;
-  std::ofstream file(path, std::ios::out | std::ios::app | std::ios::binary);
-  if (!file)
+    return {};
+  return std::ofstream(path, std::ios::out | std::ios::app | std::ios::binary);
+}
+
+void debug::string_ostream::dump() {
+  std::ofstream file = openDumpLog();
+  if (!file.is_open())
     return;
   const std::string log = takeText();
   platform::makeErrorStreamBinary();

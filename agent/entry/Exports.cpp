@@ -15,8 +15,8 @@
 using namespace corvane;
 
 cl_int clAgent_OnLoad(AgentOperations *agent) {
-  debugLog() << "Frontend loaded\n";
   AgentGuard guard;
+  debugLog() << "Frontend loaded\n";
   setHooksInstalled(false);
   prepareOutput();
   createAgentState();
