@@ -26,7 +26,8 @@ struct KernelGroup {
   std::string name;             ///< of the kernel; a variant's base name
   /// In the runtime's order of kernels.
   std::vector<std::unique_ptr<llvm::TransformedKernelAgent>> variants;
-  /// Null until it is asked for, and again after a change of the variants.
+  /// Null until it is asked for, and again after a change of the variants. Only
+  /// under the agent lock.
   std::shared_ptr<const KernelPrototype> prototype;
 };
 
