@@ -6,6 +6,9 @@
 #include "layer/Notification.h"
 #include "layer/Programs.h"
 
+#include <chrono>
+#include <thread>
+
 using namespace corvane::layer;
 
 // The agent waits for the end of what it has started, so that it can look at
@@ -25,6 +28,19 @@ static auto attempt(Attempt attemptWith, HasBegun hasBegun, Notify notify,
   return result;
 }
 
+// A program that has kernels cannot be built. The runtime still has one for a
+// moment after its launch is over, and longer when the agent looks at the
+// launch first: then alone the build would have worked, and is tried again.
+// Where the application has kernels, it hears of it somewhat later.
+template <typename Build> static cl_int buildWithoutKernels(Build tryToBuild) {
+  cl_int status = tryToBuild();
+  for (int tries = 0; status == CL_INVALID_OPERATION && tries != 100; ++tries) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    status = tryToBuild();
+  }
+  return status;
+}
+
 // A second build would be added to the first one's record. The agent holds its
 // lock, so the build that comes is the next that it learns of.
 static cl_int CL_API_CALL buildBelow(cl_program program, cl_uint numDevices,
@@ -35,8 +51,10 @@ static cl_int CL_API_CALL buildBelow(cl_program program, cl_uint numDevices,
     forgetBuilds(program);
   return attempt(
       [&](Notify call, void *with) {
-        return runtime().clBuildProgram(program, numDevices, devices, options,
-                                        call, with);
+        return buildWithoutKernels([&] {
+          return runtime().clBuildProgram(program, numDevices, devices, options,
+                                          call, with);
+        });
       },
       [](cl_int status) { return status == CL_SUCCESS; }, notify, userData);
 }

@@ -32,6 +32,25 @@ TEST_F(LayeredPrograms, AreStillHeldAfterAReleaseThatFailed) {
   EXPECT_EQ(kernelNames(program), "k;other");
 }
 
+// A runtime may hold a kernel of its own a little longer than the application.
+TEST_F(LayeredPrograms, AreBuiltWhenTheRuntimeHasLetGoOfTheirKernels) {
+  withVariant(runtime.sourceMakes());
+  cl_program program = createProgram();
+  runtime.answer("clBuildProgram", CL_INVALID_OPERATION, 1);
+  EXPECT_EQ(cl().clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr),
+            CL_SUCCESS);
+  EXPECT_EQ(kernelNames(program), "k;other");
+}
+
+TEST_F(LayeredPrograms, AreNotBuiltWhileTheyHaveKernels) {
+  cl_program program = createProgram();
+  runtime.answer("clBuildProgram", CL_INVALID_OPERATION);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(cl().clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr),
+            CL_INVALID_OPERATION);
+  testing::internal::GetCapturedStderr();
+}
+
 // The agent hears of the last release, and reports what came of it.
 TEST_F(LayeredPrograms, AreNotHeldMoreAfterARetainThatFailed) {
   cl_program program = createProgram();
