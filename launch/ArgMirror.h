@@ -12,7 +12,6 @@
 namespace corvane {
 
 namespace detail {
-void makeSlot(KernelRecord &record, cl_uint index);
 void recordFirstSetting(KernelRecord &record, cl_uint index, std::size_t size,
                         const void *value);
 bool replayAllArguments(const KernelRecord &record, cl_kernel target);
@@ -35,10 +34,11 @@ inline void makeRoomForArgument(KernelRecord &record, cl_uint index,
                                 std::size_t size, const void *value) {
   if (!canBeRecorded(index, size, value))
     return;
-  if (index >= record.argSlots.size())
-    detail::makeSlot(record, index);
+  ArgSlot *slot = record.argSlots.find(index);
+  if (!slot)
+    slot = &record.argSlots.make(index);
   if (value)
-    record.argSlots[index].makeRoom(size);
+    slot->makeRoom(size);
 }
 
 /// Remembers a setting for which there is room.
@@ -46,7 +46,7 @@ inline void recordArgument(KernelRecord &record, cl_uint index,
                            std::size_t size, const void *value) {
   if (!canBeRecorded(index, size, value))
     return;
-  ArgSlot &slot = record.argSlots[index];
+  ArgSlot &slot = *record.argSlots.find(index);
   if (slot.index != index)
     return detail::recordFirstSetting(record, index, size, value);
   slot.record(index, size, value);

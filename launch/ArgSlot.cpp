@@ -8,14 +8,6 @@
 
 using namespace corvane;
 
-ArgSlot::ArgSlot(ArgSlot &&other) noexcept
-    : index(other.index), size(other.size), value(other.value),
-      block(std::move(other.block)), next(std::move(other.next)) {
-  std::memcpy(small, other.small, sizeof small);
-  if (value == other.small)
-    value = small;
-}
-
 static bool isSmall(std::size_t size) {
   return size == 1 || size == 2 || size == 4 || size == 8;
 }

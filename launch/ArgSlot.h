@@ -11,7 +11,8 @@
 
 namespace corvane {
 
-/// Remembers the bytes of an argument. Reading is by the public fields.
+/// Remembers the bytes of an argument. Reading is by the public fields; value
+/// may point into the slot itself, so a slot is never moved.
 struct ArgSlot {
   static constexpr std::uint32_t unset = UINT32_MAX;
 
@@ -22,8 +23,8 @@ struct ArgSlot {
 
   ArgSlot() = default;
   explicit ArgSlot(std::uint32_t ofArgument) : index(ofArgument) {}
-  ArgSlot(ArgSlot &&other) noexcept;
-  ArgSlot &operator=(ArgSlot &&) = delete;
+  ArgSlot(const ArgSlot &) = delete;
+  ArgSlot &operator=(const ArgSlot &) = delete;
 
   /// Gets the memory that a value of this size will need, and leaves the one
   /// that there is alone. Allocates only when the size is none of 1, 2, 4, 8

@@ -2,11 +2,12 @@
 
 #pragma once
 
-#include "launch/ArgSlot.h"
+#include "launch/ArgSlots.h"
 #include "launch/Launch.h"
 #include "programs/KernelPrototype.h"
 
-#include "llvm/ADT/ArrayRef.h"
+#include "llvm/ADT/STLExtras.h"
+#include "llvm/ADT/Sequence.h"
 
 #include <CL/cl.h>
 
@@ -55,12 +56,7 @@ struct KernelRecord {
   /// That of the last launch: most programs repeat one.
   Selection selection;
 
-  /// By argument index; made when an argument is set. An unset slot was never
-  /// set, but the first one counts as set from the start: empty and without a
-  /// value.
-  std::vector<ArgSlot> argSlots;
-  /// What stands for the first argument until one is set.
-  const ArgSlot emptyFirst{0};
+  ArgSlots argSlots;
   /// How many slots, from the first, are set without a gap.
   std::size_t recordedCount = 1;
 
@@ -71,10 +67,12 @@ struct KernelRecord {
 };
 
 /// The recorded arguments, in order: the slots up to the first gap.
-inline llvm::ArrayRef<ArgSlot> recordedArguments(const KernelRecord &record) {
-  if (record.argSlots.empty())
-    return record.emptyFirst;
-  return {record.argSlots.data(), record.recordedCount};
+inline auto recordedArguments(const KernelRecord &record) {
+  return llvm::map_range(
+      llvm::seq<std::size_t>(0, record.recordedCount),
+      [&slots = record.argSlots](std::size_t index) -> const ArgSlot & {
+        return *slots.find(index);
+      });
 }
 
 } // namespace corvane
