@@ -71,7 +71,7 @@ TEST(ArgSizes, MayChangeBetweenSmallAndLarge) {
   OneArgument app;
   unsigned char fill = 0;
   for (const std::size_t size :
-       {4, 16, 8, 16, 12, 1, 12, 24, 2, 3, 3, 5, 8, 7, 256, 4}) {
+       {4, 16, 8, 32, 12, 1, 12, 24, 2, 3, 3, 5, 64, 7, 32, 4}) {
     const std::vector<unsigned char> value(size, ++fill);
     app.cl.clSetKernelArg(app.kernel, 0, size, value.data());
     EXPECT_THAT(app.replayed(),
