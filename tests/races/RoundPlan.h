@@ -31,7 +31,8 @@ void PrintTo(const RoundPlan &plan, std::ostream *out);
 /// From CORVANE_RACES_ROUNDS; how often each test goes through all turns.
 unsigned wantedRounds();
 
-/// The seed of a test's first round: CORVANE_RACES_SEED, or one of chance's.
+/// What a test's first round makes its choices from: CORVANE_RACES_SEED, or a
+/// number left to chance.
 unsigned firstSeed();
 
 } // namespace corvane::test
