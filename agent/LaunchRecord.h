@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvane {
@@ -34,8 +35,14 @@ struct LaunchRecord {
 /// Runs complete on threads of the runtime, without the agent lock and perhaps
 /// after a flush; so whoever waits for a run shares the history.
 struct LaunchHistory {
-  /// Guards the records' timings, the list and the log file. A leaf lock: never
-  /// held across a call into the runtime.
+  LaunchHistory() = default;
+  explicit LaunchHistory(std::string folder) : loadFolder(std::move(folder)) {}
+
+  /// The folder that was current at the load, from which a relative output
+  /// directory is found; empty if it is unknown.
+  const std::string loadFolder;
+  /// Guards the records' timings, the list, the rows and the log file. A leaf
+  /// lock: never held across a call into the runtime.
   std::mutex lock;
   std::vector<std::shared_ptr<LaunchRecord>> records;
   /// Rows that could not be written to the log yet, each with its line feed.

@@ -8,12 +8,15 @@
 #include "agent/Flags.h"
 #include "agent/platform/Platform.h"
 #include "results/InstallLocation.h"
+#include "results/OutputDirectory.h"
 #include "results/RawTimingLog.h"
 #include "results/ReportWriter.h"
 #include "results/ResultsReader.h"
 
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 
 using namespace corvane;
 
@@ -25,40 +28,71 @@ int corvane::ensureOutputDir(const ReportJob &job) {
   return platform::createDirectory(html.c_str()) ? 0 : 2;
 }
 
-static void runJob(ReportJob &job) {
-  if (ensureOutputDir(job) != 0)
+namespace {
+
+/// A history that no more runs are added to. Its lock is held, if it was free,
+/// until the waiting rows are written: a row that was being written came first.
+/// A thread that has the lock now is not waited for, because it may have been
+/// stopped by the end of the process.
+class ClosedHistory {
+public:
+  explicit ClosedHistory(LaunchHistory &open)
+      : history(open), lock(open.lock, std::try_to_lock) {
+    history.open = false;
+  }
+
+  /// Where the results go; none if no variable says so.
+  std::optional<std::string> directory() const {
+    return outputDirectory(history.loadFolder);
+  }
+  /// Lets the history go as well.
+  void writeRows() {
+    if (!lock)
+      return;
+    if (const std::optional<std::string> where = directory())
+      writeWaitingRows(history, *where);
+    lock.unlock();
+  }
+
+private:
+  LaunchHistory &history;
+  std::unique_lock<std::mutex> lock;
+};
+
+} // namespace
+
+static void runJob(ReportJob &job, ClosedHistory &history) {
+  const int status = ensureOutputDir(job);
+  history.writeRows();
+  if (status != 0)
     return writeError("ensureOutputDir() error\n");
   if (readCSV(job) != 0)
     return writeError("readCSV() error\n");
   writeReport(job);
 }
 
-// False without an install location. A build on another thread may be moving
+// None if no variable says so. A build on another thread may be moving
 // variables.
-static bool readEnvironment(ReportJob &job) {
+static std::optional<std::string> givenInstallLocation() {
   const EnvironmentLook look;
   const char *location = installLocation();
   if (!location)
-    return false;
-  // If it was removed since the load, no directory can be created for it.
-  const char *directory = resultsDir();
-  job.outputDirectory = directory ? directory : "";
-  job.installLocation = normalizedLocation(location);
-  return true;
+    return std::nullopt;
+  return normalizedLocation(location);
 }
 
-static void produceResults() {
-  ReportJob job;
-  if (!readEnvironment(job))
+static void produceResults(ClosedHistory &history) {
+  const std::optional<std::string> location = givenInstallLocation();
+  if (!location) {
+    history.writeRows();
     return writeError("CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+  }
+  ReportJob job;
+  // If it was removed since the load, no directory can be created for it.
+  job.outputDirectory = history.directory().value_or("");
+  job.installLocation = *location;
   job.logPath = rawLogPath(job.outputDirectory);
-  runJob(job);
-}
-
-// Lets a row that is being written be finished first, if that needs no waiting.
-static void closeHistory(LaunchHistory &history) {
-  const std::unique_lock<std::mutex> lock(history.lock, std::try_to_lock);
-  history.open = false;
+  runJob(job, history);
 }
 
 namespace {
@@ -73,7 +107,7 @@ void corvane::flushAutotuneResults() {
   const std::unique_ptr<AgentState, RetireState> state(takeAgentState());
   if (!state)
     return;
-  closeHistory(*state->launchRecords);
+  ClosedHistory history(*state->launchRecords);
   if (autotuneOutput())
-    produceResults();
+    produceResults(history);
 }

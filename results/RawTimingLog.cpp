@@ -3,17 +3,18 @@
 
 #include "results/RawTimingLog.h"
 
-#include "agent/Environment.h"
 #include "agent/Flags.h"
 #include "agent/platform/Platform.h"
 #include "results/ConfigResults.h"
 #include "results/File.h"
 #include "results/NumberText.h"
+#include "results/OutputDirectory.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -127,12 +128,16 @@ static std::string allRows(const LaunchHistory &history) {
 
 // \p log is empty.
 static void writeAnew(std::FILE *log, LaunchHistory &history) {
-  // First, for without memory the log has to stay empty: the next row tries
-  // again.
-  std::string rows = allRows(history);
+  // A full disk takes not even the header; a long history is not made into rows
+  // for each try.
   if (!writeLine(log, headerLine, 0))
     return;
-  history.unwrittenRows = std::move(rows);
+  try {
+    history.unwrittenRows = allRows(history);
+  } catch (const std::bad_alloc &) {
+    platform::cutFile(log, 0); // the next row tries again
+    throw;
+  }
   writeRows(log, history.unwrittenRows,
             static_cast<long>(std::strlen(headerLine)));
 }
@@ -155,21 +160,19 @@ static void updateLog(const std::string &path, LaunchHistory &history) {
     writeRows(log.get(), history.unwrittenRows, length);
 }
 
-static std::optional<std::string> currentPath() {
-  const EnvironmentLook look;
-  const char *directory = resultsDir();
-  if (!directory)
-    return std::nullopt;
-  return rawLogPath(directory);
-}
-
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
   const std::lock_guard<std::mutex> guard(fileLock);
   if (!autotuneOutput() || !history.open || record.timings.empty())
     return;
   history.unwrittenRows += rowLine(launchKey(record), record.timings.back());
-  const std::optional<std::string> path = currentPath();
-  if (!path)
-    return;
-  updateLog(*path, history);
+  if (const std::optional<std::string> directory =
+          outputDirectory(history.loadFolder))
+    updateLog(rawLogPath(*directory), history);
+}
+
+void corvane::writeWaitingRows(LaunchHistory &history,
+                               const std::string &directory) {
+  const std::unique_lock<std::mutex> guard(fileLock, std::try_to_lock);
+  if (guard && !history.unwrittenRows.empty())
+    updateLog(rawLogPath(directory), history);
 }

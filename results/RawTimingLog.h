@@ -25,6 +25,13 @@ std::string timeText(std::uint64_t nanoseconds);
 /// concern. Any thread, also while runs of an earlier load complete.
 bool createRawLog(const std::string &directory);
 
+/// Writes the rows that could not be written yet, or makes a missing or empty
+/// log anew from the whole history. Does nothing if no row waits or another
+/// thread is writing to a log: waits for no lock. Failures leave no trace.
+///
+/// Hold the history's lock.
+void writeWaitingRows(LaunchHistory &history, const std::string &directory);
+
 /// Adds a row for the last timing of \p record to the log, or makes a missing
 /// or empty log anew from the whole history. Does nothing without autotuning or
 /// once the history is closed; failures leave no trace.

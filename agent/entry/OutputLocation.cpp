@@ -2,10 +2,12 @@
 
 #include "agent/entry/OutputLocation.h"
 
+#include "agent/AgentState.h"
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
 #include "agent/Flags.h"
 #include "agent/platform/Platform.h"
+#include "results/OutputDirectory.h"
 #include "results/RawTimingLog.h"
 
 #include <string>
@@ -18,6 +20,12 @@ static void reportUnusable(const std::string &directory) {
              " is invalid. There will be no autotune output generated.\n");
 }
 
+// A second load goes on with the history, and in the folder, of the first one.
+static std::string loadFolder() {
+  const AgentState *state = agentState();
+  return state ? state->launchRecords->loadFolder : currentFolder();
+}
+
 void corvane::prepareOutput() {
   // Looked up and deliberately ignored: the name is reserved.
   (void)lookUp(variable::corvane);
@@ -27,10 +35,11 @@ void corvane::prepareOutput() {
     setAutotuneOutput(false);
     return;
   }
-  const std::string directory = value;
+  const std::string asGiven = value;
+  const std::string directory = outputDirectory(loadFolder()).value_or("");
   platform::createDirectory(directory.c_str());
   const bool usable = createRawLog(directory);
   if (!usable)
-    reportUnusable(directory);
+    reportUnusable(asGiven);
   setAutotuneOutput(usable);
 }

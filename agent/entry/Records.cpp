@@ -6,10 +6,12 @@
 #include "launch/KernelRecord.h"
 #include "programs/BufferRecord.h"
 #include "programs/ProgramRecord.h"
+#include "results/OutputDirectory.h"
 
 using namespace corvane;
 
-AgentState::AgentState() : launchRecords(std::make_shared<LaunchHistory>()) {}
+AgentState::AgentState()
+    : launchRecords(std::make_shared<LaunchHistory>(currentFolder())) {}
 
 AgentState::~AgentState() = default;
 

@@ -3,39 +3,15 @@
 #include "TestState.h"
 #include "results/OutputFile.h"
 #include "tests/support/EnvGuard.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-
-/// No file of this process grows beyond some bytes, as on a full disk.
-class FileSizeLimit {
-public:
-  explicit FileSizeLimit(rlim_t bytes)
-      : handlerBefore(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit limit{bytes, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handlerBefore);
-  }
-  FileSizeLimit(const FileSizeLimit &) = delete;
-  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
-private:
-  rlimit before{};
-  void (*handlerBefore)(int);
-};
 
 struct FullDisk : testing::Test {
   TempFolder folder;

@@ -1,0 +1,58 @@
+// Tests of a raw timing log whose disk is full. Posix systems have limits that
+// play one, and a C library whose allocations can be counted.
+
+#include "tests/behaviour/launch/AllocationCount.h"
+#include "tests/behaviour/launch/Application.h"
+#include "tests/support/FileSizeLimit.h"
+
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+#include <algorithm>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+// The runtime describes each call in words unless it is told to forget them.
+long allocationsOfALaunch(TuningApplication &app, cl_kernel kernel) {
+  const long before = allocationCount();
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  return allocationCount() - before;
+}
+
+} // namespace
+
+TEST(FullDiskFromTheStart, CostsEachLaunchTheSame) {
+  const FileSizeLimit limit(0);
+  TuningApplication app;
+  app.program.kernel("k");
+  cl_kernel kernel = app.create("k");
+  for (int i = 0; i != 20; ++i)
+    allocationsOfALaunch(app, kernel);
+  const long early = allocationsOfALaunch(app, kernel);
+  for (int i = 0; i != 2000; ++i)
+    allocationsOfALaunch(app, kernel);
+  // Some list may just have become full.
+  EXPECT_LE(allocationsOfALaunch(app, kernel), early + 20);
+  EXPECT_EQ(app.log(), "");
+}
+
+TEST(FullDiskFromTheStart, LosesNoRowIfThereIsRoomAtTheFlush) {
+  TuningApplication app;
+  app.program.kernel("k");
+  cl_kernel kernel = app.create("k");
+  app.runtime.takes("k", {2000});
+  ASSERT_TRUE(app.folder.write(app.logName, ""));
+  {
+    const FileSizeLimit limit(0);
+    for (int i = 0; i != 3; ++i)
+      EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+    EXPECT_EQ(app.log(), "");
+  }
+  app.agent.unload();
+  EXPECT_EQ(app.log(), std::string(app.header) + "k,16,,,0,,,baseline,2.000\n"
+                                                 "k,16,,,0,,,baseline,2.000\n"
+                                                 "k,16,,,0,,,baseline,2.000\n");
+}
