@@ -2,7 +2,9 @@
 
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 namespace corvane::platform {
@@ -21,6 +23,37 @@ extern const char *const directorySeparator;
 /// The name of a file as the file system tells it from others: two files whose
 /// names are the same here are one file there.
 std::string comparableFileName(std::string name);
+
+struct CloseFile {
+  void operator()(std::FILE *file) const { std::fclose(file); }
+};
+/// An open file that closes itself.
+using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
+
+enum class FileUse {
+  Read,
+  Replace, ///< empty what is there, or create it
+  Append   ///< add at the end and read, or create it
+};
+
+struct OpenedFile {
+  FileHandle file; ///< null: it could not be opened
+  /// Whether it was not opened because the name leads to a symbolic link, a
+  /// pipe, a device or anything else that is neither a file nor a folder.
+  bool refused = false;
+};
+
+/// Opens the regular file \p path, without a buffer of the C library's: each
+/// std::fwrite is one write to the system. Never waits, never follows a link in
+/// the last part of the path, and changes nothing before it is sure of the
+/// file's kind. Programs that the process starts do not inherit the file, and
+/// it never takes the number of a standard stream that is closed. Any thread.
+OpenedFile openRegularFile(const std::string &path, FileUse use);
+
+/// Writes to a file that openRegularFile has opened for writing. Returns how
+/// many bytes the system took, all of \p count unless it failed. A failure
+/// raises no signal, not even beyond the process's limit for the size of files.
+std::size_t writeBytes(std::FILE *file, const void *bytes, std::size_t count);
 
 /// Drops what \p file, open for writing and without a buffer, holds behind its
 /// first \p length bytes; failures are ignored.

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <io.h>
 #include <windows.h>
 
 using namespace corvane;
@@ -64,6 +65,27 @@ TEST(Platform, CutsAFileBehindAGivenLength) {
   platform::cutFile(file, 4);
   std::fclose(file);
   EXPECT_EQ(folder.read("file"), "0123");
+}
+
+TEST(Platform, RefusesADeviceInThePlaceOfAFile) {
+  using platform::FileUse;
+  for (const FileUse use : {FileUse::Read, FileUse::Replace, FileUse::Append}) {
+    const platform::OpenedFile opened = platform::openRegularFile("NUL", use);
+    EXPECT_FALSE(opened.file);
+    EXPECT_TRUE(opened.refused);
+  }
+}
+
+TEST(Platform, KeepsFilesFromOtherPrograms) {
+  TempFolder folder;
+  const platform::OpenedFile opened = platform::openRegularFile(
+      folder.file("file"), platform::FileUse::Replace);
+  ASSERT_TRUE(opened.file);
+  const auto handle =
+      reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(opened.file.get())));
+  DWORD flags = 0;
+  ASSERT_TRUE(GetHandleInformation(handle, &flags));
+  EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0U);
 }
 
 TEST(Platform, KnowsWhereMemoryLies) {
