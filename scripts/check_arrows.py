@@ -13,16 +13,17 @@ import tempfile
 # What each folder may use besides itself. The order is from the ground up.
 ARROWS = {
     "variants": set(),
+    "tuning": set(),
     "agent": set(),
     "results": {"agent"},
     "programs": {"results", "variants", "agent"},
-    "launch": {"programs", "results", "variants", "agent"},
-    "agent/entry": {"launch", "programs", "results", "variants", "agent"},
+    "launch": {"programs", "results", "tuning", "variants", "agent"},
+    "agent/entry": {"launch", "programs", "results", "tuning", "variants", "agent"},
     "layer": set(),
     "examples": set(),
 }
 # OpenCL's own types are the business of everybody but the pure rules.
-NO_OPENCL = {"variants"}
+NO_OPENCL = {"variants", "tuning"}
 
 INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^">]+)[">]')
 
