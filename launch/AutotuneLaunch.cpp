@@ -46,7 +46,7 @@ private:
   KernelRecord &record;
   const Launch &launch;
   const std::optional<cl_uint> kernelArguments;
-  const Sizes local;
+  const LaunchSizes sizes;
   EventChain chain;
   std::shared_ptr<LaunchRecord> timings;
   bool transfersEnqueued = false;
@@ -74,14 +74,13 @@ private:
 };
 } // namespace
 
-static std::shared_ptr<LaunchRecord>
-describe(const KernelRecord &record, const Launch &launch, const Sizes &local) {
+static std::shared_ptr<LaunchRecord> describe(const KernelRecord &record,
+                                              const LaunchSizes &sizes) {
   auto described = std::make_shared<LaunchRecord>();
   described->kernel = record.name();
-  described->workDim = launch.workDim;
-  for (cl_uint d = 0; d < launch.workDim; ++d)
-    described->globalSize[d] = launch.globalSize[d];
-  described->localSize = local;
+  described->workDim = sizes.workDim;
+  described->globalSize = sizes.global;
+  described->localSize = sizes.local;
   return described;
 }
 
@@ -89,9 +88,9 @@ AutotuneLaunch::AutotuneLaunch(AgentState &agentState,
                                KernelRecord &kernelRecord, const Launch &asked,
                                std::optional<cl_uint> argumentsOfKernel)
     : state(agentState), record(kernelRecord), launch(asked),
-      kernelArguments(argumentsOfKernel), local(localCopy(asked)),
+      kernelArguments(argumentsOfKernel), sizes(sizesOf(asked)),
       chain(asked.numEventsInWaitList, asked.eventWaitList),
-      timings(describe(kernelRecord, asked, local)) {}
+      timings(describe(kernelRecord, sizes)) {}
 
 void AutotuneLaunch::list() {
   LaunchHistory &history = *state.launchRecords;
@@ -113,7 +112,8 @@ std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() {
   std::vector<Candidate> candidates;
   for (VariantKernel &variant : record.variantKernels) {
     VariantRange range;
-    if (!variant.kernel || !makeRange(*variant.variant, launch, local, range) ||
+    if (!variant.kernel ||
+        !makeRange(*variant.variant, launch, sizes.local, range) ||
         !acceptsArguments(record, *variant.variant))
       continue;
     // The version name alone is carried to the log: the application's kernel is

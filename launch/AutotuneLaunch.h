@@ -8,11 +8,10 @@ namespace corvane {
 
 struct AgentState;
 
-/// Runs each variant that accepts \p launch, a regular one, and the
-/// application's kernel last, all on the buffer contents that the application
-/// left. Waits for nothing. A kernel without a record is launched as it is;
-/// without a state nothing is launched. A failure is reported and returned.
-/// Hold the agent lock.
+/// Runs each variant that accepts \p launch and the application's kernel last,
+/// all on the buffer contents that the application left. Waits for nothing. A
+/// kernel without a record is launched as it is; without a state nothing is
+/// launched. A failure is reported and returned. Hold the agent lock.
 cl_int launchForAutotuning(AgentState *state, const Launch &launch);
 
 } // namespace corvane

@@ -29,9 +29,9 @@ struct VariantKernel {
 /// Which variant certain sizes lead to. Conditions do not change, so the answer
 /// stays true.
 struct Selection {
-  LaunchSizes sizes; ///< no launch has those that stand here at first
-  VariantKernel *variant = nullptr; ///< null: none accepts
-  VariantRange range;               ///< with which the variant is launched
+  LaunchSizes sizes{UINT32_MAX, {}, {}}; ///< at first those of no launch
+  VariantKernel *variant = nullptr;      ///< null: none accepts
+  VariantRange range;                    ///< with which the variant is launched
 };
 
 /// A kernel that the application created from a program that we know.

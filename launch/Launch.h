@@ -19,8 +19,8 @@ struct Launch {
   cl_kernel kernel;
   cl_uint workDim;
   const std::size_t *globalOffset; ///< may be null
-  const std::size_t *globalSize;
-  const std::size_t *localSize; ///< null: the runtime chooses
+  const std::size_t *globalSize;   ///< null: left out
+  const std::size_t *localSize;    ///< null: the runtime chooses
   cl_uint numEventsInWaitList;
   const cl_event *eventWaitList;
   cl_event *event; ///< null: not wanted
@@ -52,7 +52,8 @@ inline void copySizes(cl_uint workDim, const std::size_t *from, Sizes &to) {
     to[d] = from[d];
 }
 
-/// The dimensions and sizes of a launch, as far as variants look at them.
+/// The dimensions and sizes of a launch, as variants look at them: a size that
+/// the application does not give is zero.
 struct LaunchSizes {
   cl_uint workDim = 0;
   Sizes global{};
@@ -78,42 +79,48 @@ struct GroupCountArgument {
 };
 static_assert(sizeof(GroupCountArgument) == 16, "variants declare 16 bytes");
 
-/// Whether the sizes can be computed with: one to three dimensions, a global
-/// size, and no local size of zero.
-inline bool isRegular(const Launch &launch) {
-  if (launch.workDim < 1 || launch.workDim > 3 || !launch.globalSize)
-    return false;
+/// Whether there is room for all dimensions of \p launch. No variant has more,
+/// and the arrays of a launch that claims more are not read beyond the third.
+inline bool fitsSizes(const Launch &launch) { return launch.workDim <= 3; }
+
+/// Whether \p launch gives a local size of zero: no runtime accepts it.
+inline bool hasZeroLocalSize(const Launch &launch) {
   if (launch.localSize)
     for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
       if (launch.localSize[d] == 0)
-        return false;
-  return true;
+        return true;
+  return false;
 }
 
-/// The local size of a regular launch; zeros when it has none.
-inline Sizes localCopy(const Launch &launch) {
-  Sizes sizes{};
+/// The first three dimensions of \p launch at most, which may be irregular.
+inline LaunchSizes sizesOf(const Launch &launch) {
+  LaunchSizes sizes;
+  sizes.workDim = launch.workDim;
+  if (launch.globalSize)
+    copySizes(launch.workDim, launch.globalSize, sizes.global);
   if (launch.localSize)
-    copySizes(launch.workDim, launch.localSize, sizes);
+    copySizes(launch.workDim, launch.localSize, sizes.local);
   return sizes;
 }
 
-/// Whether a regular launch has these sizes.
+/// Whether \p launch has these sizes.
 inline bool hasSizes(const Launch &launch, const LaunchSizes &sizes) {
   if (launch.workDim != sizes.workDim)
     return false;
   for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
-    if (launch.globalSize[d] != sizes.global[d] ||
+    if ((launch.globalSize ? launch.globalSize[d] : 0) != sizes.global[d] ||
         (launch.localSize ? launch.localSize[d] : 0) != sizes.local[d])
       return false;
   return true;
 }
 
-/// The work-groups of a regular launch; zeros when it has no local size.
+/// The work-groups of \p launch; zero where the sizes do not tell.
 inline GroupCountArgument groupCounts(const Launch &launch) {
   GroupCountArgument argument;
-  if (launch.localSize)
-    for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+  if (!launch.globalSize || !launch.localSize)
+    return argument;
+  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+    if (launch.localSize[d] != 0)
       argument.groups[d] = static_cast<std::uint32_t>(launch.globalSize[d] /
                                                       launch.localSize[d]);
   return argument;

@@ -50,9 +50,16 @@ static cl_int launchVariant(const KernelRecord &record, VariantKernel &variant,
                    range.localSize());
 }
 
+// A local size of zero is the runtime's to refuse: a variant could be launched
+// with another one.
+static bool mayTakeVariant(const KernelRecord &record, const Launch &launch) {
+  return !record.variantKernels.empty() && fitsSizes(launch) &&
+         !hasZeroLocalSize(launch);
+}
+
 static cl_int launchTracked(KernelRecord &record, const Launch &launch) {
   llvm::raw_ostream *log = keptDebugLog();
-  if (record.variantKernels.empty()) {
+  if (!mayTakeVariant(record, launch)) {
     logNoVariant(log, record);
     return enqueue(launch);
   }
@@ -65,7 +72,7 @@ static cl_int launchTracked(KernelRecord &record, const Launch &launch) {
   }
 
   logAcceptance(log, record);
-  if (!acceptsArguments(record, *variant->variant)) {
+  if (!launch.globalSize || !acceptsArguments(record, *variant->variant)) {
     warnAboutRejection();
     return enqueue(launch);
   }
@@ -74,9 +81,8 @@ static cl_int launchTracked(KernelRecord &record, const Launch &launch) {
 
 cl_int corvane::launchNormally(AgentState *state, const Launch &launch) {
   KernelRecord *record = state ? state->kernels.find(launch.kernel) : nullptr;
-  const cl_int status = record && isRegular(launch)
-                            ? launchTracked(*record, launch)
-                            : enqueue(launch);
+  const cl_int status =
+      record ? launchTracked(*record, launch) : enqueue(launch);
   if (status != CL_SUCCESS)
     reportClError(CallSite::Launch, status);
   return status;

@@ -18,16 +18,16 @@ static VariantKernel *findAcceptingVariant(KernelRecord &record,
 // Copies are made size by size: a wider read would wait for the writes.
 void corvane::select(KernelRecord &record, const Launch &launch) {
   Selection &selection = record.selection;
-  const Sizes local = localCopy(launch);
+  const LaunchSizes sizes = sizesOf(launch);
   selection.sizes.workDim = launch.workDim;
-  copySizes(launch.workDim, launch.globalSize, selection.sizes.global);
-  copySizes(launch.workDim, local.data(), selection.sizes.local);
+  copySizes(launch.workDim, sizes.global.data(), selection.sizes.global);
+  copySizes(launch.workDim, sizes.local.data(), selection.sizes.local);
   selection.variant = findAcceptingVariant(record, selection.sizes);
   if (!selection.variant)
     return;
   VariantRange &range = selection.range;
-  copySizes(launch.workDim, launch.globalSize, range.global);
-  copySizes(launch.workDim, local.data(), range.local);
+  copySizes(launch.workDim, sizes.global.data(), range.global);
+  copySizes(launch.workDim, sizes.local.data(), range.local);
   selection.variant->variant->record.adjustLaunch(
       launch.workDim, range.global.data(), range.local.data());
 }

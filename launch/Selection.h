@@ -7,11 +7,11 @@
 
 namespace corvane {
 
-/// Makes the record's selection that of \p launch, a regular one.
+/// Makes the record's selection that of \p launch, whose dimensions must fit.
 void select(KernelRecord &record, const Launch &launch);
 
-/// The selection for \p launch, a regular one, which lasts until the next. Most
-/// programs launch a kernel with the same sizes again and again.
+/// The selection for \p launch, whose dimensions must fit. It lasts until the
+/// next. Most programs launch a kernel with the same sizes again and again.
 inline const Selection &selectionFor(KernelRecord &record,
                                      const Launch &launch) {
   if (!hasSizes(launch, record.selection.sizes))

@@ -9,13 +9,14 @@
 
 namespace corvane {
 
-/// Makes \p range the one with which \p variant takes \p launch, a regular one
-/// of that local size. False, with \p range untouched, if a condition rejects
-/// the launch's sizes.
+/// Makes \p range the one with which \p variant takes \p launch, which has that
+/// local size. False, with \p range untouched, if there is no global size or a
+/// condition rejects the sizes.
 inline bool makeRange(const KernelPrototype::Variant &variant,
                       const Launch &launch, const Sizes &local,
                       VariantRange &range) {
-  return prepareLaunch(variant.record, launch.workDim, launch.globalSize,
+  return fitsSizes(launch) &&
+         prepareLaunch(variant.record, launch.workDim, launch.globalSize,
                        local.data(), range.global.data(), range.local.data());
 }
 

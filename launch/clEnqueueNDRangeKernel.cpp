@@ -24,8 +24,7 @@ cl_int CL_API_CALL hooks::clEnqueueNDRangeKernel(
                       numEventsInWaitList,
                       eventWaitList,
                       event};
-  // A launch that cannot be computed with is the runtime's to refuse.
-  if (autotuneOutput() && isRegular(launch))
+  if (autotuneOutput())
     return launchForAutotuning(agentState(), launch);
   return launchNormally(agentState(), launch);
 }

@@ -42,6 +42,20 @@ TEST(DiagnosticTexts, TellThatAVariantWasFoundButRejected) {
   EXPECT_THAT(ended.errorText, testing::HasSubstr(warning));
 }
 
+TEST(DiagnosticTexts, CountNoVariantAsTestedWithoutAGlobalSize) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    TuningApplication app({{variable::dumpLog, log}});
+    app.program.kernel("k").kernel("k_coarsed_r0");
+    EXPECT_EQ(app.cl.clEnqueueNDRangeKernel(
+                  app.runtime.queue(), app.create("k"), 1, nullptr, nullptr,
+                  nullptr, 0, nullptr, nullptr),
+              CL_INVALID_GLOBAL_WORK_SIZE);
+  });
+  EXPECT_THAT(ended.diagnosticLog,
+              testing::HasSubstr("\n0 kernel(s)  out of 1 are tested in "
+                                 "addition to the original kernel\n"));
+}
+
 TEST(DiagnosticTexts, TellThatNoVariantWasFound) {
   const Ended ended = runToItsEnd([](const std::string &log) {
     Application app({{variable::dumpLog, log}});

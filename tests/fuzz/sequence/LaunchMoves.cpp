@@ -95,14 +95,6 @@ static void checkTuning(Play &play, const HeldKernel &kernel, cl_int status,
   play.watchedRuns += watched;
 }
 
-static bool isRegular(const Range &range) {
-  if (range.workDim < 1 || range.workDim > 3 || !range.hasGlobal)
-    return false;
-  return !range.hasLocal ||
-         std::find(range.local.begin(), range.local.begin() + range.workDim,
-                   0U) == range.local.begin() + range.workDim;
-}
-
 void corvane::fuzz::launch(Play &play) {
   HeldKernel *kernel = play.pick(play.kernels);
   if (!kernel || kernel->pointsNowhere)
@@ -122,7 +114,7 @@ void corvane::fuzz::launch(Play &play) {
       static_cast<cl_uint>(waitList.size()),
       waitList.empty() ? nullptr : waitList.data(),
       wantsEvent ? &event : nullptr);
-  if (play.tuning && isRegular(range))
+  if (play.tuning)
     checkTuning(play, *kernel, status, event);
   else
     checkNormal(play, status, event);
