@@ -60,10 +60,10 @@ inline void recordArgument(KernelRecord &record, cl_uint index,
 /// callback of the runtime's, is one that it does not know of. Returns whether
 /// the runtime took every argument.
 inline bool replayArguments(const KernelRecord &record, cl_kernel target,
-                            std::uint32_t &seen) {
+                            std::uint64_t &seen) {
   if (seen >= record.argSetCount)
     return true;
-  const std::uint32_t replayed = record.argSetCount;
+  const std::uint64_t replayed = record.argSetCount;
   const bool complete = detail::replayAllArguments(record, target);
   seen = replayed;
   return complete;

@@ -23,7 +23,7 @@ struct VariantKernel {
   cl_kernel kernel; ///< null: the runtime did not create it; never launched
   const KernelPrototype::Variant *variant; ///< the prototype's
   /// How many of the recorded settings the variant has seen.
-  std::uint32_t argSyncCount = 0;
+  std::uint64_t argSyncCount = 0;
 };
 
 /// Which variant certain sizes lead to. Conditions do not change, so the answer
@@ -62,8 +62,8 @@ struct KernelRecord {
 
   /// Settings recorded so far, and how many of them the kernel's own replay has
   /// seen.
-  std::uint32_t argSetCount = 0;
-  std::uint32_t argSyncCount = 0;
+  std::uint64_t argSetCount = 0;
+  std::uint64_t argSyncCount = 0;
 };
 
 /// The recorded arguments, in order: the slots up to the first gap.
