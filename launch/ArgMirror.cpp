@@ -7,9 +7,14 @@
 
 using namespace corvane;
 
-void detail::recordFirstSetting(KernelRecord &record, cl_uint index,
-                                std::size_t size, const void *value) {
-  record.argSlots.find(index)->record(index, size, value);
+void detail::recordUnusualSetting(KernelRecord &record, cl_uint index,
+                                  std::size_t size, const void *value) {
+  ArgSlot &recorded = *record.argSlots.find(index);
+  const bool wasLost = recorded.isLost;
+  recorded.isLost = !canBeRecorded(size, value);
+  recorded.record(index, size, recorded.isLost ? nullptr : value);
+  record.lostArguments += recorded.isLost;
+  record.lostArguments -= wasLost;
   const auto isRecorded = [&](std::size_t at) {
     const ArgSlot *slot = record.argSlots.find(at);
     return slot && slot->index != ArgSlot::unset;
@@ -22,6 +27,8 @@ void detail::recordFirstSetting(KernelRecord &record, cl_uint index,
 bool detail::replayAllArguments(const KernelRecord &record, cl_kernel target) {
   bool complete = true;
   for (const ArgSlot &slot : recordedArguments(record)) {
+    if (slot.isLost)
+      continue;
     const cl_int status =
         runtime().clSetKernelArg(target, slot.index, slot.size, slot.value);
     if (status == CL_SUCCESS)

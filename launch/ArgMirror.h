@@ -12,8 +12,8 @@
 namespace corvane {
 
 namespace detail {
-void recordFirstSetting(KernelRecord &record, cl_uint index, std::size_t size,
-                        const void *value);
+void recordUnusualSetting(KernelRecord &record, cl_uint index, std::size_t size,
+                          const void *value);
 bool replayAllArguments(const KernelRecord &record, cl_kernel target);
 } // namespace detail
 
@@ -24,31 +24,35 @@ inline constexpr cl_uint mostArguments = 1U << 16;
 /// all its arguments.
 inline constexpr std::size_t mostBytes = std::size_t{1} << 20;
 
-inline bool canBeRecorded(cl_uint index, std::size_t size, const void *value) {
-  return index < mostArguments && (size <= mostBytes || !value);
+inline bool canBeRecorded(std::size_t size, const void *value) {
+  return size <= mostBytes || !value;
 }
 
 /// Gets the memory to remember a setting that the runtime has yet to accept for
 /// \p record's kernel. An exception has no other effect.
 inline void makeRoomForArgument(KernelRecord &record, cl_uint index,
                                 std::size_t size, const void *value) {
-  if (!canBeRecorded(index, size, value))
+  if (index >= mostArguments)
     return;
   ArgSlot *slot = record.argSlots.find(index);
   if (!slot)
     slot = &record.argSlots.make(index);
-  if (value)
+  if (value && canBeRecorded(size, value))
     slot->makeRoom(size);
 }
 
-/// Remembers a setting for which there is room.
+/// Remembers a setting for which there is room. One that cannot be recorded
+/// keeps the variants from running until the argument is set again to what can;
+/// for an index out of reach, that is never.
 inline void recordArgument(KernelRecord &record, cl_uint index,
                            std::size_t size, const void *value) {
-  if (!canBeRecorded(index, size, value))
+  if (index >= mostArguments) {
+    ++record.lostArguments;
     return;
+  }
   ArgSlot &slot = *record.argSlots.find(index);
-  if (slot.index != index)
-    return detail::recordFirstSetting(record, index, size, value);
+  if (slot.index != index || slot.isLost || !canBeRecorded(size, value))
+    return detail::recordUnusualSetting(record, index, size, value);
   slot.record(index, size, value);
   ++record.argSetCount;
 }
@@ -56,7 +60,8 @@ inline void recordArgument(KernelRecord &record, cl_uint index,
 /// Sets all recorded arguments on \p target, a variant of \p record's or its
 /// own kernel, if it has missed a setting since it was last brought up to date.
 /// \p seen is the number of settings that it knew of, and knows of from now on:
-/// a failure is reported and the replay goes on. A setting made meanwhile, by a
+/// a failure is reported and the replay goes on, and a setting that could not
+/// be recorded is left out. A setting made meanwhile, by a
 /// callback of the runtime's, is one that it does not know of. Returns whether
 /// the runtime took every argument.
 inline bool replayArguments(const KernelRecord &record, cl_kernel target,

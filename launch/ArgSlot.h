@@ -20,6 +20,8 @@ struct ArgSlot {
   std::size_t size = 0;        ///< bytes
   /// The bytes, owned by the slot; null for local memory and in a fresh slot.
   const void *value = nullptr;
+  /// Whether the argument was last set to bytes that are not kept.
+  bool isLost = false;
 
   ArgSlot() = default;
   explicit ArgSlot(std::uint32_t ofArgument) : index(ofArgument) {}

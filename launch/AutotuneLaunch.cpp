@@ -182,7 +182,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
   auto ticket = makeTicket({});
   ticket->keptAlive = shadow.hostCopies();
   std::vector<Candidate> candidates;
-  if (shadow.isComplete())
+  if (record.variantsCanRun() && shadow.isComplete())
     candidates = findCandidates();
   timings->timings.reserve(candidates.size() + 1);
   list();

@@ -61,9 +61,14 @@ struct KernelRecord {
   std::size_t recordedCount = 1;
 
   /// Settings recorded so far, and how many of them the kernel's own replay has
-  /// seen.
+  /// seen. A program that sets arguments for days passes 2^32.
   std::uint64_t argSetCount = 0;
   std::uint64_t argSyncCount = 0;
+
+  /// Arguments that the kernel has got and no variant can get.
+  std::size_t lostArguments = 0;
+  /// Whether variants have all arguments that the kernel was given.
+  bool variantsCanRun() const { return lostArguments == 0; }
 };
 
 /// The recorded arguments, in order: the slots up to the first gap.

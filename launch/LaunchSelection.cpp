@@ -53,8 +53,8 @@ static cl_int launchVariant(const KernelRecord &record, VariantKernel &variant,
 // A local size of zero is the runtime's to refuse: a variant could be launched
 // with another one.
 static bool mayTakeVariant(const KernelRecord &record, const Launch &launch) {
-  return !record.variantKernels.empty() && fitsSizes(launch) &&
-         !hasZeroLocalSize(launch);
+  return !record.variantKernels.empty() && record.variantsCanRun() &&
+         fitsSizes(launch) && !hasZeroLocalSize(launch);
 }
 
 static cl_int launchTracked(KernelRecord &record, const Launch &launch) {

@@ -13,6 +13,8 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace {
 struct OneArgument : Application {
@@ -110,19 +112,67 @@ cl_int CL_API_CALL acceptAnyIndex(cl_kernel kernel, cl_uint index, size_t size,
 }
 } // namespace
 
-TEST(ArgSizes, SurviveARuntimeThatAcceptsAnyIndex) {
-  OneArgument app([](DispatchTable &table) {
-    honestSetting = table.clSetKernelArg;
-    table.clSetKernelArg = acceptAnyIndex;
-  });
-  const std::vector<unsigned char> large(100, 1);
-  for (const cl_uint index : {0xFFFFFFFFU, 0xFFFFFFFEU, 0x7FFFFFFFU, 65536U})
+// A variant could not get the argument, whatever it is.
+TEST(ArgSizes, KeepVariantsFromRunningAfterAnIndexThatNoKernelHas) {
+  for (const cl_uint index : {0xFFFFFFFFU, 0xFFFFFFFEU, 0x7FFFFFFFU, 65536U}) {
+    OneArgument app([](DispatchTable &table) {
+      honestSetting = table.clSetKernelArg;
+      table.clSetKernelArg = acceptAnyIndex;
+    });
+    app.set(app.kernel, 0, cl_int{5});
+    EXPECT_THAT(app.replayed(), ElementsAre(setting(4, "05 00 00 00")));
+    const std::vector<unsigned char> large(100, 1);
     EXPECT_EQ(
         app.cl.clSetKernelArg(app.kernel, index, large.size(), large.data()),
         CL_SUCCESS);
+    EXPECT_THAT(app.replayed(), IsEmpty());
+    EXPECT_THAT(app.launches(), ElementsAre(plainLaunch("k", "[16]")));
+    EXPECT_EQ(app.release(app.kernel), CL_SUCCESS);
+  }
+}
+
+static const std::vector<unsigned char> tooLarge((1U << 20) + 1, 7);
+
+TEST(ArgSizes, KeepVariantsFromRunningUntilAValueIsNotTooLargeAnyMore) {
+  OneArgument app;
   app.set(app.kernel, 0, cl_int{5});
-  EXPECT_THAT(app.replayed(), ElementsAre(setting(4, "05 00 00 00")));
-  EXPECT_EQ(app.release(app.kernel), CL_SUCCESS);
+  for (int i = 0; i != 2; ++i)
+    EXPECT_EQ(
+        app.cl.clSetKernelArg(app.kernel, 0, tooLarge.size(), tooLarge.data()),
+        CL_SUCCESS);
+  EXPECT_THAT(app.replayed(), IsEmpty());
+  EXPECT_THAT(app.launches(), ElementsAre(plainLaunch("k", "[16]")));
+
+  app.set(app.kernel, 0, cl_int{6});
+  EXPECT_THAT(app.replayed(), ElementsAre(setting(4, "06 00 00 00")));
+  EXPECT_THAT(app.launches(),
+              ElementsAre(plainLaunch("k_coarsed_g0S4", "[4]")));
+}
+
+TEST(ArgSizes, KeepVariantsFromRunningAlsoWhenTheFirstValueIsTooLarge) {
+  OneArgument app;
+  EXPECT_EQ(
+      app.cl.clSetKernelArg(app.kernel, 0, tooLarge.size(), tooLarge.data()),
+      CL_SUCCESS);
+  EXPECT_THAT(app.replayed(), IsEmpty());
+  EXPECT_THAT(app.launches(), ElementsAre(plainLaunch("k", "[16]")));
+}
+
+TEST(ArgSizes, KeepVariantsFromBeingTunedWithoutAValueThatIsTooLarge) {
+  TuningApplication app;
+  app.program.kernel("k", 1).kernel("k_coarsed_g0S4", 1);
+  cl_kernel kernel = app.create("k");
+  app.set(kernel, 0, cl_int{5});
+  app.cl.clSetKernelArg(kernel, 0, tooLarge.size(), tooLarge.data());
+  app.runtime.forgetTranscript();
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(1));
+  // Nor does the kernel itself get the old value back.
+  EXPECT_THAT(app.runtime.transcript({"clSetKernelArg"}), IsEmpty());
+
+  app.set(kernel, 0, cl_int{6});
+  EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.launches(), SizeIs(3));
 }
 
 TEST(ArgSizes, RejectAVariantWhoseDivisorMeetsLocalMemory) {
