@@ -18,7 +18,8 @@ public:
   CreatedKernels &operator=(const CreatedKernels &) = delete;
 
   /// Creates the kernels of \p program, if they are at most \p room, and
-  /// returns the runtime's status. On failure there are none. Once an object.
+  /// returns the runtime's status. On failure there are none, and there can be
+  /// another try.
   cl_int createUpTo(cl_uint room, cl_program program);
 
   bool empty() const { return next == count; }

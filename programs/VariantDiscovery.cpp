@@ -22,11 +22,41 @@ static FoundKernel identify(cl_kernel kernel) {
   return found;
 }
 
-static std::vector<FoundKernel> findKernels(cl_program program) {
-  CreatedKernels kernels;
-  const cl_int status = kernels.createUpTo(4096, program);
+// Room for the kernels of nearly every program.
+static constexpr cl_uint usualRoom = 4096;
+
+// A runtime that claims more kernels for one program is wrong.
+static constexpr cl_uint mostRoom = 1U << 20;
+
+// 0 if the runtime does not tell.
+static cl_uint countKernels(cl_program program) {
+  cl_uint count = 0;
+  const cl_int status =
+      runtime().clCreateKernelsInProgram(program, 0, nullptr, &count);
+  return status == CL_SUCCESS ? count : 0;
+}
+
+// The first failure is reported although more room may help: the report is part
+// of the interface.
+static cl_int createAll(CreatedKernels &kernels, cl_program program) {
+  cl_int status = kernels.createUpTo(usualRoom, program);
+  if (status == CL_SUCCESS)
+    return status;
+  reportClError(CallSite::CollectKernels, status);
+  if (status != CL_INVALID_VALUE)
+    return status;
+  const cl_uint count = countKernels(program);
+  if (count <= usualRoom || count > mostRoom)
+    return status;
+  status = kernels.createUpTo(count, program);
   if (status != CL_SUCCESS)
     reportClError(CallSite::CollectKernels, status);
+  return status;
+}
+
+static std::vector<FoundKernel> findKernels(cl_program program) {
+  CreatedKernels kernels;
+  (void)createAll(kernels, program);
 
   std::vector<FoundKernel> found;
   while (!kernels.empty()) {

@@ -9,9 +9,11 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::UnorderedElementsAre;
 
 TEST(Build, AsksForLogsAndKernelsAndReleasesTheKernels) {
   FakeRuntime runtime;
@@ -105,15 +107,54 @@ static ProgramScript addLargeProgram(FakeRuntime &runtime, int kernels) {
   return program;
 }
 
-TEST(Build, WithMoreThan4096KernelsReportsAndKnowsNone) {
+TEST(Build, WithMoreThan4096KernelsReportsAndKnowsAll) {
   FakeRuntime runtime;
-  const cl_program program = addLargeProgram(runtime, 4097);
+  const cl_program program =
+      addLargeProgram(runtime, 4100).kernel("k7_coarsed_g0S4");
   LoadedAgent agent(runtime);
   ErrorCapture errors;
   EXPECT_EQ(build(agent.table(), program), CL_SUCCESS);
   EXPECT_EQ(errors.text(), "QrlAgent:: 259: CL Error: CL_INVALID_VALUE\n");
+  EXPECT_EQ(kernelCount(agent.table(), program), 4100U);
+  EXPECT_THAT(kernelNames(agent.table(), program), EndsWith(";k4099"));
+  EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+
+  cl_kernel kernel = agent.table().clCreateKernel(program, "k7", nullptr);
+  EXPECT_THAT(runtime.alive("kernel"),
+              UnorderedElementsAre("kernel k7", "kernel k7_coarsed_g0S4"));
+  EXPECT_EQ(agent.table().clReleaseKernel(kernel), CL_SUCCESS);
+}
+
+TEST(Build, WithMoreThan4096KernelsReportsWhenTheyCannotBeCreated) {
+  FakeRuntime runtime;
+  const cl_program program = addLargeProgram(runtime, 4097);
+  LoadedAgent agent(runtime);
+  runtime.answer("clCreateKernelsInProgram", CL_OUT_OF_RESOURCES, 3);
+  ErrorCapture errors;
+  EXPECT_EQ(build(agent.table(), program), CL_SUCCESS);
+  EXPECT_EQ(errors.text(), "QrlAgent:: 259: CL Error: CL_INVALID_VALUE\n"
+                           "QrlAgent:: 259: CL Error: CL_OUT_OF_RESOURCES\n");
   EXPECT_EQ(kernelCount(agent.table(), program), 0U);
-  EXPECT_EQ(kernelNames(agent.table(), program), "");
+}
+
+static cl_int CL_API_CALL claimBillionsOfKernels(cl_program, cl_uint room,
+                                                 cl_kernel *kernels,
+                                                 cl_uint *count) {
+  if (kernels)
+    return CL_INVALID_VALUE;
+  EXPECT_EQ(room, 0U);
+  *count = 0xFFFFFFFF;
+  return CL_SUCCESS;
+}
+
+TEST(Build, GetsNoMemoryForBillionsOfKernels) {
+  FakeRuntime runtime;
+  const cl_program program = runtime.addProgram().kernel("k");
+  runtime.ownTable().clCreateKernelsInProgram = claimBillionsOfKernels;
+  LoadedAgent agent(runtime);
+  ErrorCapture errors;
+  EXPECT_EQ(build(agent.table(), program), CL_SUCCESS);
+  EXPECT_EQ(kernelCount(agent.table(), program), 0U);
 }
 
 TEST(Build, With4096KernelsKnowsAll) {
