@@ -178,12 +178,15 @@ cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
 // All memory is got before the first command is enqueued. Behind a variant
 // there is no way out: its restores and the kernel have to follow.
 cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
-  const BufferShadow shadow(state, record);
+  BufferShadow shadow(state, record);
   auto ticket = makeTicket({});
-  ticket->keptAlive = shadow.hostCopies();
   std::vector<Candidate> candidates;
   if (record.variantsCanRun() && shadow.isComplete())
     candidates = findCandidates();
+  if (!candidates.empty() && !shadow.makeRoom(state))
+    candidates.clear();
+  if (!candidates.empty())
+    ticket->keptAlive = shadow.hostCopies();
   timings->timings.reserve(candidates.size() + 1);
   list();
 

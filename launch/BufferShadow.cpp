@@ -8,6 +8,7 @@
 #include "launch/KernelRecord.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 using namespace corvane;
@@ -32,11 +33,29 @@ bool BufferShadow::add(AgentState &state, cl_mem memObject) {
     return false;
   // Of two records of one handle the older describes a buffer that is gone: the
   // runtime did not tell us, but it would not give out a living handle again.
-  if (!buffer->hostCopy || !buffer->hostMayTransfer ||
-      !state.buffers.isUnique(memObject))
+  if (!buffer->hostMayTransfer || !state.buffers.isUnique(memObject))
     complete = complete && buffer->size == 0;
   else if (buffer->size != 0 && !contains(memObject))
     buffers.push_back({memObject, buffer->size, buffer->hostCopy});
+  return true;
+}
+
+static HostCopy allocateHostCopy(std::size_t size) {
+  auto area = std::make_shared<HostArea>();
+  area->bytes.reset(std::malloc(size));
+  return area->bytes ? area : nullptr;
+}
+
+bool BufferShadow::makeRoom(AgentState &state) {
+  for (Buffer &buffer : buffers) {
+    if (!buffer.hostCopy)
+      buffer.hostCopy = allocateHostCopy(buffer.size);
+    if (!buffer.hostCopy)
+      return false;
+    std::lock_guard<std::mutex> lock(state.buffersLock);
+    if (BufferRecord *record = state.buffers.find(buffer.memObject))
+      record->hostCopy = buffer.hostCopy;
+  }
   return true;
 }
 

@@ -27,22 +27,27 @@ public:
   /// cannot be saved and restored: then no variant may run.
   bool isComplete() const { return complete; }
 
-  /// Enqueues the saves. False if one could not be enqueued; the chain then
-  /// ends with the last one that could.
+  /// Gets host memory for the contents of all buffers, which a buffer keeps for
+  /// the launches to come. False if there is not enough: then no variant may
+  /// run. A later launch may find more.
+  bool makeRoom(AgentState &state);
+
+  /// Enqueues the saves, for which there must be room. False if one could not
+  /// be enqueued; the chain then ends with the last one that could.
   bool save(cl_command_queue queue, EventChain &chain) const;
 
   /// Enqueues the restores of everything that save has saved. False if one
   /// could not be enqueued: then what was saved must not be saved over.
   bool restore(cl_command_queue queue, EventChain &chain) const;
 
-  /// The memory that the transfers use.
+  /// The memory that the transfers use; needs room.
   std::vector<HostCopy> hostCopies() const;
 
 private:
   struct Buffer {
     cl_mem memObject;
     std::size_t size;
-    HostCopy hostCopy;
+    HostCopy hostCopy; ///< null until there is room
   };
 
   bool add(AgentState &state, cl_mem memObject);

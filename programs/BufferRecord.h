@@ -1,4 +1,4 @@
-// A buffer of the application's, with room on the host for its contents.
+// A buffer of the application's, and the host memory for its contents.
 
 #pragma once
 
@@ -35,7 +35,8 @@ struct BufferRecord {
   /// False if the runtime will not tell when the buffer is gone; another buffer
   /// of the handle does.
   bool isWatched = true;
-  HostCopy hostCopy; ///< size bytes; null when there was no room
+  /// size bytes; null until a launch with the buffer is tuned.
+  HostCopy hostCopy;
 };
 
 /// Runs when the runtime destroys a recorded buffer, on any thread and without

@@ -15,7 +15,7 @@ cl_command_queue CL_API_CALL clCreateCommandQueue(
     cl_context context, cl_device_id device,
     cl_command_queue_properties properties, cl_int *errcodeRet);
 
-/// In autotuning mode gives the buffer room on the host for its contents.
+/// In autotuning mode remembers the buffer.
 cl_mem CL_API_CALL clCreateBuffer(cl_context context, cl_mem_flags flags,
                                   size_t size, void *hostPtr,
                                   cl_int *errcodeRet);

@@ -1,4 +1,5 @@
-// In autotuning mode every buffer gets room on the host for its contents.
+// In autotuning mode every buffer is remembered, so that tuned launches can
+// save and restore it.
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
@@ -9,15 +10,7 @@
 #include "programs/BufferRecord.h"
 #include "programs/Hooks.h"
 
-#include <cstdlib>
-
 using namespace corvane;
-
-static HostCopy allocateHostCopy(std::size_t size) {
-  auto area = std::make_shared<HostArea>();
-  area->bytes.reset(std::malloc(size));
-  return area->bytes ? area : nullptr;
-}
 
 static bool hostMayTransfer(cl_mem_flags flags) {
   constexpr cl_mem_flags restricted =
@@ -31,7 +24,6 @@ static BufferRecord *recordBuffer(AgentState &state, cl_mem buffer,
   record->memObject = buffer;
   record->size = size;
   record->hostMayTransfer = hostMayTransfer(flags);
-  record->hostCopy = allocateHostCopy(size);
 
   std::unique_ptr<BufferRecord> gone;
   std::lock_guard<std::mutex> lock(state.buffersLock);

@@ -37,6 +37,7 @@ protected:
   }
 
   // Behind an exception nothing has been enqueued.
+  // The memory for a buffer's contents stays for the next launch.
   void refuseEachLaunch() {
     refuseEach(
         [this] {
@@ -51,7 +52,7 @@ protected:
             throw;
           }
         },
-        [] {});
+        [] {}, buffers.size());
   }
 
   std::size_t linesOfLog() const {
@@ -76,6 +77,48 @@ TEST_F(RefusedLaunch, OfAKernelAloneIsWholeOrNotAtAll) {
   runtime.late();
   refuseEachLaunch();
   EXPECT_EQ(runtime.transcript({"clEnqueueNDRangeKernel"}).size(), 1U);
+}
+
+TEST_F(RefusedLaunch, WithoutMemoryForABufferRunsItsVariantsTheNextTime) {
+  create("k", 3);
+  const auto runs = [this](std::size_t refusedRequest) {
+    runtime.forgetTranscript();
+    AgentMemory::refuse(refusedRequest);
+    try {
+      launch();
+    } catch (const std::bad_alloc &) {
+    }
+    return runtime.transcript({"clEnqueueNDRangeKernel"}).size();
+  };
+  std::size_t request = 1;
+  while (runs(request) == 0)
+    ++request;
+  EXPECT_TRUE(AgentMemory::refuseNothing());
+  EXPECT_EQ(runtime.transcript({"clEnqueueNDRangeKernel"}).size(), 1U);
+  EXPECT_EQ(launch(), CL_SUCCESS);
+  EXPECT_EQ(runtime.transcript({"clEnqueueNDRangeKernel"}).size(), 4U);
+}
+
+// Most buffers of a program never meet a variant.
+TEST_F(RefusedLaunch, IsTheFirstToNeedMemoryForTheContentsOfABuffer) {
+  constexpr std::size_t size = std::size_t{1} << 20;
+  const std::size_t before = AgentMemory::liveBytes();
+  cl_mem buffer = createBuffer(runtime, cl(), size);
+  const auto use = [&](const char *name) {
+    create(name, 1);
+    cl().clSetKernelArg(kernel, 0, sizeof buffer, &buffer);
+    if (name == std::string("k"))
+      for (cl_uint index = 1; index != 3; ++index)
+        cl().clSetKernelArg(kernel, index, sizeof buffer, &buffer);
+    EXPECT_EQ(launch(), CL_SUCCESS);
+  };
+  use("j");
+  EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+  EXPECT_LT(AgentMemory::liveBytes(), before + size / 2);
+  use("k");
+  EXPECT_EQ(runtime.transcript({"clEnqueueReadBuffer"}).size(), 2U);
+  EXPECT_GT(AgentMemory::liveBytes(), before + size);
+  EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
 }
 
 // There is no event to tell when the transfers are over, so their memory stays;
