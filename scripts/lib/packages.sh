@@ -35,6 +35,33 @@ package_installed() {
   [[ $status == installed ]]
 }
 
+# run_as_root COMMAND...: with sudo, unless this is root already.
+run_as_root() {
+  if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+# What apt-get says when another program holds one of its locks: that of the
+# lists, of the archives or of dpkg. Updates run by themselves after a start.
+lock_is_held='(Could not get lock|Unable to lock|Unable to acquire) '
+lock_patience=600 # seconds
+
+# run_apt ARGUMENT...: apt-get, silent unless it fails. Waits while another program
+# holds a package lock, ten minutes at most, and says so.
+run_apt() {
+  local problem deadline=$((SECONDS + lock_patience)) told=
+  until problem=$(run_as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive \
+    apt-get --quiet --quiet "$@" 2>&1 >/dev/null); do
+    if [[ ! $problem =~ $lock_is_held ]] || ((SECONDS >= deadline)); then
+      printf '%s\n' "$problem" >&2
+      return 1
+    fi
+    [[ $told ]] ||
+      echo "Another program is installing packages; waiting up to ten minutes for it ..."
+    told=yes
+    sleep 5
+  done
+}
+
 # need_packages NAME...: returns when all are installed; ends the script with one
 # clear message when that cannot be done. Calls apt-get for missing ones only.
 need_packages() {
@@ -49,21 +76,15 @@ need_packages() {
   done
   ((${#missing[@]})) || return 0
 
-  local as_root=()
-  if ((EUID != 0)); then
-    if ! command -v sudo >/dev/null; then
-      echo "Missing packages, and no sudo to install them. As root, please run:" >&2
-      echo "  apt-get install ${missing[*]}" >&2
-      exit 1
-    fi
-    as_root=(sudo)
+  if ((EUID != 0)) && ! command -v sudo >/dev/null; then
+    echo "Missing packages, and no sudo to install them. As root, please run:" >&2
+    echo "  apt-get install ${missing[*]}" >&2
+    exit 1
   fi
 
   echo "Installing: ${missing[*]}"
-  "${as_root[@]}" apt-get update --quiet --quiet
-  if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install --yes --quiet --quiet --no-install-recommends \
-    "${missing[@]}" >/dev/null; then
+  if ! run_apt update ||
+    ! run_apt install --yes --no-install-recommends "${missing[@]}"; then
     echo "apt-get could not install: ${missing[*]}" >&2
     exit 1
   fi
