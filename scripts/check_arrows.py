@@ -16,6 +16,8 @@ ARROWS = {
     "tuning": set(),
     "agent": set(),
     "results": {"agent"},
+    "results/runs": set(),
+    "results/profile": {"results/runs"},
     "programs": {"results", "variants", "agent"},
     "launch": {"programs", "results", "tuning", "variants", "agent"},
     "agent/entry": {"launch", "programs", "results", "tuning", "variants", "agent"},
@@ -23,7 +25,7 @@ ARROWS = {
     "examples": set(),
 }
 # OpenCL's own types are the business of everybody but the pure rules.
-NO_OPENCL = {"variants", "tuning"}
+NO_OPENCL = {"variants", "tuning", "results/runs", "results/profile"}
 
 INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^">]+)[">]')
 

@@ -1,0 +1,53 @@
+// Decides between a kernel and its variants by samples of their times.
+
+#pragma once
+
+#include "results/runs/RunLines.h"
+
+#include "llvm/ADT/ArrayRef.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// A version wins only if its interval lies below this.
+inline constexpr double winningRatio = 0.98;
+
+/// How likely a configuration may be decided for a version that is no faster,
+/// however many versions it has; and how likely one interval misses the ratio.
+inline constexpr double errorProbability = 0.05;
+
+/// The middle one of the samples, in any order; of an even number the mean of
+/// the two in the middle. 0 without samples.
+double medianOf(std::vector<double> samples);
+
+/// Whether a version is dropped after its first samples that count: at least
+/// two, of which both the first and the second exceed twice the original's
+/// median.
+bool isHopeless(llvm::ArrayRef<double> samples, double originalMedian);
+
+/// A version with its samples that count, in microseconds, in their order.
+struct VersionSamples {
+  std::string version; ///< empty: the original
+  std::vector<double> samples;
+  bool out = false; ///< a check found it different: it has no part in this
+};
+
+struct Decision {
+  /// Whether there are enough samples: for each variant that has samples and is
+  /// not out, it was dropped or has an interval.
+  bool decided = false;
+  std::string winner; ///< empty: the original, also when not decided
+  /// As many as the versions, in their order.
+  std::vector<VersionFigures> versions;
+};
+
+/// Decides between the original, which \p versions holds as any other, and the
+/// rest. Without samples of the original nothing is decided. The version with
+/// the least median, of two the first one, wins if its interval lies below
+/// winningRatio; otherwise the original does.
+Decision decide(llvm::ArrayRef<VersionSamples> versions);
+
+} // namespace corvane

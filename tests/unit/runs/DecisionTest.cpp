@@ -1,0 +1,176 @@
+// Decisions on few samples, and how often chance decides.
+
+#include "results/runs/Decision.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+using namespace corvane;
+using testing::ElementsAre;
+
+static VersionSamples version(const char *name, std::vector<double> samples) {
+  return {name, std::move(samples), false};
+}
+
+static const VersionSamples original =
+    version("", {100, 101, 99, 103, 100, 98, 102});
+
+TEST(MedianOf, IsTheMiddleOrBetweenTheTwoInTheMiddle) {
+  EXPECT_EQ(medianOf({3, 1, 2}), 2);
+  EXPECT_EQ(medianOf({4, 1, 3, 2}), 2.5);
+  EXPECT_EQ(medianOf({}), 0);
+}
+
+TEST(IsHopeless, NeedsTwoSamplesOverTwiceTheMedian) {
+  EXPECT_TRUE(isHopeless({201, 202}, 100));
+  EXPECT_TRUE(isHopeless({201, 202, 1}, 100));
+  EXPECT_FALSE(isHopeless({201}, 100));
+  EXPECT_FALSE(isHopeless({201, 200}, 100));
+  EXPECT_FALSE(isHopeless({200, 500}, 100));
+}
+
+TEST(Decide, ChoosesAVersionThatIsClearlyFaster) {
+  const Decision decision =
+      decide({original, version("a", {50, 51, 49, 53, 50, 48, 52}),
+              version("b", {40, 41, 39, 43, 40, 38, 42})});
+  EXPECT_TRUE(decision.decided);
+  EXPECT_EQ(decision.winner, "b");
+  ASSERT_EQ(decision.versions.size(), 3U);
+  EXPECT_EQ(decision.versions[0].median, 100);
+  EXPECT_FALSE(decision.versions[0].interval);
+  EXPECT_EQ(decision.versions[2].median, 40);
+  EXPECT_EQ(decision.versions[2].samples, 7U);
+  EXPECT_LE(decision.versions[2].interval->low, 0.4);
+  EXPECT_GE(decision.versions[2].interval->high, 0.4);
+}
+
+TEST(Decide, KeepsTheOriginalWhereTheGainIsTooSmall) {
+  // All samples are faster, by one percent.
+  const Decision decision =
+      decide({version("", std::vector<double>(7, 100.0)),
+              version("a", std::vector<double>(7, 99.0))});
+  EXPECT_TRUE(decision.decided);
+  EXPECT_EQ(decision.winner, "");
+  EXPECT_DOUBLE_EQ(decision.versions[1].interval->high, 0.99);
+}
+
+TEST(Decide, KeepsTheOriginalWhereSamplesOverlap) {
+  const Decision decision =
+      decide({original, version("a", {50, 150, 60, 140, 70, 130, 80})});
+  EXPECT_TRUE(decision.decided);
+  EXPECT_EQ(decision.winner, "");
+}
+
+TEST(Decide, WaitsForEnoughSamples) {
+  const Decision decision =
+      decide({version("", {100, 101, 99}), version("a", {50, 51, 49})});
+  EXPECT_FALSE(decision.decided);
+  EXPECT_EQ(decision.winner, "");
+}
+
+TEST(Decide, WaitsForTheOriginal) {
+  EXPECT_FALSE(decide({version("a", {1, 1, 1, 1, 1})}).decided);
+  EXPECT_FALSE(decide({version("", {}), version("a", {1, 1})}).decided);
+  EXPECT_FALSE(decide({}).decided);
+}
+
+TEST(Decide, DoesNotWaitForVersionsThatWereDropped) {
+  const Decision decision =
+      decide({original, version("a", {300, 301}),
+              version("b", {40, 41, 39, 43, 40, 38, 42})});
+  EXPECT_TRUE(decision.decided);
+  EXPECT_EQ(decision.winner, "b");
+  EXPECT_TRUE(decision.versions[1].dropped);
+  EXPECT_FALSE(decision.versions[2].dropped);
+}
+
+TEST(Decide, LeavesOutVersionsThatAreDifferent) {
+  VersionSamples wrong = version("a", {1, 1, 1, 1, 1, 1, 1});
+  wrong.out = true;
+  const Decision decision =
+      decide({original, wrong, version("b", {40, 41, 39, 43, 40, 38, 42})});
+  EXPECT_TRUE(decision.decided);
+  EXPECT_EQ(decision.winner, "b");
+  EXPECT_FALSE(decision.versions[1].interval);
+}
+
+TEST(Decide, ChoosesTheFirstOfTwoThatAreAlike) {
+  const std::vector<double> fast = {50, 51, 49, 53, 50, 48, 52};
+  EXPECT_EQ(decide({version("b", fast), original, version("a", fast)}).winner,
+            "b");
+}
+
+namespace {
+
+/// Times as they are measured: a common part, noise, and now and then much
+/// more.
+class Clock {
+public:
+  Clock(unsigned seed, double spread, double outliers)
+      : random(seed), noise(0.0, spread), isOutlier(outliers) {}
+
+  std::vector<double> samples(double time, int count = 7) {
+    std::vector<double> drawn;
+    for (int i = 0; i != count; ++i)
+      drawn.push_back(time * noise(random) * (isOutlier(random) ? 3.0 : 1.0));
+    return drawn;
+  }
+
+private:
+  std::mt19937 random;
+  std::lognormal_distribution<double> noise;
+  std::bernoulli_distribution isOutlier;
+};
+
+} // namespace
+
+// The original beside twenty exact copies of it.
+static int wrongWinners(Clock clock, int configurations) {
+  int wrong = 0;
+  for (int i = 0; i != configurations; ++i) {
+    std::vector<VersionSamples> versions = {version("", clock.samples(1.0))};
+    for (int copy = 0; copy != 20; ++copy)
+      versions.push_back(
+          version(("g0S" + std::to_string(copy)).c_str(), clock.samples(1.0)));
+    wrong += decide(versions).winner.empty() ? 0 : 1;
+  }
+  return wrong;
+}
+
+TEST(Decide, FindsNoWinnerAmongTwentyCopies) {
+  constexpr int configurations = 400, allowed = configurations / 20;
+  EXPECT_LE(wrongWinners(Clock(1, 0.02, 0.0), configurations), allowed);
+  EXPECT_LE(wrongWinners(Clock(2, 0.1, 0.0), configurations), allowed);
+  EXPECT_LE(wrongWinners(Clock(3, 0.5, 0.0), configurations), allowed);
+  EXPECT_LE(wrongWinners(Clock(4, 0.05, 0.2), configurations), allowed);
+}
+
+// The least median of twenty copies is often two percent better: without an
+// interval chance would decide.
+TEST(Decide, WouldFindWinnersAmongCopiesByTheMedianAlone) {
+  Clock clock(5, 0.1, 0.0);
+  int faster = 0;
+  for (int i = 0; i != 100; ++i) {
+    const double median = medianOf(clock.samples(1.0));
+    double least = median;
+    for (int copy = 0; copy != 20; ++copy)
+      least = std::min(least, medianOf(clock.samples(1.0)));
+    faster += least < winningRatio * median ? 1 : 0;
+  }
+  EXPECT_GT(faster, 50);
+}
+
+TEST(Decide, FindsAVersionThatIsAFifthFasterOnABusyMachine) {
+  Clock clock(6, 0.03, 0.05);
+  int found = 0;
+  for (int i = 0; i != 200; ++i)
+    found += decide({version("", clock.samples(1.2)),
+                     version("a", clock.samples(1.0)),
+                     version("b", clock.samples(1.3)),
+                     version("c", clock.samples(1.2))})
+                         .winner == "a"
+                 ? 1
+                 : 0;
+  EXPECT_GE(found, 190);
+}

@@ -1,0 +1,116 @@
+// JSON that anyone may have written, and numbers in any locale.
+
+#include "results/runs/Json.h"
+
+#include "llvm/Support/raw_ostream.h"
+
+#include <gmock/gmock.h>
+
+#include <clocale>
+#include <cstdlib>
+
+using namespace corvane;
+using testing::HasSubstr;
+using testing::StartsWith;
+namespace json = llvm::json;
+
+static std::string reprinted(llvm::StringRef text) {
+  llvm::Expected<json::Value> value = parseJson(text);
+  if (!value)
+    return "error: " + llvm::toString(value.takeError());
+  std::string printed;
+  llvm::raw_string_ostream out(printed);
+  out << *value;
+  return out.str();
+}
+
+TEST(Json, ReadsValuesOfEveryType) {
+  EXPECT_EQ(reprinted(" { \"a\" : [ 1 , -2, true,false,null, \"x\" ] } "),
+            "{\"a\":[1,-2,true,false,null,\"x\"]}");
+  EXPECT_EQ(reprinted("[]"), "[]");
+  EXPECT_EQ(reprinted("{}"), "{}");
+}
+
+TEST(Json, ReadsTheLargestNumbers) {
+  EXPECT_EQ(reprinted("18446744073709551615"), "18446744073709551615");
+  EXPECT_EQ(reprinted("-9223372036854775808"), "-9223372036854775808");
+  EXPECT_THAT(reprinted("1e999"), StartsWith("error: byte 1:"));
+  EXPECT_THAT(reprinted("1-2"), StartsWith("error: byte 1:"));
+}
+
+TEST(Json, ReadsEscapes) {
+  EXPECT_EQ(*parseJson(R"("\"\\\/\b\f\n\r\t\u0041\u00e9\u20AC\ud83d\ude00")")
+                 ->getAsString(),
+            "\"\\/\b\f\n\r\tA\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+}
+
+TEST(Json, ReplacesHalfASurrogatePair) {
+  const std::string replaced = "\xEF\xBF\xBD";
+  EXPECT_EQ(*parseJson(R"("\ud83dx")")->getAsString(), replaced + "x");
+  EXPECT_EQ(*parseJson(R"("\ud83d\u0041")")->getAsString(), replaced + "A");
+  EXPECT_EQ(*parseJson(R"("\ude00")")->getAsString(), replaced);
+}
+
+TEST(Json, ReplacesBytesThatAreNoUtf8) {
+  EXPECT_EQ(*parseJson("\"a\xFF\"")->getAsString(), "a\xEF\xBF\xBD");
+}
+
+TEST(Json, SaysWhereAMistakeIs) {
+  EXPECT_EQ(reprinted("{\"a\" 1}"), "error: byte 6: a key needs : after it");
+  EXPECT_EQ(reprinted("[1 2]"), "error: byte 4: a list needs , or ] here");
+  EXPECT_EQ(reprinted("{} x"), "error: byte 4: something follows the value");
+  EXPECT_EQ(reprinted("\"abc"), "error: byte 5: a string does not end");
+  EXPECT_EQ(reprinted("\"\\x\""), "error: byte 3: this escape is unknown");
+  EXPECT_THAT(reprinted(""), StartsWith("error: byte 1:"));
+  EXPECT_THAT(reprinted("\"\\u12g4\""), HasSubstr("hexadecimal"));
+}
+
+TEST(Json, RefusesTextThatIsNestedTooDeep) {
+  const auto nested = [](std::size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+  };
+  EXPECT_EQ(reprinted(nested(maxJsonDepth)), nested(maxJsonDepth));
+  EXPECT_THAT(reprinted(nested(maxJsonDepth + 2)), HasSubstr("too deep"));
+  // Enough to overflow a stack that follows it.
+  EXPECT_THAT(reprinted(std::string(10'000'000, '[')), HasSubstr("too deep"));
+}
+
+static std::string written(double number) {
+  std::string text;
+  llvm::raw_string_ostream stream(text);
+  json::OStream out(stream);
+  writeNumber(out, number);
+  return stream.str();
+}
+
+TEST(Json, WritesNumbersThatAreReadBackAsTheyWere) {
+  for (double number : {0.0, 0.1, 1.0 / 3.0, 1e-300, 123456789.125, 5e300})
+    EXPECT_EQ(*finiteAmount(*parseJson(written(number))), number);
+  EXPECT_EQ(written(12.5), "12.5");
+  EXPECT_EQ(written(std::numeric_limits<double>::infinity()), "null");
+}
+
+TEST(Json, KnowsNoDecimalComma) {
+  if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+    GTEST_SKIP() << "there is no locale with a decimal comma";
+  ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+  EXPECT_EQ(*finiteAmount(*parseJson("12.5")), 12.5);
+  EXPECT_EQ(written(12.5), "12.5");
+}
+
+TEST(JsonFields, TellsTheFirstProblem) {
+  const json::Value value = *parseJson(R"({"a":-1,"b":"x","c":5000000000})");
+  JsonFields fields(value.getAsObject());
+  EXPECT_EQ(fields.text("b"), "x");
+  EXPECT_EQ(fields.problem(), "");
+  EXPECT_EQ(fields.whole32("c"), 0U);
+  EXPECT_EQ(fields.whole("a"), 0U);
+  EXPECT_EQ(fields.problem(), "\"c\" is no whole number in range");
+}
+
+TEST(JsonFields, HaveAProblemWithoutAnObject) {
+  JsonFields fields(nullptr);
+  EXPECT_FALSE(fields.has("a"));
+  EXPECT_EQ(fields.amount("a"), 0.0);
+  EXPECT_EQ(fields.problem(), "it is no object");
+}
