@@ -1,0 +1,28 @@
+// The text of a profile, written and read.
+
+#pragma once
+
+#include "results/profile/Profile.h"
+
+#include "llvm/ADT/StringRef.h"
+#include "llvm/Support/Error.h"
+
+#include <string>
+
+namespace corvane {
+
+/// The name of a profile in a tuned folder.
+inline constexpr const char *profileFileName = "profile.json";
+
+/// How files and tables call an agreement.
+const char *agreementText(Agreement check);
+
+/// \p profile as the contents of a file. The same profile gives the same bytes.
+std::string profileText(const Profile &profile);
+
+/// Reads a profile that anyone may have edited. Fields of unknown names are
+/// ignored; everything else must be right, or the error says in one line what
+/// is not. Of entries for the same launch the first one counts.
+llvm::Expected<Profile> readProfile(llvm::StringRef text);
+
+} // namespace corvane

@@ -1,0 +1,220 @@
+// Gathers the samples and checks of all runs, then decides each configuration.
+
+#include "results/profile/ProfileMerge.h"
+
+#include "results/runs/Decision.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
+
+using namespace corvane;
+
+namespace {
+
+/// Where samples belong together: device, program, kernel and sizes.
+using Key = std::tuple<ProfileDevice, std::string, std::string, LaunchSizes>;
+
+/// A version of a kernel of a program, on any device and for any sizes.
+using VersionKey = std::tuple<std::string, std::string, std::string>;
+
+struct Gathered {
+  std::map<std::string, std::vector<double>> samples; ///< by version
+  std::map<std::string, Agreement> checks;            ///< by version, the worst
+  bool decided = false;                               ///< by the process itself
+  std::string untunable;
+  std::uint64_t launches = 0;
+};
+
+struct Gathering {
+  std::map<Key, Gathered> configurations;
+  std::set<VersionKey> different;
+};
+
+} // namespace
+
+static Agreement agreementOf(CheckResult result) {
+  switch (result) {
+  case CheckResult::Equal:
+    return Agreement::Equal;
+  case CheckResult::WithinBound:
+    return Agreement::WithinBound;
+  case CheckResult::Different:
+    return Agreement::Different;
+  }
+  return Agreement::Unknown;
+}
+
+// The application's launches of each configuration of a run, by its number.
+static std::map<std::uint32_t, std::uint64_t> launchesOf(const RunRecord &run) {
+  std::map<std::uint32_t, std::uint64_t> launches;
+  if (run.end) {
+    for (const VersionLaunches &part : run.end->byVersion)
+      launches[part.configuration] += part.launches;
+    return launches;
+  }
+  // Each launch that is tuned runs the original once.
+  for (const auto &[number, configuration] : run.configurations)
+    for (const SampleLine &sample : configuration.samples)
+      launches[number] += sample.version.empty() ? 1 : 0;
+  return launches;
+}
+
+static void gather(Gathering &all, const RunRecord &run,
+                   const RunConfiguration &configuration,
+                   std::uint64_t launches) {
+  const ConfigurationLine &line = configuration.line;
+  const DeviceLine &device = run.devices.at(line.device);
+  const std::string &program = run.programs.at(line.program).hash;
+  Gathered &gathered =
+      all.configurations[{{device.name, device.vendor, device.driver},
+                          program,
+                          line.kernel,
+                          line.sizes}];
+
+  for (const SampleLine &sample : configuration.samples)
+    if (!sample.warmUp)
+      gathered.samples[sample.version].push_back(sample.microseconds);
+  for (const CheckLine &check : configuration.checks) {
+    Agreement &worst = gathered.checks[check.version];
+    worst = std::max(worst, agreementOf(check.result));
+    if (check.result == CheckResult::Different)
+      all.different.insert({program, line.kernel, check.version});
+  }
+  gathered.decided = gathered.decided || configuration.decision;
+  if (gathered.untunable.empty())
+    gathered.untunable = line.untunable;
+  gathered.launches += launches;
+}
+
+// The worst of the configuration's own checks; a difference counts wherever it
+// was seen.
+static Agreement checkOf(const Gathering &all, const Key &key,
+                         const Gathered &gathered, const std::string &version) {
+  const auto &[device, program, kernel, sizes] = key;
+  if (all.different.count({program, kernel, version}))
+    return Agreement::Different;
+  const auto found = gathered.checks.find(version);
+  return found == gathered.checks.end() ? Agreement::Unknown : found->second;
+}
+
+// All versions that have samples or checks.
+static std::vector<VersionSamples>
+versionsOf(const Gathering &all, const Key &key, const Gathered &gathered) {
+  std::map<std::string, std::vector<double>> samples = gathered.samples;
+  for (const auto &[version, check] : gathered.checks)
+    samples.try_emplace(version);
+
+  const bool reproducible =
+      checkOf(all, key, gathered, std::string()) != Agreement::Different;
+  std::vector<VersionSamples> versions;
+  for (auto &[version, times] : samples) {
+    const bool out = !version.empty() &&
+                     (!reproducible || checkOf(all, key, gathered, version) ==
+                                           Agreement::Different);
+    versions.push_back({version, std::move(times), out});
+  }
+  return versions;
+}
+
+static bool comesBefore(const TunedVersion &left, const TunedVersion &right) {
+  const auto rank = [](const VersionFigures &figures) {
+    return std::tuple(!figures.version.empty(), figures.samples == 0,
+                      figures.median);
+  };
+  return rank(left.figures) < rank(right.figures);
+}
+
+static TunedConfiguration tune(const Gathering &all, const Key &key,
+                               const Gathered &gathered) {
+  const auto &[device, program, kernel, sizes] = key;
+  Decision decision = decide(versionsOf(all, key, gathered));
+
+  TunedConfiguration tuned;
+  tuned.device = device;
+  tuned.program = program;
+  tuned.kernel = kernel;
+  tuned.sizes = sizes;
+  tuned.decided = decision.decided || gathered.decided;
+  tuned.winner = std::move(decision.winner);
+  tuned.untunable = gathered.untunable;
+  tuned.launches = gathered.launches;
+  for (VersionFigures &figures : decision.versions) {
+    const Agreement check = checkOf(all, key, gathered, figures.version);
+    tuned.versions.push_back({std::move(figures), check});
+  }
+  std::stable_sort(tuned.versions.begin(), tuned.versions.end(), comesBefore);
+  return tuned;
+}
+
+std::optional<RatioInterval> TunedConfiguration::bestInterval() const {
+  for (const TunedVersion &version : versions)
+    if (version.figures.interval)
+      return version.figures.interval;
+  return std::nullopt;
+}
+
+std::vector<TunedConfiguration>
+corvane::mergeRuns(llvm::ArrayRef<RunRecord> runs) {
+  Gathering all;
+  for (const RunRecord &run : runs) {
+    std::map<std::uint32_t, std::uint64_t> launches = launchesOf(run);
+    for (const auto &[number, configuration] : run.configurations)
+      gather(all, run, configuration, launches[number]);
+  }
+
+  std::vector<TunedConfiguration> tuned;
+  for (const auto &[key, gathered] : all.configurations)
+    tuned.push_back(tune(all, key, gathered));
+  return tuned;
+}
+
+namespace {
+
+/// Gives values their places in a list, each new one the next.
+template <typename Value> class Places {
+public:
+  explicit Places(std::vector<Value> &values) : list(values) {}
+
+  std::size_t of(const Value &value) {
+    const auto [place, isNew] = places.try_emplace(value, list.size());
+    if (isNew)
+      list.push_back(value);
+    return place->second;
+  }
+
+private:
+  std::vector<Value> &list;
+  std::map<Value, std::size_t> places;
+};
+
+} // namespace
+
+static ProfileEntry entryOf(const TunedConfiguration &tuned) {
+  ProfileEntry entry;
+  entry.kernel = tuned.kernel;
+  entry.sizes = tuned.sizes;
+  if (!tuned.winner.empty())
+    entry.use = tuned.winner;
+  for (const TunedVersion &version : tuned.versions)
+    entry.versions[version.figures.version] = {
+        version.figures.median, version.figures.samples, version.check};
+  entry.interval = tuned.bestInterval();
+  return entry;
+}
+
+Profile
+corvane::makeProfile(llvm::ArrayRef<TunedConfiguration> configurations) {
+  Profile profile;
+  Places devices(profile.devices);
+  Places programs(profile.programs);
+  for (const TunedConfiguration &tuned : configurations)
+    if (tuned.decided) {
+      ProfileEntry entry = entryOf(tuned);
+      entry.device = devices.of(tuned.device);
+      entry.program = programs.of(tuned.program);
+      profile.entries.push_back(std::move(entry));
+    }
+  return profile;
+}

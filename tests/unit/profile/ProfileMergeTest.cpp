@@ -1,0 +1,210 @@
+// What runs amount to, together.
+
+#include "results/profile/ProfileMerge.h"
+
+#include "Runs.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+static const LaunchSizes sizes = oneDimension(1024, 64);
+
+// The only configuration of the runs.
+static TunedConfiguration merged(std::vector<RunRecord> runs) {
+  std::vector<TunedConfiguration> tuned = mergeRuns(runs);
+  EXPECT_THAT(tuned, SizeIs(1));
+  return tuned.at(0);
+}
+
+static Agreement checkOf(const TunedConfiguration &tuned,
+                         const std::string &name) {
+  for (const TunedVersion &version : tuned.versions)
+    if (version.figures.version == name)
+      return version.check;
+  ADD_FAILURE() << "there is no version " << name;
+  return Agreement::Unknown;
+}
+
+TEST(MergeRuns, FindsTheWinnerOfOneRun) {
+  const TunedConfiguration tuned =
+      merged({MadeRun()
+                  .configuration("k", sizes)
+                  .warmUp("g0S4", 1)
+                  .samples("", 100)
+                  .samples("g0S4", 50)
+                  .samples("g0S2", 70)
+                  .check("g0S4", CheckResult::Equal)});
+  EXPECT_TRUE(tuned.decided);
+  EXPECT_EQ(tuned.winner, "g0S4");
+  EXPECT_EQ(tuned.kernel, "k");
+  ASSERT_THAT(tuned.versions, SizeIs(3));
+  EXPECT_EQ(tuned.versions[0].figures.version, "");
+  EXPECT_EQ(tuned.versions[1].figures.version, "g0S4");
+  EXPECT_EQ(tuned.versions[1].figures.samples, 7U);
+  EXPECT_EQ(tuned.versions[2].figures.version, "g0S2");
+  EXPECT_EQ(checkOf(tuned, "g0S4"), Agreement::Equal);
+  EXPECT_EQ(checkOf(tuned, "g0S2"), Agreement::Unknown);
+  EXPECT_NEAR(tuned.bestInterval()->high, 0.5, 0.01);
+}
+
+TEST(MergeRuns, CountsTheSamplesOfAllRunsForOneKey) {
+  const RunRecord half = MadeRun()
+                             .configuration("k", sizes)
+                             .samples("", 100, 3)
+                             .samples("g0S4", 50, 3);
+  EXPECT_FALSE(merged({half}).decided);
+  const TunedConfiguration tuned = merged({half, half});
+  EXPECT_TRUE(tuned.decided);
+  EXPECT_EQ(tuned.winner, "g0S4");
+  EXPECT_EQ(tuned.versions[0].figures.samples, 6U);
+}
+
+TEST(MergeRuns, KeepsOtherDriversProgramsAndSizesApart) {
+  const auto run = [](const char *driver, const char *hash,
+                      const LaunchSizes &of) -> RunRecord {
+    return MadeRun(driver, hash)
+        .configuration("k", of)
+        .samples("", 100)
+        .samples("g0S4", 50);
+  };
+  const std::vector<TunedConfiguration> tuned = mergeRuns(
+      {run("2", "abc", sizes), run("1", "def", sizes), run("1", "abc", sizes),
+       run("1", "abc", oneDimension(1024)), run("1", "abc", sizes)});
+  ASSERT_THAT(tuned, SizeIs(4));
+  EXPECT_EQ(tuned[0].sizes, oneDimension(1024));
+  EXPECT_EQ(tuned[1].versions[0].figures.samples, 14U);
+  EXPECT_EQ(tuned[2].program, "def");
+  EXPECT_EQ(tuned[3].device.driver, "2");
+}
+
+TEST(MergeRuns, TakesAVariantOutThatIsDifferentAnywhere) {
+  const RunRecord good = MadeRun()
+                             .configuration("k", sizes)
+                             .samples("", 100)
+                             .samples("g0S4", 50)
+                             .samples("g0S2", 70)
+                             .check("g0S4", CheckResult::Equal);
+  // On another device, for other sizes.
+  const RunRecord bad = MadeRun("2")
+                            .configuration("k", oneDimension(7))
+                            .check("g0S4", CheckResult::Different);
+  for (const std::vector<RunRecord> &runs :
+       {std::vector<RunRecord>{good, bad}, {bad, good}}) {
+    const std::vector<TunedConfiguration> tuned = mergeRuns(runs);
+    ASSERT_THAT(tuned, SizeIs(2));
+    EXPECT_EQ(tuned[0].winner, "g0S2");
+    EXPECT_EQ(checkOf(tuned[0], "g0S4"), Agreement::Different);
+  }
+}
+
+TEST(MergeRuns, LeavesTheVariantsOfOtherProgramsAndKernelsIn) {
+  const std::vector<TunedConfiguration> tuned =
+      mergeRuns({MadeRun("1", "abc")
+                     .configuration("k", sizes)
+                     .samples("", 100)
+                     .samples("g0S4", 50),
+                 MadeRun("1", "def")
+                     .configuration("k", sizes)
+                     .check("g0S4", CheckResult::Different),
+                 MadeRun("1", "abc")
+                     .configuration("other", sizes)
+                     .check("g0S4", CheckResult::Different)});
+  EXPECT_EQ(tuned[0].winner, "g0S4");
+}
+
+TEST(MergeRuns, ChoosesNoVariantOfAKernelThatDiffersFromItself) {
+  const std::vector<TunedConfiguration> tuned =
+      mergeRuns({MadeRun()
+                     .configuration("k", sizes)
+                     .samples("", 100)
+                     .samples("g0S4", 50)
+                     .check("g0S4", CheckResult::Equal)
+                     .configuration("k", oneDimension(7))
+                     .check("", CheckResult::Different)});
+  ASSERT_THAT(tuned, SizeIs(2));
+  EXPECT_TRUE(tuned[1].decided);
+  EXPECT_EQ(tuned[1].winner, "");
+  EXPECT_EQ(checkOf(tuned[1], ""), Agreement::Different);
+}
+
+TEST(MergeRuns, TellsTheWorstCheck) {
+  const TunedConfiguration tuned =
+      merged({MadeRun()
+                  .configuration("k", sizes)
+                  .check("g0S4", CheckResult::WithinBound)
+                  .check("g0S4", CheckResult::Equal)});
+  EXPECT_EQ(checkOf(tuned, "g0S4"), Agreement::WithinBound);
+  EXPECT_FALSE(tuned.decided);
+}
+
+TEST(MergeRuns, TakesAProcessAtItsWordThatItHasDecided) {
+  const TunedConfiguration tuned = merged({MadeRun()
+                                               .configuration("k", sizes)
+                                               .samples("", 100, 2)
+                                               .samples("g0S4", 50, 2)
+                                               .decided()});
+  EXPECT_TRUE(tuned.decided);
+  EXPECT_EQ(tuned.winner, "");
+}
+
+TEST(MergeRuns, CountsLaunches) {
+  const RunRecord whole = MadeRun()
+                              .configuration("a", sizes)
+                              .samples("", 100, 5)
+                              .configuration("k", sizes)
+                              .samples("", 100, 5)
+                              .ended({{0, 40}, {1, 2}, {1, 3}, {9, 1}});
+  const RunRecord killed = MadeRun()
+                               .configuration("k", sizes)
+                               .warmUp("", 100)
+                               .samples("", 100, 5)
+                               .samples("g0S4", 100, 4);
+  const std::vector<TunedConfiguration> tuned = mergeRuns({whole, killed});
+  ASSERT_THAT(tuned, SizeIs(2));
+  EXPECT_EQ(tuned[0].launches, 40U);
+  EXPECT_EQ(tuned[1].launches, 5U + 6U);
+}
+
+TEST(MergeRuns, HasNothingToSayOfNothing) {
+  EXPECT_THAT(mergeRuns({}), IsEmpty());
+  EXPECT_THAT(mergeRuns({MadeRun()}), IsEmpty());
+}
+
+TEST(MakeProfile, HasEntriesForWhatIsDecided) {
+  const Profile profile =
+      makeProfile(mergeRuns({MadeRun()
+                                 .configuration("a", sizes)
+                                 .samples("", 100)
+                                 .samples("g0S4", 100)
+                                 .configuration("b", sizes)
+                                 .samples("", 100, 2)
+                                 .samples("g0S4", 50, 2)
+                                 .configuration("c", sizes)
+                                 .samples("", 100)
+                                 .samples("g0S4", 50),
+                             MadeRun("2", "def")
+                                 .configuration("d", sizes)
+                                 .samples("", 100)
+                                 .samples("l0S4", 50)
+                                 .check("l0S4", CheckResult::WithinBound)}));
+  ASSERT_THAT(profile.entries, SizeIs(3));
+  EXPECT_EQ(profile.entries[0].kernel, "a");
+  EXPECT_EQ(profile.entries[0].use, std::nullopt);
+  EXPECT_EQ(profile.entries[1].kernel, "c");
+  EXPECT_EQ(profile.entries[1].use, "g0S4");
+  EXPECT_EQ(profile.entries[1].device, 0U);
+  EXPECT_EQ(profile.entries[2].use, "l0S4");
+  EXPECT_EQ(profile.entries[2].device, 1U);
+  EXPECT_EQ(profile.entries[2].program, 1U);
+  EXPECT_EQ(profile.entries[2].versions.at("l0S4").check,
+            Agreement::WithinBound);
+  EXPECT_THAT(profile.programs, ElementsAre("abc", "def"));
+  EXPECT_THAT(profile.devices, SizeIs(2));
+}
