@@ -41,6 +41,9 @@ private:
   void enqueueVariant(Candidate candidate);
   cl_int runKernel(std::unique_ptr<TimingTicket> ticket);
   std::unique_ptr<TimingTicket> makeTicket(std::string version) const;
+  void shareEvents(const BufferShadow &shadow,
+                   const std::vector<Candidate> &candidates,
+                   TimingTicket &kernelsTicket);
 
   AgentState &state;
   KernelRecord &record;
@@ -123,6 +126,19 @@ std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() {
   return candidates;
 }
 
+// The application's run is over last and gives the events back then. Should it
+// not be launched or watched, the variants' runs do, or the launch itself.
+void AutotuneLaunch::shareEvents(const BufferShadow &shadow,
+                                 const std::vector<Candidate> &candidates,
+                                 TimingTicket &kernelsTicket) {
+  const std::size_t buffers = shadow.bufferCount();
+  // Restores of a variant that fail are tried once more at the end.
+  chain.reserve(candidates.size() * (2 * buffers + 1) + buffers);
+  for (const Candidate &candidate : candidates)
+    candidate.ticket->events = chain.events();
+  kernelsTicket.events = chain.events();
+}
+
 // A failed launch leaves the chain as it is.
 void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   cl_event run = nullptr;
@@ -166,8 +182,6 @@ cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
   chained.eventWaitList = chain.waitList();
   chained.event = event.slot();
   const cl_int status = enqueue(chained);
-  chain.release();
-
   if (status == CL_SUCCESS)
     (void)timeRun(event.get(), ticket);
   if (ticket)
@@ -185,8 +199,10 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
     candidates = findCandidates();
   if (!candidates.empty() && !shadow.makeRoom(state))
     candidates.clear();
-  if (!candidates.empty())
+  if (!candidates.empty()) {
     ticket->keptAlive = shadow.hostCopies();
+    shareEvents(shadow, candidates, *ticket);
+  }
   timings->timings.reserve(candidates.size() + 1);
   list();
 

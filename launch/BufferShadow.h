@@ -40,6 +40,9 @@ public:
   /// could not be enqueued: then what was saved must not be saved over.
   bool restore(cl_command_queue queue, EventChain &chain) const;
 
+  /// How many buffers a save reads, each by one command.
+  std::size_t bufferCount() const { return buffers.size(); }
+
   /// The memory that the transfers use; needs room.
   std::vector<HostCopy> hostCopies() const;
 

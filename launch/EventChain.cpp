@@ -1,4 +1,4 @@
-// Hands the one reference of a chain on.
+// The references that a chain of events holds.
 
 #include "launch/EventChain.h"
 
@@ -6,13 +6,17 @@
 
 using namespace corvane;
 
-void EventChain::advance(cl_event event) {
-  release();
-  last = event;
+HeldEvents::~HeldEvents() {
+  for (cl_event event : events)
+    (void)runtime().clReleaseEvent(event);
 }
 
-void EventChain::release() {
-  if (last)
-    (void)runtime().clReleaseEvent(last);
-  last = nullptr;
+void EventChain::reserve(std::size_t count) {
+  held = std::make_shared<HeldEvents>();
+  held->reserve(count);
+}
+
+void EventChain::advance(cl_event event) {
+  held->add(event);
+  last = event;
 }

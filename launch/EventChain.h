@@ -4,33 +4,62 @@
 
 #include <CL/cl.h>
 
+#include <cstddef>
+#include <memory>
+#include <vector>
+
 namespace corvane {
 
+/// References to events that are given back together, in the order in which
+/// they came, when the last owner goes. That may be on any thread, a runtime's
+/// callback thread too.
+class HeldEvents {
+public:
+  HeldEvents() = default;
+  ~HeldEvents();
+  HeldEvents(const HeldEvents &) = delete;
+  HeldEvents &operator=(const HeldEvents &) = delete;
+
+  /// Reserve before: this allocates nothing then.
+  void add(cl_event event) { events.push_back(event); }
+  void reserve(std::size_t count) { events.reserve(count); }
+
+private:
+  std::vector<cl_event> events;
+};
+
 /// What the next command has to wait for: at first the application's wait list,
-/// then the event of the command before. Holds one reference to that event.
+/// then the event of the command before.
+///
+/// The events stay alive until every run that shares them is over: a runtime
+/// that fails what waits for a cancelled event may stumble over an event in the
+/// middle that only commands hold.
 class EventChain {
 public:
   /// Borrows the list, which must live as long as the chain.
   EventChain(cl_uint count, const cl_event *waitList)
       : firstCount(count), firstList(waitList) {}
-  ~EventChain() { release(); }
   EventChain(const EventChain &) = delete;
   EventChain &operator=(const EventChain &) = delete;
 
   cl_uint waitCount() const { return last ? 1 : firstCount; }
   const cl_event *waitList() const { return last ? &last : firstList; }
 
+  /// Gets the memory for that many events. Call before the first of them.
+  void reserve(std::size_t count);
+
   /// Lets later commands wait for \p event, whose reference the chain takes
   /// over.
   void advance(cl_event event);
 
-  /// Gives the last event back; the chain is as it was at first.
-  void release();
+  /// What keeps the events alive, those to come included; null without reserve.
+  const std::shared_ptr<HeldEvents> &events() const { return held; }
 
 private:
   cl_uint firstCount;
   const cl_event *firstList;
   cl_event last = nullptr;
+  std::shared_ptr<HeldEvents> held;
 };
 
 } // namespace corvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "agent/LaunchRecord.h"
+#include "launch/EventChain.h"
 #include "programs/BufferRecord.h"
 
 #include <CL/cl.h>
@@ -19,6 +20,8 @@ struct TimingTicket {
   std::shared_ptr<LaunchHistory> history;
   std::shared_ptr<LaunchRecord> record;
   std::string version; ///< spec text; empty: the application's kernel
+  /// Events of the launch's commands, which this run may be the last to need.
+  std::shared_ptr<HeldEvents> events;
   /// Memory of transfers that are over when this run is.
   std::vector<HostCopy> keptAlive;
 };

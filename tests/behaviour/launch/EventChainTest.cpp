@@ -1,6 +1,7 @@
 // Tests of how the commands of an autotuning launch are ordered.
 
 #include "tests/behaviour/launch/Application.h"
+#include "tests/support/ErrorCapture.h"
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
@@ -32,15 +33,68 @@ TEST(EventChain, OrdersSaveVariantRestoreAndKernel) {
           "event 1)",
           "clEnqueueNDRangeKernel(queue 1, kernel k_coarsed_g0S4, 1, null, "
           "[4], [2], [event 1], event 2)",
-          "clSetEventCallback(event 2, 0, &, &)", "clReleaseEvent(event 1)",
+          "clSetEventCallback(event 2, 0, &, &)",
           "clEnqueueWriteBuffer(queue 1, buffer 1, non-blocking, 0, 4, &, "
           "[event 2], event 3)",
-          "clReleaseEvent(event 2)",
           "clEnqueueNDRangeKernel(queue 1, kernel k, 1, null, [16], [2], "
           "[event 3], event 4)",
-          "clReleaseEvent(event 3)", "clSetEventCallback(event 4, 0, &, &)",
-          "clReleaseEvent(event 4)", "clFlush(queue 1)"));
+          "clSetEventCallback(event 4, 0, &, &)", "clReleaseEvent(event 4)",
+          "clReleaseEvent(event 1)", "clReleaseEvent(event 2)",
+          "clReleaseEvent(event 3)", "clFlush(queue 1)"));
   EXPECT_THAT(app.runtime.alive("event"), IsEmpty());
+}
+
+TEST(EventChain, KeepsItsEventsUntilTheKernelsRunIsOver) {
+  OneBuffer app;
+  app.runtime.late();
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  const auto kept = ElementsAre("event 1", "event 2", "event 3");
+  EXPECT_THAT(app.runtime.alive("event"), kept);
+  for (int command = 0; command != 3; ++command)
+    EXPECT_TRUE(app.runtime.runFirst());
+  EXPECT_THAT(app.runtime.alive("event"), kept);
+  EXPECT_TRUE(app.runtime.runFirst());
+  EXPECT_THAT(app.runtime.alive("event"), IsEmpty());
+}
+
+TEST(EventChain, KeepsItsEventsThroughACancelledWait) {
+  OneBuffer app;
+  app.runtime.late();
+  cl_event start = app.runtime.addEvent();
+  EXPECT_EQ(app.launch(app.kernel, {16}, {}, nullptr, {start}), CL_SUCCESS);
+  EXPECT_THAT(app.runtime.alive("event"),
+              ElementsAre("event 1", "event 2", "event 3", "event 4"));
+  app.runtime.endEvent(start, CL_OUT_OF_RESOURCES);
+  EXPECT_THAT(app.runtime.alive("event"),
+              ElementsAre("event 1", "event 2", "event 3", "event 4"));
+  app.runtime.runAll();
+  EXPECT_THAT(app.runtime.alive("event"), ElementsAre("event 1"));
+}
+
+TEST(EventChain, EndsWithTheVariantsRunIfTheKernelCouldNotBeLaunched) {
+  OneBuffer app;
+  app.runtime.late();
+  app.runtime.answer("clEnqueueNDRangeKernel", CL_OUT_OF_RESOURCES, 2);
+  {
+    ErrorCapture errors;
+    EXPECT_EQ(app.launch(app.kernel, {16}), CL_OUT_OF_RESOURCES);
+  }
+  EXPECT_TRUE(app.runtime.runFirst()); // the save
+  EXPECT_THAT(app.runtime.alive("event"),
+              ElementsAre("event 1", "event 2", "event 3"));
+  EXPECT_TRUE(app.runtime.runFirst());
+  EXPECT_THAT(app.runtime.alive("event"), IsEmpty());
+  app.runtime.runAll();
+}
+
+TEST(EventChain, EndsWithTheLaunchIfNoRunCanBeWatched) {
+  OneBuffer app;
+  app.runtime.late();
+  app.runtime.answer("clSetEventCallback", CL_OUT_OF_HOST_MEMORY);
+  EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
+  EXPECT_THAT(app.runtime.waiting(), testing::SizeIs(4));
+  EXPECT_THAT(app.runtime.alive("event"), IsEmpty());
+  app.runtime.runAll();
 }
 
 TEST(EventChain, BeginsWithTheApplicationsWaitList) {

@@ -64,8 +64,9 @@ TEST(LongChain, SavesAndRestoresTheBuffersInSlotOrderAroundEachVariant) {
 TEST(LongChain, ReleasesEveryEventExactlyOnce) {
   ThreeBuffers app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
-  std::vector<std::string> expected;
-  for (int event = 1; event <= 15; ++event)
+  // That of the kernel's own run, then those of the chain.
+  std::vector<std::string> expected = {"clReleaseEvent(event 15)"};
+  for (int event = 1; event != 15; ++event)
     expected.push_back("clReleaseEvent(event " + std::to_string(event) + ")");
   EXPECT_THAT(app.runtime.transcript({"clReleaseEvent"}),
               testing::ElementsAreArray(expected));

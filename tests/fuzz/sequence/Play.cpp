@@ -115,6 +115,7 @@ void Play::finish() {
   runtime.holdCallbacks(false);
   runtime.runAll();
   runtime.fireCallbacks();
+  holdsCallbacks = callbacksMayBeHeld = false;
   checkContents();
   checkRows();
 

@@ -103,10 +103,12 @@ public:
   /// The only call of its kind that has reached the runtime.
   Heard onlyCall(const char *entry) const;
 
-  bool tuning = false;          ///< the agent autotunes
-  bool hasState = false;        ///< there was no flush since the last load
-  bool failing = false;         ///< the runtime was told to fail, or to lie
-  bool lastRunHasEvent = false; ///< the last one of events
+  bool tuning = false;             ///< the agent autotunes
+  bool hasState = false;           ///< there was no flush since the last load
+  bool failing = false;            ///< the runtime was told to fail, or to lie
+  bool lastRunHasEvent = false;    ///< the last one of events
+  bool holdsCallbacks = false;     ///< the runtime does, from now on
+  bool callbacksMayBeHeld = false; ///< some that it has not called yet
   /// What a buffer or the log must hold can no longer be told.
   bool contentsUnknown = false;
   bool rowsUnknown = false;

@@ -19,6 +19,7 @@ void corvane::fuzz::completeCommands(Play &play) {
     break;
   case 3:
     play.runtime.fireCallbacks();
+    play.callbacksMayBeHeld = play.holdsCallbacks;
     break;
   case 4:
     play.cl().clFinish(play.runtime.queue());
@@ -42,9 +43,11 @@ void corvane::fuzz::holdCommands(Play &play) {
     break;
   case 2:
     play.runtime.holdCallbacks(true);
+    play.holdsCallbacks = play.callbacksMayBeHeld = true;
     break;
   case 3:
     play.runtime.holdCallbacks(false);
+    play.holdsCallbacks = false;
     break;
   default:
     play.userEvents.push_back(play.runtime.addEvent());

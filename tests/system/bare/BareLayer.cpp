@@ -1,0 +1,60 @@
+// A loader's layer that starts the agent as a runtime with an agent interface
+// would, and makes nothing good: what programs meet is the bare agent.
+
+#include "agent/AgentInterface.h"
+#include "agent/DispatchTable.h"
+
+#include <CL/cl_layer.h>
+
+#include <dlfcn.h>
+
+#include <cstring>
+
+using namespace corvane;
+
+static cl_icd_dispatch table;
+
+static cl_int CL_API_CALL getTable(AgentOperations *, void *to, size_t size) {
+  std::memcpy(to, &table, size);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL setTable(AgentOperations *, void *from, size_t size) {
+  std::memcpy(&table, from, size);
+  return CL_SUCCESS;
+}
+
+static bool startAgent() {
+  static AgentOperations operations{{}, getTable, setTable};
+  void *library = dlopen(AGENT_FILE, RTLD_NOW);
+  void *onLoad = library ? dlsym(library, "clAgent_OnLoad") : nullptr;
+  return onLoad && reinterpret_cast<cl_int(CL_API_CALL *)(AgentOperations *)>(
+                       onLoad)(&operations) == CL_SUCCESS;
+}
+
+// The loader asks for nothing else.
+extern "C" cl_int CL_API_CALL clGetLayerInfo(cl_layer_info name, size_t room,
+                                             void *value, size_t *length) {
+  const cl_layer_api_version version = CL_LAYER_API_VERSION_100;
+  if (name != CL_LAYER_API_VERSION || (value && room < sizeof version))
+    return CL_INVALID_VALUE;
+  if (value)
+    std::memcpy(value, &version, sizeof version);
+  if (length)
+    *length = sizeof version;
+  return CL_SUCCESS;
+}
+
+extern "C" cl_int CL_API_CALL clInitLayer(cl_uint count,
+                                          const cl_icd_dispatch *loaders,
+                                          cl_uint *countRet,
+                                          const cl_icd_dispatch **tableRet) {
+  if (count < sizeof(DispatchTable) / sizeof(void *))
+    return CL_INVALID_VALUE;
+  std::memcpy(&table, loaders, sizeof(DispatchTable));
+  if (!startAgent())
+    return CL_INVALID_OPERATION;
+  *countRet = sizeof(DispatchTable) / sizeof(void *);
+  *tableRet = &table;
+  return CL_SUCCESS;
+}
