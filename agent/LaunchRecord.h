@@ -2,13 +2,13 @@
 
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -16,18 +16,16 @@ namespace corvane {
 
 /// The duration of one completed run.
 struct TimingEntry {
-  std::string version;           ///< spec text; empty: the application's kernel
+  /// Spec text; empty: the application's kernel. Belongs to the history.
+  const std::string *version = nullptr;
   std::uint64_t nanoseconds = 0; ///< device time
 };
 
-/// One launch by the application in autotuning mode. Everything but the timings
-/// is fixed once the record is listed; the history's lock guards the timings.
+/// One launch by the application in autotuning mode. Small, because every
+/// launch leaves one: what repeats belongs to the history.
 struct LaunchRecord {
-  std::string kernel; ///< the application's kernel
-  std::uint32_t workDim = 0;
-  std::array<std::size_t, 3> globalSize{}; ///< 0 from workDim on
-  std::array<std::size_t, 3> localSize{};  ///< 0 also without local sizes
-  std::vector<TimingEntry> timings;
+  const std::string *key = nullptr; ///< how the rows of the launch begin
+  std::vector<TimingEntry> timings; ///< guarded by the history's lock
 };
 
 /// All launches since the load, in the order of launching.
@@ -41,10 +39,18 @@ struct LaunchHistory {
   /// The folder that was current at the load, from which a relative output
   /// directory is found; empty if it is unknown.
   const std::string loadFolder;
-  /// Guards the records' timings, the list, the rows and the log file. A leaf
-  /// lock: never held across a call into the runtime.
+  /// Guards the records' timings, the list, the texts, the rows and the log
+  /// file. A leaf lock: never held across a call into the runtime.
   std::mutex lock;
   std::vector<std::shared_ptr<LaunchRecord>> records;
+
+  /// The one copy of \p text that all records share; lasts as long as the
+  /// history. Hold the lock.
+  const std::string &shared(std::string text) {
+    return *texts.insert(std::move(text)).first;
+  }
+  std::unordered_set<std::string> texts;
+
   /// Rows that could not be written to the log yet, each with its line feed.
   std::string unwrittenRows;
   /// False once the results are being written: later runs leave no trace.

@@ -13,6 +13,7 @@
 #include "launch/TimingTicket.h"
 #include "launch/VariantLaunch.h"
 #include "programs/KernelName.h"
+#include "results/RawTimingLog.h"
 
 #include <utility>
 
@@ -77,13 +78,13 @@ private:
 };
 } // namespace
 
-static std::shared_ptr<LaunchRecord> describe(const KernelRecord &record,
+static std::shared_ptr<LaunchRecord> describe(LaunchHistory &history,
+                                              const KernelRecord &record,
                                               const LaunchSizes &sizes) {
   auto described = std::make_shared<LaunchRecord>();
-  described->kernel = record.name();
-  described->workDim = sizes.workDim;
-  described->globalSize = sizes.global;
-  described->localSize = sizes.local;
+  std::lock_guard<std::mutex> lock(history.lock);
+  described->key = &history.shared(
+      launchKey(record.name(), sizes.workDim, sizes.global, sizes.local));
   return described;
 }
 
@@ -93,7 +94,7 @@ AutotuneLaunch::AutotuneLaunch(AgentState &agentState,
     : state(agentState), record(kernelRecord), launch(asked),
       kernelArguments(argumentsOfKernel), sizes(sizesOf(asked)),
       chain(asked.numEventsInWaitList, asked.eventWaitList),
-      timings(describe(kernelRecord, sizes)) {}
+      timings(describe(*agentState.launchRecords, kernelRecord, sizes)) {}
 
 void AutotuneLaunch::list() {
   LaunchHistory &history = *state.launchRecords;

@@ -29,11 +29,13 @@ static std::uint64_t measure(cl_event event) {
 }
 
 static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
-  std::lock_guard<std::mutex> lock(ticket.history->lock);
-  if (!ticket.history->open)
+  LaunchHistory &history = *ticket.history;
+  std::lock_guard<std::mutex> lock(history.lock);
+  if (!history.open)
     return;
-  ticket.record->timings.push_back({std::move(ticket.version), nanoseconds});
-  appendTiming(*ticket.history, *ticket.record);
+  ticket.record->timings.push_back(
+      {&history.shared(std::move(ticket.version)), nanoseconds});
+  appendTiming(history, *ticket.record);
 }
 
 // Without the agent lock: whoever holds it may be waiting for the runtime,

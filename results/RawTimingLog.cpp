@@ -43,10 +43,12 @@ static void addSizes(std::string &key, const std::array<std::size_t, 3> &sizes,
   }
 }
 
-std::string corvane::launchKey(const LaunchRecord &record) {
-  std::string key = record.kernel;
-  addSizes(key, record.globalSize, record.workDim);
-  addSizes(key, record.localSize, record.workDim);
+std::string corvane::launchKey(const std::string &kernel, std::uint32_t workDim,
+                               const std::array<std::size_t, 3> &globalSize,
+                               const std::array<std::size_t, 3> &localSize) {
+  std::string key = kernel;
+  addSizes(key, globalSize, workDim);
+  addSizes(key, localSize, workDim);
   return key;
 }
 
@@ -63,10 +65,11 @@ std::string corvane::timeText(std::uint64_t nanoseconds) {
   return fixedText(static_cast<double>(nanoseconds) / 1000.0, 3);
 }
 
-static std::string rowLine(const std::string &key, const TimingEntry &entry) {
-  std::string line = key;
+static std::string rowLine(const LaunchRecord &record,
+                           const TimingEntry &entry) {
+  std::string line = *record.key;
   line += ',';
-  line += entry.version.empty() ? baselineName : entry.version;
+  line += entry.version->empty() ? baselineName : *entry.version;
   line += ',';
   line += timeText(entry.nanoseconds);
   line += '\n';
@@ -118,11 +121,9 @@ static void writeRows(std::FILE *log, std::string &rows, long length) {
 
 static std::string allRows(const LaunchHistory &history) {
   std::string rows;
-  for (const std::shared_ptr<LaunchRecord> &record : history.records) {
-    const std::string key = launchKey(*record);
+  for (const std::shared_ptr<LaunchRecord> &record : history.records)
     for (const TimingEntry &entry : record->timings)
-      rows += rowLine(key, entry);
-  }
+      rows += rowLine(*record, entry);
   return rows;
 }
 
@@ -164,7 +165,7 @@ void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
   const std::lock_guard<std::mutex> guard(fileLock);
   if (!autotuneOutput() || !history.open || record.timings.empty())
     return;
-  history.unwrittenRows += rowLine(launchKey(record), record.timings.back());
+  history.unwrittenRows += rowLine(record, record.timings.back());
   if (const std::optional<std::string> directory =
           outputDirectory(history.loadFolder))
     updateLog(rawLogPath(*directory), history);

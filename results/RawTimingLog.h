@@ -4,6 +4,8 @@
 
 #include "agent/LaunchRecord.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -15,7 +17,9 @@ std::string rawLogPath(const std::string &directory);
 
 /// The first seven fields of a row: the kernel and its sizes, empty for the
 /// dimensions that the launch does not have.
-std::string launchKey(const LaunchRecord &record);
+std::string launchKey(const std::string &kernel, std::uint32_t workDim,
+                      const std::array<std::size_t, 3> &globalSize,
+                      const std::array<std::size_t, 3> &localSize);
 
 /// A duration in microseconds, three digits behind the point.
 std::string timeText(std::uint64_t nanoseconds);

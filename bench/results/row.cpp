@@ -21,25 +21,22 @@ using namespace corvane::bench;
 
 static constexpr const char *row = "k,1024,1024,,16,16,,g0S4,12.345\n";
 
-static LaunchRecord someLaunch() {
-  LaunchRecord launch;
-  launch.kernel = "k";
-  launch.workDim = 2;
-  launch.globalSize = {1024, 1024, 0};
-  launch.localSize = {16, 16, 0};
-  launch.timings.push_back({"g0S4", 12345});
+static std::shared_ptr<LaunchRecord> someLaunch(LaunchHistory &history) {
+  auto launch = std::make_shared<LaunchRecord>();
+  launch->key =
+      &history.shared(launchKey("k", 2, {1024, 1024, 0}, {16, 16, 0}));
+  launch->timings.push_back({&history.shared("g0S4"), 12345});
   return launch;
 }
 
 static void appendByAgent(benchmark::State &state, std::size_t launchesBefore) {
   LaunchHistory history;
+  const std::lock_guard<std::mutex> lock(history.lock);
   for (std::size_t i = 0; i != launchesBefore; ++i)
-    history.records.push_back(std::make_shared<LaunchRecord>(someLaunch()));
-  const LaunchRecord launch = someLaunch();
-  for (auto _ : state) {
-    const std::lock_guard<std::mutex> lock(history.lock);
-    appendTiming(history, launch);
-  }
+    history.records.push_back(someLaunch(history));
+  const std::shared_ptr<LaunchRecord> launch = someLaunch(history);
+  for (auto _ : state)
+    appendTiming(history, *launch);
 }
 
 // Open, check that there is something, append, and close.

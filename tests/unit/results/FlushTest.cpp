@@ -168,14 +168,13 @@ TEST_F(Flush, SaysSoWhenTheVariableIsGone) {
 
 TEST_F(Flush, ClosesTheHistoryToLaterRuns) {
   ASSERT_TRUE(createRawLog(folder.file("out")));
-  const auto launch = std::make_shared<LaunchRecord>();
+  LaunchRecord &launch = state.addLaunch("k", 0, {}, {});
   LaunchHistory *history = agentState()->launchRecords.get();
   EXPECT_TRUE(history->open);
   flush();
   EXPECT_FALSE(state.history().open);
   const std::string before = folder.read("out/.auto.csv");
-  launch->timings.push_back({"", 1});
-  appendTiming(state.history(), *launch);
+  state.complete(launch, "", 1);
   EXPECT_EQ(folder.read("out/.auto.csv"), before);
 }
 

@@ -41,11 +41,9 @@ LaunchRecord &TestState::addLaunch(const std::string &kernel,
                                    std::array<std::size_t, 3> globalSize,
                                    std::array<std::size_t, 3> localSize) {
   auto record = std::make_shared<LaunchRecord>();
-  record->kernel = kernel;
-  record->workDim = workDim;
-  record->globalSize = globalSize;
-  record->localSize = localSize;
   const std::lock_guard<std::mutex> lock(launches->lock);
+  record->key =
+      &launches->shared(launchKey(kernel, workDim, globalSize, localSize));
   launches->records.push_back(record);
   return *record;
 }
@@ -53,7 +51,7 @@ LaunchRecord &TestState::addLaunch(const std::string &kernel,
 void TestState::complete(LaunchRecord &record, const std::string &version,
                          std::uint64_t nanoseconds) {
   const std::lock_guard<std::mutex> lock(launches->lock);
-  record.timings.push_back({version, nanoseconds});
+  record.timings.push_back({&launches->shared(version), nanoseconds});
   appendTiming(*launches, record);
 }
 
