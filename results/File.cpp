@@ -1,12 +1,17 @@
-// Opens files without a buffer of the C library's.
+// Reports what the platform refuses to open.
 
 #include "results/File.h"
 
+#include "agent/RefusedFiles.h"
+
+#include <utility>
+
 using namespace corvane;
 
-FileHandle corvane::openFile(const std::string &path, const char *mode) {
-  FileHandle file(std::fopen(path.c_str(), mode));
-  if (file)
-    std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
+platform::FileHandle corvane::openFile(const std::string &path,
+                                       platform::FileUse use) {
+  platform::OpenedFile opened = platform::openRegularFile(path, use);
+  if (opened.refused)
+    reportRefusedFile(path);
+  return std::move(opened.file);
 }

@@ -1,20 +1,16 @@
-// An open file that closes itself.
+// Opens the files of the results.
 
 #pragma once
 
-#include <cstdio>
-#include <memory>
+#include "agent/platform/Platform.h"
+
 #include <string>
 
 namespace corvane {
 
-struct CloseFile {
-  void operator()(std::FILE *file) const { std::fclose(file); }
-};
-using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
-
-/// Opens \p path as std::fopen does; null when it cannot be opened. There is no
-/// buffer in between: each std::fwrite is one write to the system.
-FileHandle openFile(const std::string &path, const char *mode);
+/// Opens a regular file as platform::openRegularFile does; null when that
+/// fails. Anything but a file or folder in its place is refused, and one line
+/// on the error stream says so. Any thread, holding any lock.
+platform::FileHandle openFile(const std::string &path, platform::FileUse use);
 
 } // namespace corvane

@@ -8,7 +8,8 @@ using namespace corvane;
 
 static constexpr std::size_t blockSize = 262144;
 
-LineReader::LineReader(const std::string &path) : file(openFile(path, "rb")) {
+LineReader::LineReader(const std::string &path)
+    : file(openFile(path, platform::FileUse::Read)) {
   if (file)
     buffer.resize(blockSize);
 }

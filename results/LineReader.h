@@ -25,7 +25,7 @@ public:
 private:
   bool fill();
 
-  FileHandle file;
+  platform::FileHandle file;
   std::vector<char> buffer; ///< grows only for a line that does not fit
   std::size_t begin = 0;    ///< the bytes read but not yet handed out ...
   std::size_t end = 0;      ///< ... stop here

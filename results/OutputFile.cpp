@@ -6,7 +6,8 @@ using namespace corvane;
 
 static constexpr std::size_t bufferSize = 65536;
 
-OutputFile::OutputFile(const std::string &path) : file(openFile(path, "wb")) {
+OutputFile::OutputFile(const std::string &path)
+    : file(openFile(path, platform::FileUse::Replace)) {
   SetBufferSize(bufferSize);
 }
 
@@ -15,5 +16,5 @@ OutputFile::~OutputFile() { flush(); }
 void OutputFile::write_impl(const char *bytes, std::size_t count) {
   position += count;
   if (file)
-    std::fwrite(bytes, 1, count, file.get());
+    (void)platform::writeBytes(file.get(), bytes, count);
 }

@@ -24,7 +24,7 @@ private:
   void write_impl(const char *bytes, std::size_t count) override;
   std::uint64_t current_pos() const override { return position; }
 
-  FileHandle file; ///< null: drop everything
+  platform::FileHandle file; ///< null: drop everything
   std::uint64_t position = 0;
 };
 

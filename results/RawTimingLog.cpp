@@ -20,6 +20,8 @@
 #include <utility>
 
 using namespace corvane;
+using platform::FileHandle;
+using platform::FileUse;
 
 // The column names are part of the interface, byte for byte.
 static constexpr const char *headerLine =
@@ -79,7 +81,7 @@ static std::string rowLine(const LaunchRecord &record,
 // A full disk may take the first part of a line; the log, which was \p before
 // bytes long if that is known, must not keep it.
 static bool writeLine(std::FILE *log, std::string_view line, long before) {
-  if (std::fwrite(line.data(), 1, line.size(), log) == line.size())
+  if (platform::writeBytes(log, line.data(), line.size()) == line.size())
     return true;
   if (before >= 0)
     platform::cutFile(log, before);
@@ -88,7 +90,7 @@ static bool writeLine(std::FILE *log, std::string_view line, long before) {
 
 bool corvane::createRawLog(const std::string &directory) {
   const std::lock_guard<std::mutex> guard(fileLock);
-  const FileHandle log = openFile(rawLogPath(directory), "wb");
+  const FileHandle log = openFile(rawLogPath(directory), FileUse::Replace);
   if (!log)
     return false;
   writeLine(log.get(), headerLine, 0);
@@ -147,9 +149,9 @@ static void writeAnew(std::FILE *log, LaunchHistory &history) {
 // handle is enough to look at it and to add to it: opened like this a missing
 // log is an empty one. A log that can be written but not read is made anew.
 static void updateLog(const std::string &path, LaunchHistory &history) {
-  FileHandle log = openFile(path, "ab+");
+  FileHandle log = openFile(path, FileUse::Append);
   if (!log)
-    log = openFile(path, "wb");
+    log = openFile(path, FileUse::Replace);
   if (!log)
     return;
   // Negative where it does not fit: such a log is not empty.
