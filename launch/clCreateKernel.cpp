@@ -2,8 +2,8 @@
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
+#include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "agent/Unclaimed.h"
 #include "launch/Hooks.h"
 #include "launch/KernelRegistry.h"
 
@@ -23,7 +23,7 @@ cl_kernel CL_API_CALL hooks::clCreateKernel(cl_program program,
     *errcodeRet = status;
   if (status != CL_SUCCESS)
     return created;
-  Unclaimed<cl_kernel> kernel(created, runtime().clReleaseKernel);
+  Owned<cl_kernel> kernel(created);
   registerKernel(*state, program, created);
   return kernel.claim();
 }

@@ -5,8 +5,8 @@
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/Flags.h"
+#include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "agent/Unclaimed.h"
 #include "programs/BufferRecord.h"
 #include "programs/Hooks.h"
 
@@ -60,7 +60,7 @@ cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
   AgentState *state = agentState();
   if (*status != CL_SUCCESS || !state || !autotuneOutput())
     return created;
-  Unclaimed<cl_mem> buffer(created, runtime().clReleaseMemObject);
+  Owned<cl_mem> buffer(created);
   watchForRelease(*state, created, recordBuffer(*state, created, flags, size));
   return buffer.claim();
 }

@@ -5,8 +5,8 @@
 #include "agent/ClError.h"
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
+#include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "agent/Unclaimed.h"
 #include "programs/Devices.h"
 #include "programs/Hooks.h"
 #include "programs/VariantDiscovery.h"
@@ -30,7 +30,7 @@ static void checkDevices(cl_program program, const cl_device_id *deviceList) {
 
 // The application has not got the program yet.
 static cl_program withKernels(AgentState &state, cl_program linked) {
-  Unclaimed<cl_program> program(linked, runtime().clReleaseProgram);
+  Owned<cl_program> program(linked);
   collectKernels(state, linked);
   return program.claim();
 }

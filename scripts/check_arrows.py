@@ -12,15 +12,17 @@ import tempfile
 
 # What each folder may use besides itself. The order is from the ground up.
 ARROWS = {
+    "base": set(),
     "variants": set(),
     "tuning": set(),
-    "agent": set(),
-    "results": {"agent"},
+    "agent": {"base"},
+    "results": {"agent", "base"},
     "results/runs": set(),
     "results/profile": {"results/runs"},
-    "programs": {"results", "variants", "agent"},
-    "launch": {"programs", "results", "tuning", "variants", "agent"},
-    "agent/entry": {"launch", "programs", "results", "tuning", "variants", "agent"},
+    "programs": {"results", "variants", "agent", "base"},
+    "tuner": {"tuning", "agent", "base"},
+    "launch": {"programs", "tuner", "tuning", "results", "variants", "agent", "base"},
+    "agent/entry": {"launch", "programs", "tuner", "tuning", "results", "variants", "agent", "base"},
     "layer": set(),
     "examples": set(),
 }
