@@ -1,0 +1,125 @@
+// Runs, comparisons and restores, one after the other.
+
+#include "tuner/TuningJob.h"
+
+#include "agent/RuntimeTable.h"
+
+#include <new>
+#include <utility>
+
+using namespace corvane;
+
+TuningJob::TuningJob(TunedLaunch launchToMeasure, unsigned samples,
+                     Tolerance allowedDifference,
+                     std::shared_ptr<TuningBudget> time,
+                     std::unique_ptr<TuningListener> listenTo)
+    : launch(std::move(launchToMeasure)), tolerance(allowedDifference),
+      plan(static_cast<unsigned>(launch.versions.size()) - 1, samples,
+           allowedDifference.mode != Tolerance::Mode::Off),
+      budget(std::move(time)), listener(std::move(listenTo)) {}
+
+TuningJob::~TuningJob() { letGo(); }
+
+// The objects go first: once its own run is over, the application finds as
+// many references as it would alone.
+void TuningJob::letGo() {
+  const Owned<cl_event> done = std::move(launch.done);
+  launch = TunedLaunch();
+  if (done)
+    (void)runtime().clSetUserEventStatus(
+        done.get(), buffersAreSpoiled ? CL_OUT_OF_RESOURCES : CL_COMPLETE);
+}
+
+void TuningJob::run() noexcept {
+  const auto start = std::chrono::steady_clock::now();
+  TuningEnd end = TuningEnd::NoMemory;
+  try {
+    end = measure();
+  } catch (const std::bad_alloc &) {
+    // What was spoiled can still be restored: the copy is there.
+  }
+  if (buffersAreSpoiled)
+    buffersAreSpoiled = saved->writeTo(launch.queue.get()) != CL_SUCCESS;
+  const auto added = std::chrono::steady_clock::now() - start;
+  budget->spent += added.count();
+  try {
+    listener->ended(end, plan, added);
+  } catch (const std::bad_alloc &) {
+    // A decision that is lost leaves the application's kernel in its place.
+  }
+  letGo();
+}
+
+TuningEnd TuningJob::measure() {
+  if (budget->isSpent())
+    return TuningEnd::OutOfTime;
+  saved = BufferContents::allocate(launch.buffers);
+  reference = BufferContents::allocate(launch.buffers);
+  if (!saved || !reference)
+    return TuningEnd::NoMemory;
+  if (saved->readFrom(launch.queue.get()) != CL_SUCCESS)
+    return TuningEnd::Failed;
+
+  const auto start = std::chrono::steady_clock::now();
+  while (const std::optional<PlannedRun> run = plan.next()) {
+    const auto now = std::chrono::steady_clock::now() - start;
+    if (tuningIsStopped() ||
+        budget->spent + now.count() >= budget->limit.count())
+      return TuningEnd::OutOfTime;
+    if (!makeRun(*run))
+      plan.failed(*run);
+    if (saved->writeTo(launch.queue.get()) != CL_SUCCESS)
+      return TuningEnd::Failed;
+    buffersAreSpoiled = false;
+  }
+  return TuningEnd::Measured;
+}
+
+Owned<cl_event> TuningJob::enqueue(const TunedVersion &version) const {
+  cl_event event = nullptr;
+  const cl_int status = runtime().clEnqueueNDRangeKernel(
+      launch.queue.get(), version.kernel.get(), launch.workDim,
+      launch.globalOffset ? launch.globalOffset->data() : nullptr,
+      version.global.data(), version.localSize(), 0, nullptr, &event);
+  return Owned<cl_event>(status == CL_SUCCESS ? event : nullptr);
+}
+
+// Counters that run backwards or stand still tell no time.
+std::optional<double> TuningJob::timeOf(cl_event event) const {
+  cl_ulong start = 0;
+  cl_ulong end = 0;
+  const auto ask = [event](cl_profiling_info name, cl_ulong &value) {
+    return runtime().clGetEventProfilingInfo(event, name, sizeof value, &value,
+                                             nullptr) == CL_SUCCESS;
+  };
+  if (!ask(CL_PROFILING_COMMAND_START, start) ||
+      !ask(CL_PROFILING_COMMAND_END, end) || end <= start)
+    return std::nullopt;
+  return static_cast<double>(end - start) / 1000.0;
+}
+
+bool TuningJob::makeRun(const PlannedRun &run) {
+  buffersAreSpoiled = true;
+  const Owned<cl_event> event = enqueue(launch.versions[run.version]);
+  const cl_event waitFor = event.get();
+  // A run that fails while it is executed makes the wait fail.
+  if (!event || runtime().clWaitForEvents(1, &waitFor) != CL_SUCCESS)
+    return false;
+  const std::optional<double> microseconds = timeOf(waitFor);
+  plan.completed(run, microseconds);
+  if (microseconds)
+    listener->sampled(run.version, *microseconds,
+                      run.purpose != PlannedRun::Purpose::Sample);
+  if (run.purpose == PlannedRun::Purpose::Reference)
+    return reference->readFrom(launch.queue.get()) == CL_SUCCESS;
+  return !run.compared || checkRun(run);
+}
+
+bool TuningJob::checkRun(const PlannedRun &run) {
+  BufferContents::Check check;
+  if (reference->compare(launch.queue.get(), tolerance, check) != CL_SUCCESS)
+    return false;
+  plan.compared(run, check.equality);
+  listener->checked(run.version, check);
+  return true;
+}
