@@ -24,10 +24,11 @@ ARROWS = {
     "launch": {"programs", "tuner", "tuning", "results", "variants", "agent", "base"},
     "agent/entry": {"launch", "programs", "tuner", "tuning", "results", "variants", "agent", "base"},
     "layer": set(),
+    "coarsening": set(),
     "examples": set(),
 }
 # OpenCL's own types are the business of everybody but the pure rules.
-NO_OPENCL = {"variants", "tuning", "results/runs", "results/profile"}
+NO_OPENCL = {"variants", "tuning", "results/runs", "results/profile", "coarsening"}
 
 INCLUDE = re.compile(r'\s*#\s*include\s*([<"])([^">]+)[">]')
 

@@ -6,6 +6,7 @@
 build_packages=(
   cmake ninja-build g++ llvm-14-dev zlib1g-dev opencl-headers
   ocl-icd-opencl-dev libpng-dev libgtest-dev libgmock-dev libjs-dygraphs
+  libclang-14-dev
 )
 
 # What the tests run besides.

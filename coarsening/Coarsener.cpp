@@ -1,0 +1,144 @@
+// All stages, one after the other.
+#include "coarsening/Coarsener.h"
+
+#include "coarsening/Identifiers.h"
+#include "coarsening/KernelText.h"
+#include "coarsening/Preprocess.h"
+
+namespace corvane::coarsening {
+
+/// The program's kernels that are no variants, in order.
+static std::vector<const clang::FunctionDecl *>
+kernelsOf(const clang::ASTContext &context) {
+  std::vector<const clang::FunctionDecl *> kernels;
+  for (const clang::Decl *declared :
+       context.getTranslationUnitDecl()->decls()) {
+    const auto *function = llvm::dyn_cast<clang::FunctionDecl>(declared);
+    if (function && function->hasAttr<clang::OpenCLKernelAttr>() &&
+        function->doesThisDeclarationHaveABody() &&
+        !function->getName().contains("_coarsed_"))
+      kernels.push_back(function);
+  }
+  return kernels;
+}
+
+static std::set<std::string> functionsOf(const clang::ASTContext &context) {
+  std::set<std::string> names;
+  for (const clang::Decl *declared : context.getTranslationUnitDecl()->decls())
+    if (const auto *function = llvm::dyn_cast<clang::FunctionDecl>(declared))
+      names.insert(function->getNameAsString());
+  return names;
+}
+
+/// Indents by the brackets that are open at each line's beginning.
+static std::string indented(llvm::StringRef text) {
+  std::string result;
+  size_t depth = 0;
+  while (!text.empty()) {
+    const auto [line, rest] = text.split('\n');
+    text = rest;
+    const llvm::StringRef words = line.trim();
+    const bool closes = words.startswith("}");
+    if (!words.empty() && !words.startswith("#"))
+      result.append(2 * (depth - (closes && depth > 0 ? 1 : 0)), ' ');
+    result += words;
+    result += '\n';
+    for (size_t at = 0; at < words.size(); ++at) {
+      if (words[at] == '"' || words[at] == '\'')
+        at = behindLiteral(words, at) - 1;
+      else if (words[at] == '{')
+        ++depth;
+      else if (words[at] == '}' && depth > 0)
+        --depth;
+    }
+  }
+  return result;
+}
+
+namespace {
+
+class Run {
+public:
+  Run(const clang::ASTContext &ast, Coarsened &into)
+      : context(ast), result(into), taken(functionsOf(ast)),
+        names(unusedLetters(ProgramText(ast).all())) {}
+
+  void make(llvm::ArrayRef<Plan> plans) {
+    for (const clang::FunctionDecl *kernel : kernelsOf(context)) {
+      std::set<std::string> made;
+      for (const Plan &plan : plans)
+        make(*kernel, plan, made);
+    }
+  }
+
+  std::string text;
+
+private:
+  void make(const clang::FunctionDecl &kernel, const Plan &plan,
+            std::set<std::string> &made) {
+    const ProgramText program(context);
+    KernelVariant variant =
+        makeVariant(kernel, plan, program, names, functions);
+    const std::string base = kernel.getNameAsString();
+    const std::string name = base + "_coarsed_" + variant.spec;
+    if (!variant.refusal && made.count(name))
+      return;
+    if (!variant.refusal && taken.count(name))
+      variant.refusal = Refusal{Reason::NameTaken, name};
+    if (!variant.refusal && text.size() + variant.text.size() > longestVariants)
+      variant.refusal = Refusal{Reason::TooLarge, ""};
+    if (variant.refusal) {
+      result.refusals.push_back({base, plan.text(), *variant.refusal});
+      return;
+    }
+    made.insert(name);
+    text += "\n" + indented(variant.text);
+    result.variants.push_back({base, plan.text(), name, variant.analysis});
+  }
+
+  const clang::ASTContext &context;
+  Coarsened &result;
+  const std::set<std::string> taken;
+  const Names names;
+  FunctionTable functions;
+};
+
+} // namespace
+
+/// The source, and after it the variants: where the compiler is one for which
+/// they were made, and with the source's macros out of their way.
+static std::string join(llvm::StringRef source, llvm::StringRef variants,
+                        const Preprocessed &preprocessed) {
+  const std::string flag = "CORVANE_VARIANTS_FIT";
+  std::string program = "#if " + preprocessed.condition + "\n#define " + flag +
+                        "\n#endif\n#line 1\n" + source.str() + "\n#ifdef " +
+                        flag + "\n";
+  for (const std::string &macro : preprocessed.macros)
+    program += "#undef " + macro + "\n";
+  return program + variants.str() + "#endif\n";
+}
+
+Coarsened coarsen(llvm::StringRef source, const BuildOptions &options,
+                  llvm::ArrayRef<Plan> plans) {
+  Coarsened result;
+  result.program = source.str();
+  std::optional<ProgramError> error;
+  const Preprocessed preprocessed = preprocess(source, options, error);
+  std::string variants;
+  if (!error) {
+    result.included = preprocessed.included;
+    error = parseProgram(preprocessed.text, options,
+                         [&](clang::ASTContext &context) {
+                           Run run(context, result);
+                           run.make(plans);
+                           variants = std::move(run.text);
+                         });
+  }
+  if (error)
+    result.error = error->message;
+  else if (!result.variants.empty())
+    result.program = join(source, variants, preprocessed);
+  return result;
+}
+
+} // namespace corvane::coarsening
