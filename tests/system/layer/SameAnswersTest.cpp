@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 
 using namespace corvane::test;
 using testing::Each;
@@ -125,6 +126,7 @@ class SameAnswers : public testing::TestWithParam<Story> {
 protected:
   ProgramRun run(const char *variants, const Environment &environment) const {
     Environment all = environment;
+    all["POCL_CACHE_DIR"] = ownKernelCache();
     all.insert(GetParam().changes.begin(), GetParam().changes.end());
     return runProgram(
         hostProgram(GetParam().program, {variants, GetParam().part}), all);
@@ -139,6 +141,19 @@ protected:
   }
 
 private:
+  // PoCL's clLinkProgram fails if the compiled program that it is about to
+  // replace in its cache has just been removed by another process that links
+  // the same.
+  static std::string ownKernelCache() {
+    const testing::TestInfo *test =
+        testing::UnitTest::GetInstance()->current_test_info();
+    const std::filesystem::path folder =
+        std::filesystem::path(KERNEL_CACHE_FOLDER) / test->test_suite_name() /
+        test->name();
+    std::filesystem::create_directories(folder);
+    return folder.string();
+  }
+
   // The agent may report what the runtime refused, and that no variant fits.
   static std::vector<std::string> withoutReports(const std::string &text) {
     std::vector<std::string> lines = linesOf(text);
