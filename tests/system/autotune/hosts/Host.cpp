@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <future>
+#include <thread>
 
 using namespace hosts;
 
@@ -104,6 +105,21 @@ void hosts::finish(cl_command_queue queue) {
         "clSetEventCallback");
   check(clFinish(queue), "clFinish");
   heard.get_future().wait();
+}
+
+cl_uint hosts::referencesTo(cl_kernel kernel) {
+  cl_uint references = 0;
+  check(clGetKernelInfo(kernel, CL_KERNEL_REFERENCE_COUNT, sizeof references,
+                        &references, nullptr),
+        "clGetKernelInfo");
+  return references;
+}
+
+void hosts::finish(cl_command_queue queue, cl_kernel kernel,
+                   cl_uint references) {
+  finish(queue);
+  while (referencesTo(kernel) > references)
+    std::this_thread::yield();
 }
 
 Values hosts::read(cl_command_queue queue, cl_mem buffer, size_t count,

@@ -61,6 +61,14 @@ Event launch(cl_command_queue queue, const Kernel &kernel, size_t global,
 /// wanted to hear of their completion.
 void finish(cl_command_queue queue);
 
+/// How many references to \p kernel the runtime counts.
+cl_uint referencesTo(cl_kernel kernel);
+
+/// Finishes \p queue and waits until \p kernel has \p references again, as many
+/// as before it was launched. A runtime may let go of a kernel only after it
+/// has told that the launch is over, and refuses to build a program meanwhile.
+void finish(cl_command_queue queue, cl_kernel kernel, cl_uint references);
+
 /// All values of a buffer, once those events have come.
 Values read(cl_command_queue queue, cl_mem buffer, size_t count,
             const std::vector<cl_event> &waits = {});

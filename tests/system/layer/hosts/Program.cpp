@@ -45,12 +45,13 @@ Program hosts::compiledProgram(const Session &session,
 
 static void run(const Session &session, cl_kernel kernel, cl_mem result,
                 size_t local) {
+  const cl_uint references = referencesTo(kernel);
   const Queue queue = session.queue();
   check(clEnqueueNDRangeKernel(queue.get(), kernel, 1, nullptr, &count, &local,
                                0, nullptr, nullptr),
         "clEnqueueNDRangeKernel");
   print(nameOf(kernel), read(queue.get(), result, count));
-  finish(queue.get());
+  finish(queue.get(), kernel, references);
 }
 
 void hosts::runNegate(const Session &session, cl_kernel kernel) {

@@ -17,6 +17,7 @@ static void releaseAnother(const Session &session) {
 }
 
 static void launchAll(const Session &session, const Kernel &kernel) {
+  const cl_uint references = referencesTo(kernel.get());
   const Buffer y = session.bufferOf(someValues(count, 1));
   const Buffer x = session.bufferOf(someValues(count, 2));
   setAccumulate(kernel, y.get(), x.get(), 5);
@@ -37,7 +38,7 @@ static void launchAll(const Session &session, const Kernel &kernel) {
   std::printf("state %d, unfit: %d\n", state,
               clEnqueueNDRangeKernel(queue.get(), kernel.get(), 1, nullptr,
                                      &count, &tooLarge, 0, nullptr, nullptr));
-  finish(queue.get());
+  finish(queue.get(), kernel.get(), references);
 }
 
 static void tellKernels(const Program &program) {
