@@ -10,9 +10,9 @@
 #include "programs/KernelName.h"
 #include "programs/ProgramRecord.h"
 
-using namespace corvane;
+#include "llvm/ADT/ScopeExit.h"
 
-using KernelTable = RecordTable<cl_kernel, KernelRecord>;
+using namespace corvane;
 
 // Null after a failure, which is reported.
 static cl_kernel createVariant(cl_program program,
@@ -33,8 +33,7 @@ static void createVariants(KernelRecord &record) {
   record.variantKernels.reserve(record.prototype->variants.size());
   for (const auto &variant : record.prototype->variants) {
     cl_kernel kernel = createVariant(record.program, variant->kernelName);
-    if (KernelTable::canBeKey(kernel))
-      record.variantKernels.push_back({kernel, variant.get()});
+    record.variantKernels.push_back({kernel, variant.get()});
   }
   putInMapOrder(record.variantKernels);
 }
@@ -44,16 +43,6 @@ static void releaseVariants(const KernelRecord &record) {
     if (variant.kernel)
       (void)runtime().clReleaseKernel(variant.kernel);
 }
-
-namespace {
-/// Ends a record that has not come into the table.
-struct DropRecord {
-  void operator()(KernelRecord *record) const {
-    releaseVariants(*record);
-    delete record;
-  }
-};
-} // namespace
 
 void corvane::registerKernel(AgentState &state, cl_program program,
                              cl_kernel kernel) {
@@ -67,18 +56,19 @@ void corvane::registerKernel(AgentState &state, cl_program program,
   if (!programRecord)
     return;
   KernelGroup *group = findGroup(*programRecord, name);
-  if (!group || !KernelTable::canBeKey(kernel)) {
+  if (!group) {
     // Not one of the program's ordinary kernels: it has an entry, but a null
     // one.
     state.kernels.append(kernel, nullptr);
     return;
   }
 
-  std::unique_ptr<KernelRecord, DropRecord> record(
-      new KernelRecord(program, kernel, prototypeOf(*group)));
+  auto record =
+      std::make_unique<KernelRecord>(program, kernel, prototypeOf(*group));
+  auto dropVariants = llvm::make_scope_exit([&] { releaseVariants(*record); });
   createVariants(*record);
-  state.kernels.makeRoom(kernel);
-  state.kernels.append(kernel, std::unique_ptr<KernelRecord>(record.release()));
+  state.kernels.append(kernel, std::move(record));
+  dropVariants.release();
 }
 
 void corvane::dropKernel(AgentState &state, cl_kernel kernel) {

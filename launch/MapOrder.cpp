@@ -1,55 +1,51 @@
-// Finds the order of LLVM's map, without the map where that can be done.
+// Finds the order by means of the map itself.
 
 #include "launch/MapOrder.h"
 
-#include "agent/MapGrowth.h"
-
 #include "llvm/ADT/DenseMap.h"
-
-#include <algorithm>
-#include <cstdint>
 
 using namespace corvane;
 
-// What a map begins with, and how many entries let it grow.
-static constexpr unsigned firstBuckets = 64;
-static constexpr std::size_t tooManyForThem = 48;
+namespace {
+using Map = llvm::DenseMap<cl_kernel, VariantKernel>;
+} // namespace
 
-static unsigned firstBucketOf(const VariantKernel &variant) {
-  return llvm::DenseMapInfo<cl_kernel>::getHashValue(variant.kernel) %
-         firstBuckets;
+static std::size_t bucketCount(const Map &map) {
+  return map.getMemorySize() / sizeof(Map::value_type);
 }
 
-static bool haveBucketsOfTheirOwn(const std::vector<VariantKernel> &variants) {
-  std::uint64_t taken = 0;
-  for (const VariantKernel &variant : variants) {
-    const std::uint64_t bucket = std::uint64_t{1} << firstBucketOf(variant);
-    if (taken & bucket)
-      return false;
-    taken |= bucket;
-  }
-  return variants.size() < tooManyForThem;
+// A map that grows by itself counts the new buckets before it has them; if
+// there is no memory for them, it can neither be used nor destroyed. This grows
+// it at the same moment and to the same size.
+static void makeRoomForOne(Map &map) {
+  const std::size_t buckets = bucketCount(map);
+  if ((map.size() + 1) * 4 < buckets * 3)
+    return;
+  // The map is asked for entries and makes twice as many buckets of them.
+  Map grown(static_cast<unsigned>(buckets));
+  for (const auto &entry : map)
+    grown.try_emplace(entry.first, entry.second);
+  map.swap(grown);
 }
 
-static void putThroughMap(std::vector<VariantKernel> &variants) {
-  llvm::DenseMap<cl_kernel, VariantKernel> map;
+// Handles that the map uses as marks have no place in it; no object of a
+// runtime lies there.
+static bool canBeKey(cl_kernel kernel) {
+  using Info = llvm::DenseMapInfo<cl_kernel>;
+  return kernel != Info::getEmptyKey() && kernel != Info::getTombstoneKey();
+}
+
+void corvane::putInMapOrder(std::vector<VariantKernel> &variants) {
+  constexpr unsigned entriesOfFirstBuckets = 47; // which are 64
+  Map map(entriesOfFirstBuckets);
   for (const VariantKernel &variant : variants) {
-    if (map.find(variant.kernel) == map.end())
-      makeRoomForOne(map);
+    if (!canBeKey(variant.kernel) || map.count(variant.kernel) != 0)
+      continue;
+    makeRoomForOne(map);
     map.try_emplace(variant.kernel, variant);
   }
   auto next = variants.begin();
   for (const auto &entry : map)
     *next++ = entry.second;
   variants.erase(next, variants.end());
-}
-
-// In a map that need not grow, what nobody else wants a bucket of lies in it.
-void corvane::putInMapOrder(std::vector<VariantKernel> &variants) {
-  if (!haveBucketsOfTheirOwn(variants))
-    return putThroughMap(variants);
-  std::sort(variants.begin(), variants.end(),
-            [](const VariantKernel &a, const VariantKernel &b) {
-              return firstBucketOf(a) < firstBucketOf(b);
-            });
 }

@@ -73,7 +73,5 @@ static std::vector<FoundKernel> findKernels(cl_program program) {
 }
 
 void corvane::collectKernels(AgentState &state, cl_program program) {
-  std::vector<FoundKernel> kernels = findKernels(program);
-  if (decltype(state.programs)::canBeKey(program))
-    addKernels(state, program, std::move(kernels));
+  addKernels(state, program, findKernels(program));
 }

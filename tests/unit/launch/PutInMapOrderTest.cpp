@@ -58,6 +58,16 @@ TEST(PutInMapOrder, IsTheOrderOfTheMapWhereHandlesShareABucket) {
   EXPECT_EQ(ordered(addresses), orderOfMap(addresses));
 }
 
+TEST(PutInMapOrder, IsTheOrderOfTheMapWhenItGrowsAgainAndAgain) {
+  std::vector<std::uintptr_t> addresses;
+  for (std::uintptr_t i = 1; i != 1000; ++i) {
+    addresses.push_back(i * i * 48);
+    if (i % 37 == 0) {
+      EXPECT_EQ(ordered(addresses), orderOfMap(addresses)) << i;
+    }
+  }
+}
+
 // A map looks for the key before it grows for it.
 TEST(PutInMapOrder, IsTheOrderOfTheMapWhereItIsNearlyFullAndOneHandleRepeats) {
   for (std::uintptr_t count = 40; count != 50; ++count) {
@@ -65,6 +75,11 @@ TEST(PutInMapOrder, IsTheOrderOfTheMapWhereItIsNearlyFullAndOneHandleRepeats) {
     addresses.insert(addresses.end(), {0, 0});
     EXPECT_EQ(ordered(addresses), orderOfMap(addresses)) << count;
   }
+}
+
+TEST(PutInMapOrder, LeavesOutWhatLiesWhereNoObjectDoes) {
+  EXPECT_THAT(ordered({0x10000, ~std::uintptr_t{0} << 12}),
+              testing::ElementsAre(reinterpret_cast<cl_kernel>(0x10000)));
 }
 
 TEST(PutInMapOrder, KeepsTheFirstOfVariantsWithOneHandle) {
