@@ -14,21 +14,23 @@ std::string TransformedKernel::specText() const {
   return text;
 }
 
-bool TransformedKernel::acceptsLaunch(std::uint32_t workDim,
-                                      const std::size_t *globalSizes,
-                                      const std::size_t *localSizes) const {
+const Transform *
+TransformedKernel::findRejecting(std::uint32_t workDim,
+                                 const std::size_t *globalSizes,
+                                 const std::size_t *localSizes) const {
   for (const Transform &condition : conditions)
     if (!condition.acceptsLaunch(workDim, globalSizes, localSizes))
-      return false;
-  return true;
+      return &condition;
+  return nullptr;
 }
 
-bool TransformedKernel::acceptsArgument(std::uint32_t index, std::size_t size,
-                                        const void *value) const {
+const Transform *
+TransformedKernel::findRejectingArgument(std::uint32_t index, std::size_t size,
+                                         const void *value) const {
   for (const Transform &condition : conditions)
     if (!condition.acceptsArgument(index, size, value))
-      return false;
-  return true;
+      return &condition;
+  return nullptr;
 }
 
 void TransformedKernel::adjustLaunch(std::uint32_t workDim,

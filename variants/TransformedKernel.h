@@ -28,12 +28,23 @@ struct TransformedKernel {
   virtual std::string specText() const;
   virtual ~TransformedKernel();
 
-  /// Whether all conditions accept; they are asked in order up to the first
-  /// that rejects. For the arguments see Transform.
+  /// The first condition, in order, that rejects; null if all accept. Those
+  /// after it are not asked. For the parameters see Transform.
+  const Transform *findRejecting(std::uint32_t workDim,
+                                 const std::size_t *globalSizes,
+                                 const std::size_t *localSizes) const;
+  const Transform *findRejectingArgument(std::uint32_t index, std::size_t size,
+                                         const void *value) const;
+
+  /// Whether all conditions accept.
   bool acceptsLaunch(std::uint32_t workDim, const std::size_t *globalSizes,
-                     const std::size_t *localSizes) const;
+                     const std::size_t *localSizes) const {
+    return !findRejecting(workDim, globalSizes, localSizes);
+  }
   bool acceptsArgument(std::uint32_t index, std::size_t size,
-                       const void *value) const;
+                       const void *value) const {
+    return !findRejectingArgument(index, size, value);
+  }
 
   /// Lets each condition, in order, rewrite the sizes that the one before left.
   void adjustLaunch(std::uint32_t workDim, std::size_t *globalSizes,
