@@ -104,7 +104,12 @@ void corvane::writeError(llvm::StringRef line) {
   stream.clear_error();
 }
 
+llvm::raw_ostream *corvane::lookUpDebugLog() {
+  const EnvironmentLook look;
+  return dumpLogPath() ? &detail::keptLog() : nullptr;
+}
+
 llvm::raw_ostream &corvane::debugLog() {
-  llvm::raw_ostream *log = keptDebugLog();
+  llvm::raw_ostream *log = lookUpDebugLog();
   return log ? *log : llvm::nulls();
 }

@@ -60,11 +60,9 @@ void prepareErrorStream();
 void writeError(llvm::StringRef line);
 
 /// The diagnostic log if CORVANE_DUMP_LOG is defined now, else null. Looks the
-/// variable up, so ask once and keep the answer over one launch. Hold the agent
-/// lock while writing.
-inline llvm::raw_ostream *keptDebugLog() {
-  return dumpLogPath() ? &detail::keptLog() : nullptr;
-}
+/// variable up, so ask once and keep the answer over one launch. Any thread and
+/// best without the agent lock; hold that while writing.
+llvm::raw_ostream *lookUpDebugLog();
 
 /// The same, with a stream that drops what it gets in place of null.
 llvm::raw_ostream &debugLog();

@@ -1,17 +1,15 @@
-// The sequence of an autotuning launch.
+// The steps of an autotuning launch.
 
 #include "launch/AutotuneLaunch.h"
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
-#include "agent/DebugLog.h"
 #include "agent/RuntimeTable.h"
-#include "launch/ArgMirror.h"
-#include "launch/BufferShadow.h"
+#include "launch/BufferSnapshot.h"
 #include "launch/EventChain.h"
-#include "launch/KeptMemory.h"
+#include "launch/LaunchBuffers.h"
 #include "launch/TimingTicket.h"
-#include "launch/VariantLaunch.h"
+#include "launch/VariantChoice.h"
 #include "programs/KernelName.h"
 #include "results/RawTimingLog.h"
 
@@ -20,7 +18,7 @@
 using namespace corvane;
 
 namespace {
-/// One launch on its way.
+/// One tuned launch while its commands are being enqueued.
 class AutotuneLaunch {
 public:
   AutotuneLaunch(AgentState &agentState, KernelRecord &kernelRecord,
@@ -30,19 +28,18 @@ public:
   cl_int runKernelAlone();
 
 private:
-  /// A variant that accepts the launch, and all that its run needs.
+  /// A variant that takes the launch, and what its completion needs.
   struct Candidate {
-    VariantKernel *variant;
-    VariantRange range;
+    VariantChoice choice;
     std::unique_ptr<TimingTicket> ticket;
   };
   std::vector<Candidate> findCandidates();
   void list();
-  bool runVariant(const BufferShadow &shadow, Candidate candidate);
+  bool runVariant(const BufferSnapshot &inputs, Candidate candidate);
   void enqueueVariant(Candidate candidate);
   cl_int runKernel(std::unique_ptr<TimingTicket> ticket);
   std::unique_ptr<TimingTicket> makeTicket(std::string version) const;
-  void shareEvents(const BufferShadow &shadow,
+  void shareEvents(const LaunchBuffers &buffers,
                    const std::vector<Candidate> &candidates,
                    TimingTicket &kernelsTicket);
 
@@ -111,30 +108,22 @@ AutotuneLaunch::makeTicket(std::string version) const {
   return ticket;
 }
 
-// In the order of the record.
 std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() {
   std::vector<Candidate> candidates;
-  for (VariantKernel &variant : record.variantKernels) {
-    VariantRange range;
-    if (!variant.kernel ||
-        !makeRange(*variant.variant, launch, sizes.local, range) ||
-        !acceptsArguments(record, *variant.variant))
-      continue;
-    // The version name alone is carried to the log: the application's kernel is
-    // not timed here.
-    candidates.push_back({&variant, range, makeTicket(variant.variant->spec)});
-  }
+  for (const VariantChoice &choice : variantsToTune(record, launch))
+    candidates.push_back(
+        {choice, makeTicket(choice.variant->description->spec)});
   return candidates;
 }
 
 // The application's run is over last and gives the events back then. Should it
 // not be launched or watched, the variants' runs do, or the launch itself.
-void AutotuneLaunch::shareEvents(const BufferShadow &shadow,
+void AutotuneLaunch::shareEvents(const LaunchBuffers &buffers,
                                  const std::vector<Candidate> &candidates,
                                  TimingTicket &kernelsTicket) {
-  const std::size_t buffers = shadow.bufferCount();
+  const std::size_t count = buffers.list().size();
   // Restores of a variant that fail are tried once more at the end.
-  chain.reserve(candidates.size() * (2 * buffers + 1) + buffers);
+  chain.reserve(candidates.size() * (2 * count + 1) + count);
   for (const Candidate &candidate : candidates)
     candidate.ticket->events = chain.events();
   kernelsTicket.events = chain.events();
@@ -144,9 +133,10 @@ void AutotuneLaunch::shareEvents(const BufferShadow &shadow,
 void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   cl_event run = nullptr;
   const cl_int status = runtime().clEnqueueNDRangeKernel(
-      launch.queue, candidate.variant->kernel, launch.workDim,
-      launch.globalOffset, candidate.range.global.data(),
-      candidate.range.localSize(), chain.waitCount(), chain.waitList(), &run);
+      launch.queue, candidate.choice.variant->kernel, launch.workDim,
+      launch.globalOffset, candidate.choice.range.global.data(),
+      candidate.choice.range.localSize(), chain.waitCount(), chain.waitList(),
+      &run);
   if (status != CL_SUCCESS)
     return;
   (void)timeRun(run, candidate.ticket);
@@ -155,28 +145,28 @@ void AutotuneLaunch::enqueueVariant(Candidate candidate) {
 
 // False if the variant was passed over. One that still has an old argument
 // could write to a buffer that is not saved.
-bool AutotuneLaunch::runVariant(const BufferShadow &shadow,
+bool AutotuneLaunch::runVariant(const BufferSnapshot &inputs,
                                 Candidate candidate) {
   if (buffersSpoiled)
     return false;
-  VariantKernel &variant = *candidate.variant;
-  if (!replayArguments(record, variant.kernel, variant.argSyncCount)) {
-    variant.argSyncCount = 0; // the next launch tries all of them again
+  VariantKernel &variant = *candidate.choice.variant;
+  if (!record.arguments.replay(variant.kernel, variant.settingsSeen)) {
+    variant.settingsSeen = 0; // the next launch tries all of them again
     return false;
   }
   if (!giveGroupCounts(variant.kernel, launch, kernelArguments))
     return false;
   transfersEnqueued = true;
-  if (!shadow.save(launch.queue, chain))
+  if (!inputs.save(launch.queue, chain))
     return false;
   enqueueVariant(std::move(candidate));
-  buffersSpoiled = !shadow.restore(launch.queue, chain);
+  buffersSpoiled = !inputs.restore(launch.queue, chain);
   return true;
 }
 
 // The application's own run comes last: when it is over, so are all transfers.
 cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
-  replayArguments(record, record.kernel, record.argSyncCount);
+  record.arguments.replay(record.kernel, record.settingsSeen);
   BaselineEvent event(launch.event);
   Launch chained = launch;
   chained.numEventsInWaitList = chain.waitCount();
@@ -186,36 +176,40 @@ cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
   if (status == CL_SUCCESS)
     (void)timeRun(event.get(), ticket);
   if (ticket)
-    keepForever(ticket->keptAlive);
+    leakOnPurpose(ticket->keptAlive);
   return status;
 }
 
-// All memory is got before the first command is enqueued. Behind a variant
-// there is no way out: its restores and the kernel have to follow.
+// All memory is got before the first command is enqueued. After a variant there
+// is no way back: its restores and the kernel have to follow.
 cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
-  BufferShadow shadow(state, record);
   auto ticket = makeTicket({});
+  const LaunchBuffers buffers(state, record);
   std::vector<Candidate> candidates;
-  if (record.variantsCanRun() && shadow.isComplete())
+  if (buffers.areComplete())
     candidates = findCandidates();
-  if (!candidates.empty() && !shadow.makeRoom(state))
+  std::optional<std::vector<HostCopy>> memory;
+  if (!candidates.empty())
+    memory = hostMemoryOf(state, buffers);
+  if (!memory)
     candidates.clear();
-  if (!candidates.empty()) {
-    ticket->keptAlive = shadow.hostCopies();
-    shareEvents(shadow, candidates, *ticket);
-  }
+  const BufferSnapshot inputs(
+      buffers, std::move(memory).value_or(std::vector<HostCopy>()));
+  ticket->keptAlive = inputs.hostMemory();
+  if (!candidates.empty())
+    shareEvents(buffers, candidates, *ticket);
   timings->timings.reserve(candidates.size() + 1);
   list();
 
   unsigned tested = 0;
   for (Candidate &candidate : candidates)
-    if (runVariant(shadow, std::move(candidate)))
+    if (runVariant(inputs, std::move(candidate)))
       ++tested;
   if (log)
-    *log << tested << " kernel(s)  out of " << record.variantKernels.size()
+    *log << tested << " kernel(s)  out of " << record.variants.size()
          << " are tested in addition to the original kernel\n";
   if (buffersSpoiled)
-    (void)shadow.restore(launch.queue, chain);
+    (void)inputs.restore(launch.queue, chain);
   if (!transfersEnqueued)
     ticket->keptAlive.clear();
   return runKernel(std::move(ticket));
@@ -243,15 +237,15 @@ static cl_int tune(AgentState &state, KernelRecord &record,
                    std::optional<cl_uint> argumentsOfKernel,
                    llvm::raw_ostream *log) {
   AutotuneLaunch tuning(state, record, launch, argumentsOfKernel);
-  if (!record.variantKernels.empty())
+  if (!record.variants.empty())
     return tuning.runVariantsAndKernel(log);
   if (log)
     *log << "No Corvane's kernel available\n";
   return tuning.runKernelAlone();
 }
 
-cl_int corvane::launchForAutotuning(AgentState *state, const Launch &launch) {
-  llvm::raw_ostream *log = keptDebugLog();
+cl_int corvane::launchForAutotuning(AgentState *state, const Launch &launch,
+                                    llvm::raw_ostream *log) {
   if (log)
     *log << "EnqueueNDRange called for " << readKernelName(launch.kernel)
          << " in autotuning mode\n";

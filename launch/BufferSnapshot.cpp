@@ -1,77 +1,57 @@
-// Transfers between buffers and their host copies.
+// Transfers between buffers and host memory.
 
-#include "launch/BufferShadow.h"
+#include "launch/BufferSnapshot.h"
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
-#include "launch/ArgumentMemory.h"
-#include "launch/KernelRecord.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <cstring>
+#include <mutex>
+#include <utility>
 
 using namespace corvane;
 
-BufferShadow::BufferShadow(AgentState &state, const KernelRecord &record) {
-  for (const ArgSlot &slot : recordedArguments(record)) {
-    if (slot.size != sizeof(cl_mem) || !slot.value)
-      continue;
-    cl_mem memObject = nullptr;
-    std::memcpy(&memObject, slot.value, sizeof memObject);
-    if (!add(state, memObject) &&
-        mayBeWritableMemory(record.kernel, slot.index, memObject))
-      complete = false;
-  }
-}
-
-// Returns whether the handle is a recorded buffer's.
-bool BufferShadow::add(AgentState &state, cl_mem memObject) {
-  std::lock_guard<std::mutex> lock(state.buffersLock);
-  const BufferRecord *buffer = state.buffers.find(memObject);
-  if (!buffer)
-    return false;
-  // Of two records of one handle the older describes a buffer that is gone: the
-  // runtime did not tell us, but it would not give out a living handle again.
-  if (!buffer->hostMayTransfer || !state.buffers.isUnique(memObject))
-    complete = complete && buffer->size == 0;
-  else if (buffer->size != 0 && !contains(memObject))
-    buffers.push_back({memObject, buffer->size, buffer->hostCopy});
-  return true;
-}
-
-static HostCopy allocateHostCopy(std::size_t size) {
+// Null if there is not enough memory.
+static HostCopy allocate(std::size_t size) {
   auto area = std::make_shared<HostArea>();
   area->bytes.reset(std::malloc(size));
   return area->bytes ? area : nullptr;
 }
 
-bool BufferShadow::makeRoom(AgentState &state) {
-  for (Buffer &buffer : buffers) {
-    if (!buffer.hostCopy)
-      buffer.hostCopy = allocateHostCopy(buffer.size);
-    if (!buffer.hostCopy)
-      return false;
-    std::lock_guard<std::mutex> lock(state.buffersLock);
-    if (BufferRecord *record = state.buffers.find(buffer.memObject))
-      record->hostCopy = buffer.hostCopy;
+// The record may go at any moment, on a thread of the runtime; the buffer then
+// has an area for this launch only.
+static HostCopy memoryOf(AgentState &state, const LaunchBuffer &buffer) {
+  std::lock_guard<std::mutex> lock(state.buffersLock);
+  BufferRecord *record = state.buffers.find(buffer.memObject);
+  if (!record)
+    return allocate(buffer.size);
+  if (!record->hostCopy)
+    record->hostCopy = allocate(buffer.size);
+  return record->hostCopy;
+}
+
+std::optional<std::vector<HostCopy>>
+corvane::hostMemoryOf(AgentState &state, const LaunchBuffers &buffers) {
+  std::vector<HostCopy> memory;
+  memory.reserve(buffers.list().size());
+  for (const LaunchBuffer &buffer : buffers.list()) {
+    memory.push_back(memoryOf(state, buffer));
+    if (!memory.back())
+      return std::nullopt;
   }
-  return true;
+  return memory;
 }
 
-bool BufferShadow::contains(cl_mem memObject) const {
-  return std::any_of(buffers.begin(), buffers.end(), [&](const Buffer &buffer) {
-    return buffer.memObject == memObject;
-  });
-}
+BufferSnapshot::BufferSnapshot(const LaunchBuffers &ofBuffers,
+                               std::vector<HostCopy> hostMemory)
+    : buffers(ofBuffers.list()), areas(std::move(hostMemory)) {}
 
-bool BufferShadow::save(cl_command_queue queue, EventChain &chain) const {
-  for (const Buffer &buffer : buffers) {
+bool BufferSnapshot::save(cl_command_queue queue, EventChain &chain) const {
+  for (std::size_t i = 0; i != buffers.size(); ++i) {
     cl_event saved = nullptr;
     const cl_int status = runtime().clEnqueueReadBuffer(
-        queue, buffer.memObject, CL_FALSE, 0, buffer.size,
-        buffer.hostCopy->bytes.get(), chain.waitCount(), chain.waitList(),
-        &saved);
+        queue, buffers[i].memObject, CL_FALSE, 0, buffers[i].size,
+        areas[i]->bytes.get(), chain.waitCount(), chain.waitList(), &saved);
     if (status != CL_SUCCESS)
       return false;
     chain.advance(saved);
@@ -79,14 +59,14 @@ bool BufferShadow::save(cl_command_queue queue, EventChain &chain) const {
   return true;
 }
 
-bool BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
+bool BufferSnapshot::restore(cl_command_queue queue, EventChain &chain) const {
   bool restoredAll = true;
-  for (const Buffer &buffer : buffers) {
+  for (std::size_t i = 0; i != buffers.size(); ++i) {
     cl_event restored = nullptr;
     const auto enqueueWrite = [&] {
       return runtime().clEnqueueWriteBuffer(
-          queue, buffer.memObject, CL_FALSE, 0, buffer.size,
-          buffer.hostCopy->bytes.get(), chain.waitCount(), chain.waitList(),
+          queue, buffers[i].memObject, CL_FALSE, 0, buffers[i].size,
+          areas[i]->bytes.get(), chain.waitCount(), chain.waitList(),
           &restored);
     };
     // The contents are the application's: a failure is not taken for an answer
@@ -99,10 +79,15 @@ bool BufferShadow::restore(cl_command_queue queue, EventChain &chain) const {
   return restoredAll;
 }
 
-std::vector<HostCopy> BufferShadow::hostCopies() const {
-  std::vector<HostCopy> copies;
-  copies.reserve(buffers.size());
-  for (const Buffer &buffer : buffers)
-    copies.push_back(buffer.hostCopy);
-  return copies;
+// Never emptied: transfers may be under way when the process ends.
+static HostArea *lastLeaked = nullptr;
+
+void corvane::leakOnPurpose(const std::vector<HostCopy> &memory) {
+  for (const HostCopy &area : memory) {
+    if (area->itself)
+      continue;
+    area->itself = area;
+    area->leakedBefore = lastLeaked;
+    lastLeaked = area.get();
+  }
 }

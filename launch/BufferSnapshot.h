@@ -1,63 +1,52 @@
-// Saves the buffers of a launch before a variant spoils them, and restores
-// them.
+// A copy of what the buffers of a launch contain at one moment.
 
 #pragma once
 
 #include "launch/EventChain.h"
+#include "launch/LaunchBuffers.h"
 #include "programs/BufferRecord.h"
 
+#include <optional>
 #include <vector>
 
 namespace corvane {
 
-struct AgentState;
-struct KernelRecord;
+/// Host memory for the contents of all \p buffers, one area each. A buffer's
+/// record keeps its area for the launches to come, so two snapshots that are
+/// needed at the same time must not both be made of it. Nothing if there is not
+/// enough memory: a later launch may find more. Hold the agent lock.
+std::optional<std::vector<HostCopy>> hostMemoryOf(AgentState &state,
+                                                  const LaunchBuffers &buffers);
 
-/// The buffers among a kernel's recorded arguments.
+/// The contents of some buffers, once the transfers are over.
 ///
 /// Transfers are enqueued and not waited for, so whoever outlives them must
-/// hold the host copies.
-class BufferShadow {
+/// hold the host memory.
+class BufferSnapshot {
 public:
-  /// Looks the arguments up among the recorded buffers. Waits for nothing of
-  /// the runtime's. Hold the agent lock.
-  BufferShadow(AgentState &state, const KernelRecord &record);
+  /// \p hostMemory has as much room for each buffer as it is large.
+  BufferSnapshot(const LaunchBuffers &ofBuffers,
+                 std::vector<HostCopy> hostMemory);
 
-  /// False if an argument is memory that a variant could write to and that
-  /// cannot be saved and restored: then no variant may run.
-  bool isComplete() const { return complete; }
-
-  /// Gets host memory for the contents of all buffers, which a buffer keeps for
-  /// the launches to come. False if there is not enough: then no variant may
-  /// run. A later launch may find more.
-  bool makeRoom(AgentState &state);
-
-  /// Enqueues the saves, for which there must be room. False if one could not
-  /// be enqueued; the chain then ends with the last one that could.
+  /// Enqueues the reading of all buffers. False if one could not be enqueued;
+  /// the chain then ends with the last one that could.
   bool save(cl_command_queue queue, EventChain &chain) const;
 
-  /// Enqueues the restores of everything that save has saved. False if one
-  /// could not be enqueued: then what was saved must not be saved over.
+  /// Enqueues the writing of all that save has read. False if one could not be
+  /// enqueued: then these buffers must not be saved over.
   bool restore(cl_command_queue queue, EventChain &chain) const;
 
-  /// How many buffers a save reads, each by one command.
-  std::size_t bufferCount() const { return buffers.size(); }
-
-  /// The memory that the transfers use; needs room.
-  std::vector<HostCopy> hostCopies() const;
+  const std::vector<HostCopy> &hostMemory() const { return areas; }
 
 private:
-  struct Buffer {
-    cl_mem memObject;
-    std::size_t size;
-    HostCopy hostCopy; ///< null until there is room
-  };
-
-  bool add(AgentState &state, cl_mem memObject);
-  bool contains(cl_mem memObject) const;
-
-  std::vector<Buffer> buffers;
-  bool complete = true;
+  llvm::ArrayRef<LaunchBuffer> buffers;
+  std::vector<HostCopy> areas;
 };
+
+/// Keeps \p memory until the process ends. For transfers that are under way
+/// while there is no event to tell when they are over: too long is better than
+/// too short. Needs no memory for that, and keeps an area once at most. Hold
+/// the agent lock.
+void leakOnPurpose(const std::vector<HostCopy> &memory);
 
 } // namespace corvane

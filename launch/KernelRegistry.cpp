@@ -30,16 +30,16 @@ static cl_kernel createVariant(cl_program program,
 // What needs memory comes first: a variant kernel that is not in the record
 // would never be released.
 static void createVariants(KernelRecord &record) {
-  record.variantKernels.reserve(record.prototype->variants.size());
+  record.variants.reserve(record.prototype->variants.size());
   for (const auto &variant : record.prototype->variants) {
     cl_kernel kernel = createVariant(record.program, variant->kernelName);
-    record.variantKernels.push_back({kernel, variant.get()});
+    record.variants.push_back({kernel, variant.get()});
   }
-  putInMapOrder(record.variantKernels);
+  putInMapOrder(record.variants);
 }
 
 static void releaseVariants(const KernelRecord &record) {
-  for (const VariantKernel &variant : record.variantKernels)
+  for (const VariantKernel &variant : record.variants)
     if (variant.kernel)
       (void)runtime().clReleaseKernel(variant.kernel);
 }

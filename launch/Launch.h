@@ -1,4 +1,4 @@
-// A launch as the application asked for it, and its sizes as we need them.
+// A launch as the application asked for it, and the sizes that follow from it.
 
 #pragma once
 
@@ -42,15 +42,8 @@ inline cl_int enqueue(const Launch &launch) {
   return enqueueAs(launch, launch.kernel, launch.globalSize, launch.localSize);
 }
 
-/// One entry a dimension; nobody looks beyond the launch's dimensions.
+/// One entry a dimension; those from the launch's dimensions on are zero.
 using Sizes = std::array<std::size_t, 3>;
-
-/// Copies the sizes of a launch, of which there are at most three. That bound
-/// makes of it a few moves rather than a call.
-inline void copySizes(cl_uint workDim, const std::size_t *from, Sizes &to) {
-  for (cl_uint d = 0; d < std::min(workDim, 3U); ++d)
-    to[d] = from[d];
-}
 
 /// The dimensions and sizes of a launch, as variants look at them: a size that
 /// the application does not give is zero.
@@ -83,46 +76,33 @@ static_assert(sizeof(GroupCountArgument) == 16, "variants declare 16 bytes");
 /// and the arrays of a launch that claims more are not read beyond the third.
 inline bool fitsSizes(const Launch &launch) { return launch.workDim <= 3; }
 
-/// Whether \p launch gives a local size of zero: no runtime accepts it.
-inline bool hasZeroLocalSize(const Launch &launch) {
-  if (launch.localSize)
-    for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
-      if (launch.localSize[d] == 0)
-        return true;
-  return false;
-}
-
-/// The first three dimensions of \p launch at most, which may be irregular.
+/// The sizes of \p launch in its first three dimensions. It may be irregular:
+/// have no dimensions, no global size, or a local size of zero.
 inline LaunchSizes sizesOf(const Launch &launch) {
   LaunchSizes sizes;
   sizes.workDim = launch.workDim;
-  if (launch.globalSize)
-    copySizes(launch.workDim, launch.globalSize, sizes.global);
-  if (launch.localSize)
-    copySizes(launch.workDim, launch.localSize, sizes.local);
+  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d) {
+    sizes.global[d] = launch.globalSize ? launch.globalSize[d] : 0;
+    sizes.local[d] = launch.localSize ? launch.localSize[d] : 0;
+  }
   return sizes;
 }
 
-/// Whether \p launch has these sizes.
-inline bool hasSizes(const Launch &launch, const LaunchSizes &sizes) {
-  if (launch.workDim != sizes.workDim)
-    return false;
-  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
-    if ((launch.globalSize ? launch.globalSize[d] : 0) != sizes.global[d] ||
-        (launch.localSize ? launch.localSize[d] : 0) != sizes.local[d])
-      return false;
-  return true;
+/// Whether \p launch gives a local size of zero: no runtime accepts it.
+inline bool hasZeroLocalSize(const Launch &launch) {
+  const std::size_t *local = launch.localSize;
+  const auto count = std::min(launch.workDim, 3U);
+  return local && std::find(local, local + count, 0U) != local + count;
 }
 
 /// The work-groups of \p launch; zero where the sizes do not tell.
 inline GroupCountArgument groupCounts(const Launch &launch) {
   GroupCountArgument argument;
-  if (!launch.globalSize || !launch.localSize)
-    return argument;
-  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
-    if (launch.localSize[d] != 0)
-      argument.groups[d] = static_cast<std::uint32_t>(launch.globalSize[d] /
-                                                      launch.localSize[d]);
+  const LaunchSizes sizes = sizesOf(launch);
+  for (std::size_t d = 0; d != sizes.local.size(); ++d)
+    if (sizes.local[d] != 0)
+      argument.groups[d] =
+          static_cast<std::uint32_t>(sizes.global[d] / sizes.local[d]);
   return argument;
 }
 

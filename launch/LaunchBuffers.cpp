@@ -1,20 +1,25 @@
-// Asks the runtime what an argument was declared as.
+// Tells buffers, other memory and plain values apart among arguments.
 
-#include "launch/ArgumentMemory.h"
+#include "launch/LaunchBuffers.h"
 
+#include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
 #include "agent/platform/Platform.h"
+#include "programs/BufferRecord.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <mutex>
 
 using namespace corvane;
 
-// Whether a value may be a size or a count though memory lies there: some
+// Whether a value may be a size or a count although memory lies there: some
 // processes have memory at low addresses, and sizes are often round.
 static bool isLikeASize(std::uintptr_t value) {
-  constexpr std::uintptr_t page = 4096;
+  constexpr std::uintptr_t pageSize = 4096;
   constexpr std::uintptr_t beyondSizes = std::uintptr_t{1} << 32;
-  return value % page == 0 && value < beyondSizes;
+  return value % pageSize == 0 && value < beyondSizes;
 }
 
 // An object of the runtime's lies in memory and is aligned.
@@ -49,8 +54,45 @@ static bool isDeclaredWritable(cl_kernel kernel, cl_uint index) {
          (type & CL_KERNEL_ARG_TYPE_CONST) == 0;
 }
 
-bool corvane::mayBeWritableMemory(cl_kernel kernel, cl_uint index,
-                                  cl_mem value) {
+// Whether an argument that is no recorded buffer may be memory that the kernel
+// can write to: a sub-buffer, an image, a buffer that came from elsewhere. Asks
+// the runtime only about values that could be a handle; a runtime that cannot
+// tell anything leaves the argument at a plain value.
+static bool mayBeWritableMemory(cl_kernel kernel, cl_uint index, cl_mem value) {
   return canBeHandle(value) && runtime().clGetKernelArgInfo &&
          isDeclaredWritable(kernel, index);
+}
+
+LaunchBuffers::LaunchBuffers(AgentState &state, const KernelRecord &record) {
+  for (const RecordedArgument &argument : record.arguments.recorded()) {
+    if (argument.size != sizeof(cl_mem) || !argument.value)
+      continue;
+    cl_mem memObject = nullptr;
+    std::memcpy(&memObject, argument.value, sizeof memObject);
+    if (!add(state, memObject) &&
+        mayBeWritableMemory(record.kernel, argument.index, memObject))
+      complete = false;
+  }
+}
+
+// Returns whether the handle is a recorded buffer's.
+bool LaunchBuffers::add(AgentState &state, cl_mem memObject) {
+  std::lock_guard<std::mutex> lock(state.buffersLock);
+  const BufferRecord *buffer = state.buffers.find(memObject);
+  if (!buffer)
+    return false;
+  // Of two records of one handle the older describes a buffer that is gone: the
+  // runtime did not tell, but it would not give out a living handle again.
+  if (!buffer->hostMayTransfer || !state.buffers.isUnique(memObject))
+    complete = complete && buffer->size == 0;
+  else if (buffer->size != 0 && !contains(memObject))
+    buffers.push_back({memObject, buffer->size});
+  return true;
+}
+
+bool LaunchBuffers::contains(cl_mem memObject) const {
+  return std::any_of(buffers.begin(), buffers.end(),
+                     [&](const LaunchBuffer &buffer) {
+                       return buffer.memObject == memObject;
+                     });
 }

@@ -1,16 +1,45 @@
-// Tells memory that we know nothing of from plain values, among arguments.
+// Which buffers a launch may write to, and whether all of them can be saved.
 
 #pragma once
 
+#include "launch/KernelRecord.h"
+
+#include "llvm/ADT/ArrayRef.h"
+
 #include <CL/cl.h>
+
+#include <cstddef>
+#include <vector>
 
 namespace corvane {
 
-/// Whether \p value, set as argument \p index of \p kernel and no buffer of the
-/// records', may be memory that the kernel can write to: a sub-buffer, an
-/// image, a buffer that came from elsewhere. Asks the runtime only about values
-/// that could be a handle; one that cannot tell anything leaves it at a plain
-/// value.
-bool mayBeWritableMemory(cl_kernel kernel, cl_uint index, cl_mem value);
+struct AgentState;
+
+/// A buffer among the recorded arguments of a kernel.
+struct LaunchBuffer {
+  cl_mem memObject; ///< borrowed; the application holds it
+  std::size_t size; ///< bytes, never 0
+};
+
+/// The buffers among a kernel's recorded arguments, each once.
+class LaunchBuffers {
+public:
+  /// Looks the arguments up among the buffers of \p state. Waits for nothing of
+  /// the runtime's. Hold the agent lock.
+  LaunchBuffers(AgentState &state, const KernelRecord &record);
+
+  /// False if an argument is memory that a kernel may write to and that cannot
+  /// be saved and restored: then no variant may run.
+  bool areComplete() const { return complete; }
+
+  llvm::ArrayRef<LaunchBuffer> list() const { return buffers; }
+
+private:
+  bool add(AgentState &state, cl_mem memObject);
+  bool contains(cl_mem memObject) const;
+
+  std::vector<LaunchBuffer> buffers;
+  bool complete = true;
+};
 
 } // namespace corvane

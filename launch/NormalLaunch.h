@@ -1,16 +1,19 @@
-// Decides what really runs when the application launches a kernel.
+// The launch of a kernel, or of one variant in its place.
 
 #pragma once
 
 #include "launch/Launch.h"
 
+#include "llvm/Support/raw_ostream.h"
+
 namespace corvane {
 
 struct AgentState;
 
-/// Launches the first variant that accepts \p launch in place of its kernel, or
-/// else the kernel. A failure is reported and returned. \p state may be null.
-/// Hold the agent lock.
-cl_int launchNormally(AgentState *state, const Launch &launch);
+/// Launches the variant that takes \p launch, or else the application's kernel.
+/// A failure is reported and returned. \p state may be null, and \p log, the
+/// diagnostic log. Hold the agent lock.
+cl_int launchNormally(AgentState *state, const Launch &launch,
+                      llvm::raw_ostream *log);
 
 } // namespace corvane

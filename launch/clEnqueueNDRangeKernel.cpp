@@ -1,11 +1,12 @@
-// A launch.
+// The hook of a launch.
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
+#include "agent/DebugLog.h"
 #include "agent/Flags.h"
 #include "launch/AutotuneLaunch.h"
 #include "launch/Hooks.h"
-#include "launch/LaunchSelection.h"
+#include "launch/NormalLaunch.h"
 
 using namespace corvane;
 
@@ -14,6 +15,7 @@ cl_int CL_API_CALL hooks::clEnqueueNDRangeKernel(
     const size_t *globalOffset, const size_t *globalSize,
     const size_t *localSize, cl_uint numEventsInWaitList,
     const cl_event *eventWaitList, cl_event *event) {
+  llvm::raw_ostream *log = lookUpDebugLog();
   AgentGuard guard;
   const Launch launch{queue,
                       kernel,
@@ -25,6 +27,6 @@ cl_int CL_API_CALL hooks::clEnqueueNDRangeKernel(
                       eventWaitList,
                       event};
   if (autotuneOutput())
-    return launchForAutotuning(agentState(), launch);
-  return launchNormally(agentState(), launch);
+    return launchForAutotuning(agentState(), launch, log);
+  return launchNormally(agentState(), launch, log);
 }

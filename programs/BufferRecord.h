@@ -20,10 +20,10 @@ using HostCopy = std::shared_ptr<HostArea>;
 struct HostArea {
   std::unique_ptr<void, FreeMemory> bytes; ///< not initialised
 
-  /// Set for good by keepForever, which needs no memory for that: the area
-  /// itself, and the one that was kept before it.
+  /// Set for good by leakOnPurpose, which needs no memory for that: the area
+  /// itself, and the one that was leaked before it.
   HostCopy itself;
-  HostArea *keptBefore = nullptr;
+  HostArea *leakedBefore = nullptr;
 };
 
 /// Owned by the state; found by handle. The state's buffersLock guards it.

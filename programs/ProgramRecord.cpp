@@ -113,7 +113,7 @@ corvane::prototypeOf(KernelGroup &group) {
   prototype->variants.reserve(group.variants.size());
   for (const auto &variant : group.variants)
     prototype->variants.push_back(
-        std::make_unique<const KernelPrototype::Variant>(*variant));
+        std::make_unique<const VariantDescription>(*variant));
   group.prototype = std::move(prototype);
   return group.prototype;
 }

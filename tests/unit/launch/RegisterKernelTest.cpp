@@ -29,7 +29,7 @@ TEST_F(RegisterKernel, KeepsARecordWithoutVariantsOfAKernelThatHasNone) {
   const KernelRecord *record = state.kernels.find(kernel);
   ASSERT_NE(record, nullptr);
   EXPECT_EQ(record->name(), "k");
-  EXPECT_TRUE(record->variantKernels.empty());
+  EXPECT_TRUE(record->variants.empty());
 }
 
 TEST_F(RegisterKernel, KeepsANullEntryForAVariantByItsGeneratedName) {
