@@ -1,4 +1,4 @@
-// Which ND ranges a coarsened variant takes, and what becomes of them.
+// Tests the sizes of a launch and rewrites them for a coarsened variant.
 #include "variants/CoarseRequest.h"
 
 #include "variants/SpecText.h"

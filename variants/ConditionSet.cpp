@@ -1,4 +1,4 @@
-// Turns the order of conditions into one that a standard set can rely on.
+// Makes a strict order of TransformOrder, as a standard set needs it.
 #include "variants/ConditionSet.h"
 
 #include <utility>
@@ -9,9 +9,9 @@ bool ConditionSet::EntryOrder::operator()(const Entry &a,
                                           const Entry &b) const {
   const bool aFirst = TransformOrder()(*a.condition, *b.condition);
   const bool bFirst = TransformOrder()(*b.condition, *a.condition);
-  // Both claim to be first. Letting the newer one win is what makes a variant's
-  // name come back with its restrictions in place: they pass through two sets,
-  // each of which turns them round.
+  // Both claim to be first, and the newer one is put first. A variant's
+  // conditions pass through two sets, each of which reverses its restrictions,
+  // so the rebuilt name has them in their first order.
   if (aFirst && bFirst)
     return a.arrival > b.arrival;
   return aFirst;

@@ -1,4 +1,4 @@
-// Carries the restricted arguments from a variant's name back into its name.
+// Writes the restricted arguments as an item of a name, and copies them.
 #include "variants/RestrictArgs.h"
 
 #include "variants/SpecText.h"

@@ -1,4 +1,4 @@
-// The arguments that a variant's generator took for restricted.
+// The arguments that a variant's generator assumed to be restrict pointers.
 #pragma once
 
 #include "variants/Transform.h"

@@ -1,4 +1,4 @@
-// Splits a spec's text and reads and writes its numbers.
+// Splits text at separators and converts numbers.
 #include "variants/SpecText.h"
 
 #include "llvm/ADT/StringExtras.h"

@@ -1,4 +1,4 @@
-// The letters of a variant's spec: separators and lists of numbers.
+// Reads and writes the items of a variant's spec.
 #pragma once
 
 #include "llvm/ADT/ArrayRef.h"

@@ -7,7 +7,7 @@ namespace corvane {
 
 namespace {
 
-/// Cuts the next word off the text each time it is asked.
+/// Splits a text into words, one at each call.
 class WordCutter {
 public:
   explicit WordCutter(char *text) : rest(text) {}
@@ -51,7 +51,7 @@ bool screenBuildLog(char *log) {
     const llvm::StringRef word = start;
     if (word == "Warning:") {
       // "Warning: <kernel> <three words> spilling." A variant that spills
-      // registers still works, so the warning only has its words taken.
+      // registers still works, so the words of the warning are only skipped.
       words.skipTo(5);
     } else if (word == "calclCompile") {
       const char *kernel = words.skipTo(4);

@@ -1,4 +1,4 @@
-// What a condition does unless its class knows better; the order of conditions.
+// What a condition does unless its class overrides it; the order of conditions.
 #include "variants/Transform.h"
 
 namespace llvm {

@@ -1,4 +1,4 @@
-// A condition under which a variant may stand in for its base kernel.
+// A condition under which a variant may replace its base kernel.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Asks a variant's conditions in turn, and writes its name back out.
+// Asks the conditions of a variant in order, and rebuilds its name.
 #include "variants/TransformedKernel.h"
 
 #include <algorithm>

@@ -18,9 +18,9 @@ struct TransformedKernel {
   explicit TransformedKernel(corvane::ConditionSet ordered)
       : conditions(std::move(ordered)) {}
 
-  /// Clones the conditions in their order. That turns the RestrictArgs round,
-  /// because a later one goes in front. It shows only in the rebuilt text, and
-  /// a second copy turns them back; it is kept as it is.
+  /// Clones the conditions in their order. That reverses the RestrictArgs,
+  /// because a later one goes in front. Only the rebuilt text shows it, and a
+  /// second copy reverses them again. Kept on purpose.
   TransformedKernel(const TransformedKernel &source)
       : conditions(corvane::ConditionSet::clonesOf(source.conditions)) {}
 
@@ -63,11 +63,11 @@ struct TransformedKernelAgent : TransformedKernel {
         baseName(std::move(base)) {}
 
   /// The kernel's full name in canonical form. It can differ from the name that
-  /// was parsed; who needs that one must keep it.
+  /// was parsed; a caller that needs that one must keep it.
   std::string kernelName() const;
 
-  /// The full name as well. Who wants the spec alone says
-  /// `TransformedKernel::specText()`.
+  /// The full name as well. `TransformedKernel::specText()` gives the spec
+  /// alone.
   std::string specText() const override;
 };
 

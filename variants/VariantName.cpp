@@ -1,4 +1,4 @@
-// Takes a kernel name apart: base name, marker, and the spec's items.
+// Splits a kernel name into base name, marker and the items of its spec.
 #include "variants/VariantName.h"
 
 #include "variants/CoarseRequest.h"
@@ -12,7 +12,7 @@ namespace corvane {
 
 static bool isItemLetter(char c) { return c >= 'a' && c <= 'z'; }
 
-/// The condition that one item makes, or null when nobody knows the item.
+/// The condition that one item makes, or null for an unknown letter.
 static std::unique_ptr<llvm::Transform>
 makeCondition(char letter, llvm::ArrayRef<std::uint32_t> numbers) {
   if (auto condition = makeCoarseRequest(letter, numbers))

@@ -1,5 +1,5 @@
-// Stands in for the program's operator new. In a file of its own, because a
-// compiler that sees one half of the pair inlined takes it for a mistake.
+// Replaces the program's operator new. In a file of its own, because compilers
+// warn about operator new and delete of which they inline only one.
 #include "AllocationCount.h"
 
 #include <atomic>

@@ -1,4 +1,5 @@
-// The owning set: order, equivalents, and restrictions that pile up in front.
+// Tests of the owning set: order, equivalents, and restrictions, of which the
+// latest comes first.
 #include "variants/ConditionSet.h"
 
 #include "ProbeCondition.h"

@@ -180,7 +180,7 @@ TEST(DivisibleArgsOrder, FindsEqualOnesEquivalent) {
   EXPECT_FALSE(with({}).precedes(with({})));
 }
 
-/// The same order told another way: walk all argument indices from 0 on.
+/// The same order, found by a walk over all argument indices from 0 on.
 bool walkPrecedes(const Divisors &mine, const Divisors &other) {
   if (mine.size() < other.size())
     return true;

@@ -1,4 +1,4 @@
-// A condition that does as a test says and tells what it was asked.
+// A condition that answers as a test says and logs what it was asked.
 #pragma once
 
 #include "variants/Transform.h"
@@ -14,7 +14,7 @@ struct ProbeLog {
   int alive = 0;                  ///< probes that exist now
 };
 
-/// Answers as it was told; the sizes it adjusts grow by one.
+/// Gives one answer to every question; the sizes that it adjusts grow by one.
 struct ProbeCondition : llvm::Transform {
   ProbeCondition(ProbeLog &shared, std::uint32_t kindOfProbe,
                  std::uint32_t coarsened, std::string called, bool answers)

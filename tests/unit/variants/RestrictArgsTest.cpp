@@ -1,4 +1,4 @@
-// Restricted arguments: carried along, never tested.
+// Tests of restricted arguments: part of the name, but no condition.
 #include "variants/RestrictArgs.h"
 
 #include <gmock/gmock.h>

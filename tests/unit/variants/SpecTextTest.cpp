@@ -1,4 +1,4 @@
-// The letters of a spec: splitting, numbers in, numbers out.
+// Tests of splitting a spec, and of reading and writing its numbers.
 #include "variants/SpecText.h"
 
 #include <gmock/gmock.h>

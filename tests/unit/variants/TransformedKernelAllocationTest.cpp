@@ -1,4 +1,4 @@
-// A launch may ask a record without a byte being allocated.
+// Tests that the questions of a launch allocate nothing.
 #include "AllocationCount.h"
 #include "variants/VariantName.h"
 
