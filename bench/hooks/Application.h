@@ -1,4 +1,4 @@
-// The objects of an application that is being watched.
+// The objects of an application that uses the agent.
 
 #pragma once
 

@@ -12,7 +12,7 @@
 
 namespace corvane::bench {
 
-/// By which way a call reaches the runtime.
+/// How a call reaches the runtime.
 enum class Way {
   Runtime, ///< straight through the runtime's table
   Pass,    ///< by a function that only forwards
@@ -20,7 +20,7 @@ enum class Way {
   Agent,   ///< by the hook
 };
 
-/// How a way stands in a benchmark's name.
+/// The word for \p way in the names of benchmarks.
 const char *nameOf(Way way);
 
 /// The yardstick functions for Pass and Lock, the tables for the others.

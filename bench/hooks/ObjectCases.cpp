@@ -30,8 +30,8 @@ static std::vector<std::string> wordsOf(const std::string &text) {
   return words;
 }
 
-// The same by hand: the name and the reference count are asked for, and the
-// variants come and go with their kernel.
+// The same calls by hand: the queries of name and reference count, and the
+// creation and release of the variants with their kernel.
 static void makeKernelCalls(benchmark::State &state, std::size_t variants) {
   const std::string names = kernelWithVariants(variants);
   const std::vector<std::string> words = wordsOf(names);

@@ -8,7 +8,7 @@
 
 using namespace corvane::bench;
 
-// As many kernels; of each five, four are variants of the first.
+// Of every five kernels, four are variants of the first.
 static std::string kernelNames(std::size_t count) {
   std::string names;
   std::string base;
@@ -23,7 +23,7 @@ static std::string kernelNames(std::size_t count) {
   return names;
 }
 
-// The release forgets the build; the program itself lives on.
+// The agent drops its record at the release, but the program stays alive.
 static void build(benchmark::State &state, Way way, std::size_t kernels) {
   const Program program(kernelNames(kernels));
   const auto &table = way == Way::Agent ? hooked() : bare();

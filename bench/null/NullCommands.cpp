@@ -49,10 +49,10 @@ static cl_int CL_API_CALL watchEvent(cl_event event, cl_int status,
 }
 
 static cl_int CL_API_CALL getProfilingInfo(cl_event, cl_profiling_info name,
-                                           std::size_t room, void *value,
+                                           std::size_t capacity, void *value,
                                            std::size_t *sizeRet) {
   const cl_ulong time = name == CL_PROFILING_COMMAND_END ? 12345 : 0;
-  return null::answer(&time, sizeof time, room, value, sizeRet);
+  return null::answer(&time, sizeof time, capacity, value, sizeRet);
 }
 
 static cl_int CL_API_CALL releaseEvent(cl_event) { return CL_SUCCESS; }

@@ -23,10 +23,10 @@ static cl_kernel CL_API_CALL createKernel(cl_program program, const char *name,
   return makeKernel(program, found->second);
 }
 
-static cl_int CL_API_CALL createKernels(cl_program program, cl_uint room,
+static cl_int CL_API_CALL createKernels(cl_program program, cl_uint capacity,
                                         cl_kernel *kernels, cl_uint *count) {
   const auto total = static_cast<cl_uint>(program->names.size());
-  if (kernels && room < total)
+  if (kernels && capacity < total)
     return CL_INVALID_VALUE;
   for (cl_uint i = 0; kernels && i < total; ++i)
     kernels[i] = makeKernel(program, i);
@@ -36,18 +36,19 @@ static cl_int CL_API_CALL createKernels(cl_program program, cl_uint room,
 }
 
 static cl_int CL_API_CALL getKernelInfo(cl_kernel kernel, cl_kernel_info name,
-                                        std::size_t room, void *value,
+                                        std::size_t capacity, void *value,
                                         std::size_t *sizeRet) {
   switch (name) {
   case CL_KERNEL_FUNCTION_NAME: {
     const std::string &text = kernel->program->names[kernel->place];
-    return null::answer(text.c_str(), text.size() + 1, room, value, sizeRet);
+    return null::answer(text.c_str(), text.size() + 1, capacity, value,
+                        sizeRet);
   }
   case CL_KERNEL_NUM_ARGS:
-    return null::answer(&kernel->arguments, sizeof(cl_uint), room, value,
+    return null::answer(&kernel->arguments, sizeof(cl_uint), capacity, value,
                         sizeRet);
   case CL_KERNEL_REFERENCE_COUNT:
-    return null::answer(&kernel->references, sizeof(cl_uint), room, value,
+    return null::answer(&kernel->references, sizeof(cl_uint), capacity, value,
                         sizeRet);
   default:
     return CL_INVALID_VALUE;

@@ -1,4 +1,4 @@
-// Programs that are no more than lists of names, and are always built.
+// Programs: lists of kernel names, which count as built from the start.
 
 #include "bench/null/NullObjects.h"
 #include "bench/null/NullRuntime.h"
@@ -48,22 +48,26 @@ static std::string joined(const std::vector<std::string> &names) {
 }
 
 static cl_int CL_API_CALL getProgramInfo(cl_program program,
-                                         cl_program_info name, std::size_t room,
-                                         void *value, std::size_t *sizeRet) {
+                                         cl_program_info name,
+                                         std::size_t capacity, void *value,
+                                         std::size_t *sizeRet) {
   static char device;
   cl_device_id devices[] = {reinterpret_cast<cl_device_id>(&device)};
   const cl_uint deviceCount = 1;
   const std::size_t kernelCount = program->names.size();
   switch (name) {
   case CL_PROGRAM_NUM_DEVICES:
-    return null::answer(&deviceCount, sizeof deviceCount, room, value, sizeRet);
+    return null::answer(&deviceCount, sizeof deviceCount, capacity, value,
+                        sizeRet);
   case CL_PROGRAM_DEVICES:
-    return null::answer(devices, sizeof devices, room, value, sizeRet);
+    return null::answer(devices, sizeof devices, capacity, value, sizeRet);
   case CL_PROGRAM_NUM_KERNELS:
-    return null::answer(&kernelCount, sizeof kernelCount, room, value, sizeRet);
+    return null::answer(&kernelCount, sizeof kernelCount, capacity, value,
+                        sizeRet);
   case CL_PROGRAM_KERNEL_NAMES: {
     const std::string names = joined(program->names);
-    return null::answer(names.c_str(), names.size() + 1, room, value, sizeRet);
+    return null::answer(names.c_str(), names.size() + 1, capacity, value,
+                        sizeRet);
   }
   default:
     return CL_INVALID_VALUE;
@@ -72,9 +76,10 @@ static cl_int CL_API_CALL getProgramInfo(cl_program program,
 
 // An empty log.
 static cl_int CL_API_CALL getBuildInfo(cl_program, cl_device_id,
-                                       cl_program_build_info, std::size_t room,
-                                       void *value, std::size_t *sizeRet) {
-  return null::answer("", 1, room, value, sizeRet);
+                                       cl_program_build_info,
+                                       std::size_t capacity, void *value,
+                                       std::size_t *sizeRet) {
+  return null::answer("", 1, capacity, value, sizeRet);
 }
 
 void null::addPrograms(DispatchTable &table) {

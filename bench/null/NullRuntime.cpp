@@ -1,4 +1,4 @@
-// The tables on both sides of the agent.
+// The runtime's own table, and the one with the agent's hooks.
 
 #include "bench/null/NullRuntime.h"
 
@@ -43,9 +43,9 @@ LoadedAgent::LoadedAgent() {
 
 LoadedAgent::~LoadedAgent() { clAgent_OnUnload(&operations); }
 
-cl_int null::answer(const void *data, std::size_t size, std::size_t room,
+cl_int null::answer(const void *data, std::size_t size, std::size_t capacity,
                     void *value, std::size_t *sizeRet) {
-  if (value && room < size)
+  if (value && capacity < size)
     return CL_INVALID_VALUE;
   if (value)
     std::memcpy(value, data, size);

@@ -19,7 +19,7 @@ extern const DispatchTable theTable;
 /// "_coarsed_" in their name a third.
 inline const DispatchTable &bare() { return null::theTable; }
 
-/// What the agent has put in their place. Until it is loaded the same.
+/// The table with the agent's hooks; the same functions until it is loaded.
 const DispatchTable &hooked();
 
 /// Loads the agent over the functions; unloads it at the end. One at a time.
@@ -46,8 +46,8 @@ void addBuffers(DispatchTable &table);
 void addCommands(DispatchTable &table);
 
 /// Answers a query with \p size bytes of \p data.
-cl_int answer(const void *data, std::size_t size, std::size_t room, void *value,
-              std::size_t *sizeRet);
+cl_int answer(const void *data, std::size_t size, std::size_t capacity,
+              void *value, std::size_t *sizeRet);
 
 } // namespace null
 

@@ -148,8 +148,8 @@ Runs TunedKernel::launchByHand() {
   return result;
 }
 
-// The buffers of the device stand in for themselves: copies of that size
-// between two places that were used a moment ago.
+// On a device that uses the host's memory, a transfer is a copy. So this copies
+// as many bytes between two arrays that are in the cache as far as they fit.
 double TunedKernel::copySeconds() {
   constexpr std::size_t copies = 2 * variantCount * bufferCount;
   std::vector<std::vector<char>> places(bufferCount,

@@ -1,5 +1,5 @@
-// Calls of an ordinary program on a real runtime. Run it as it is, and below
-// the layer: the difference is the layer's and the agent's.
+// Measures calls of an ordinary program on a real runtime. Run once without and
+// once with the layer, it shows what the layer and the agent cost.
 
 #include "bench/opencl/Session.h"
 

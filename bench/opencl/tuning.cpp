@@ -1,6 +1,6 @@
 // What autotuning a launch takes beside the sum of what it must do: the runs of
-// all versions, and the saves and restores of the buffers. Below the layer the
-// agent does it; without it the program does the same by hand.
+// all versions, and the saves and restores of the buffers. With the layer the
+// agent does it; without the layer the program does the same by hand.
 
 #include "bench/opencl/TunedKernel.h"
 

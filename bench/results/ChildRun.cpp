@@ -1,4 +1,4 @@
-// Forks, and has the child tell its time through a pipe.
+// Forks, and reads the child's time from a pipe.
 
 #include "bench/results/ChildRun.h"
 
@@ -17,8 +17,8 @@ using namespace corvane::bench;
   work();
   const double seconds =
       std::chrono::duration<double>(Clock::now() - start).count();
-  const bool told = write(pipe, &seconds, sizeof seconds) == sizeof seconds;
-  _exit(told ? 0 : 1);
+  const bool written = write(pipe, &seconds, sizeof seconds) == sizeof seconds;
+  _exit(written ? 0 : 1);
 }
 
 ChildRun corvane::bench::runInChild(const std::function<void()> &work) {
@@ -30,13 +30,13 @@ ChildRun corvane::bench::runInChild(const std::function<void()> &work) {
   if (child == 0)
     workAndTell(work, ends[1]);
   close(ends[1]);
-  const bool told =
+  const bool received =
       read(ends[0], &run.seconds, sizeof run.seconds) == sizeof run.seconds;
   close(ends[0]);
   int status = 0;
   rusage usage{};
   run.succeeded = child > 0 && wait4(child, &status, 0, &usage) == child &&
-                  status == 0 && told;
+                  status == 0 && received;
   run.peakMiB = static_cast<double>(usage.ru_maxrss) / 1024.0;
   return run;
 }

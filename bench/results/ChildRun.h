@@ -1,4 +1,4 @@
-// Work in a process of its own, so that its memory can be told from others'.
+// Runs work in a process of its own, so that its memory can be measured alone.
 
 #pragma once
 

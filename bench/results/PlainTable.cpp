@@ -1,4 +1,4 @@
-// getline, ordered maps and streams.
+// Reads with getline, groups by ordered maps, writes with streams.
 
 #include "bench/results/PlainTable.h"
 

@@ -1,4 +1,4 @@
-// The results table as one would write it in an afternoon: a yardstick.
+// The results table written in the plainest way, as a yardstick.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Makes up launches.
+// Invents the launches of a long program.
 
 #include "bench/results/SampleLog.h"
 

@@ -1,4 +1,4 @@
-// Raw timing logs as long programs leave them.
+// Writes raw timing logs like those of long programs.
 
 #pragma once
 

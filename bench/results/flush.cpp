@@ -51,7 +51,7 @@ static std::string bytesOf(const std::string &path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A yardstick that measures something else is none.
+// A yardstick that writes another table would measure something else.
 static bool makesEqualTables(const Folder &folder, const std::string &log) {
   const auto compare = [&] {
     writeTable(folder, log);
