@@ -14,7 +14,7 @@ namespace corvane {
 /// from the front: of two records of one handle the older one answers, and
 /// after its removal the next. Null records are counted and never found.
 ///
-/// Not locked; whoever owns the table says what guards it. The record type need
+/// Not locked; the owner of the table says what guards it. The record type need
 /// only be complete where records are added or removed.
 template <typename Handle, typename Record> class RecordTable {
 public:
@@ -68,8 +68,8 @@ public:
 private:
   struct Entry {
     std::unique_ptr<Record> oldest; ///< never null outside of append
-    /// Hardly ever any: a runtime that gives out a handle again has told of the
-    /// end of its first object.
+    /// Nearly always empty: before a runtime gives out a handle again, it has
+    /// reported the end of the handle's first object.
     std::vector<std::unique_ptr<Record>> younger;
   };
 

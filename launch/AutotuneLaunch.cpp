@@ -54,8 +54,8 @@ private:
   bool buffersSpoiled = false; ///< by a variant, and not restored yet
 };
 
-/// The event of the application's kernel: wanted by the application, or else
-/// ours for as long as it takes to watch it.
+/// The event of the application's own run: the application's, if it asked for
+/// one, or else one that is released as soon as the run is watched.
 class BaselineEvent {
 public:
   explicit BaselineEvent(cl_event *asked) : wanted(asked) {}
@@ -143,8 +143,8 @@ void AutotuneLaunch::enqueueVariant(Candidate candidate) {
   chain.advance(run);
 }
 
-// False if the variant was passed over. One that still has an old argument
-// could write to a buffer that is not saved.
+// False if the variant was left out. One that still has an old argument could
+// write to a buffer that is not saved.
 bool AutotuneLaunch::runVariant(const BufferSnapshot &inputs,
                                 Candidate candidate) {
   if (buffersSpoiled)
@@ -164,7 +164,7 @@ bool AutotuneLaunch::runVariant(const BufferSnapshot &inputs,
   return true;
 }
 
-// The application's own run comes last: when it is over, so are all transfers.
+// The application's own run comes last: when it is over, all transfers are.
 cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
   record.arguments.replay(record.kernel, record.settingsSeen);
   BaselineEvent event(launch.event);

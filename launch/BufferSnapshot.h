@@ -18,13 +18,15 @@ namespace corvane {
 std::optional<std::vector<HostCopy>> hostMemoryOf(AgentState &state,
                                                   const LaunchBuffers &buffers);
 
-/// The contents of some buffers, once the transfers are over.
+/// The contents of the buffers of a launch, as soon as the enqueued transfers
+/// are over.
 ///
-/// Transfers are enqueued and not waited for, so whoever outlives them must
-/// hold the host memory.
+/// Nothing waits for the transfers. The host memory must be held until they are
+/// over; that is longer than this object lives.
 class BufferSnapshot {
 public:
-  /// \p hostMemory has as much room for each buffer as it is large.
+  /// \p hostMemory has one area for each buffer, of the buffer's size or more.
+  /// Borrows \p ofBuffers.
   BufferSnapshot(const LaunchBuffers &ofBuffers,
                  std::vector<HostCopy> hostMemory);
 

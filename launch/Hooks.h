@@ -1,5 +1,6 @@
-// The hooks of this folder. Each has the signature and the contract of the
-// entry point that it stands in for and returns what the runtime returned.
+// The hooks on kernels, arguments and launches. Each has the signature and the
+// contract of the entry point that it replaces, and returns what the runtime
+// returned.
 
 #pragma once
 
@@ -7,17 +8,17 @@
 
 namespace corvane::hooks {
 
-/// Creates the kernel's variants beside it.
+/// Also creates the kernel's variants.
 cl_kernel CL_API_CALL clCreateKernel(cl_program program, const char *kernelName,
                                      cl_int *errcodeRet);
 
-/// Creates the program's ordinary kernels, with the variants beside each.
+/// Creates the program's ordinary kernels, and the variants of each.
 cl_int CL_API_CALL clCreateKernelsInProgram(cl_program program,
                                             cl_uint numKernels,
                                             cl_kernel *kernels,
                                             cl_uint *numKernelsRet);
 
-/// Releases the variants when the kernel is gone.
+/// Releases the variants when the kernel has been destroyed.
 cl_int CL_API_CALL clReleaseKernel(cl_kernel kernel);
 
 /// Remembers the argument for the variants.

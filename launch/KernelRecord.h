@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "agent/RuntimeTable.h"
 #include "launch/Launch.h"
 #include "launch/RecordedArguments.h"
 #include "programs/KernelPrototype.h"
@@ -27,10 +28,10 @@ struct VariantKernel {
 
 /// A kernel that the application created from a program that the agent knows.
 ///
-/// Owned by the state; found by handle. Hold the agent lock while using it. Its
-/// variant kernels are references of the agent's that whoever drops the record
-/// releases: the record may end with the process, when there is no runtime left
-/// to call.
+/// Owned by the state; found by handle. Hold the agent lock while using it. The
+/// variants' kernels are references of the agent's. The function that drops the
+/// record releases them, and not the record's destructor, which may run at the
+/// end of the process, when there is no runtime left to call.
 struct KernelRecord {
   KernelRecord(cl_program fromProgram, cl_kernel handle,
                std::shared_ptr<const KernelPrototype> shared)
@@ -51,14 +52,30 @@ struct KernelRecord {
   std::uint64_t settingsSeen = 0;
 };
 
-/// How many arguments the runtime says \p kernel has; nothing if it does not
-/// say.
-std::optional<cl_uint> argumentCount(cl_kernel kernel);
+/// How many arguments \p kernel has; nothing if the runtime does not say.
+inline std::optional<cl_uint> argumentCount(cl_kernel kernel) {
+  cl_uint count = 0;
+  const cl_int status = runtime().clGetKernelInfo(
+      kernel, CL_KERNEL_NUM_ARGS, sizeof count, &count, nullptr);
+  if (status != CL_SUCCESS)
+    return std::nullopt;
+  return count;
+}
 
 /// If \p variant has more arguments than the application's kernel, sets the
 /// last one to the work-group counts of \p launch. False if the runtime does
 /// not say how many either has: the variant may lack its last argument then.
-bool giveGroupCounts(cl_kernel variant, const Launch &launch,
-                     std::optional<cl_uint> kernelArguments);
+inline bool giveGroupCounts(cl_kernel variant, const Launch &launch,
+                            std::optional<cl_uint> kernelArguments) {
+  const std::optional<cl_uint> variantArguments = argumentCount(variant);
+  if (!kernelArguments || !variantArguments)
+    return false;
+  if (*variantArguments <= *kernelArguments)
+    return true;
+  const GroupCountArgument groups = groupCounts(launch);
+  (void)runtime().clSetKernelArg(variant, *variantArguments - 1, sizeof groups,
+                                 &groups);
+  return true;
+}
 
 } // namespace corvane

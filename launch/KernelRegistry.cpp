@@ -1,4 +1,4 @@
-// Makes and drops the records of the application's kernels.
+// Has variants created with their kernel, and released with it.
 
 #include "launch/KernelRegistry.h"
 

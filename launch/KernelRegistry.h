@@ -1,4 +1,4 @@
-// Which kernels the application has, and which variants stand beside each.
+// Creates and drops the records of the application's kernels.
 
 #pragma once
 
@@ -12,7 +12,7 @@ struct AgentState;
 
 /// Keeps a record of \p kernel, if its program is known, and has the runtime
 /// create the kernel's variants. A variant that cannot be created is reported.
-/// Behind an exception there is neither record nor variant. Hold the agent
+/// If this throws, there is neither a record nor a variant. Hold the agent
 /// lock.
 void registerKernel(AgentState &state, cl_program program, cl_kernel kernel);
 
@@ -20,8 +20,8 @@ void registerKernel(AgentState &state, cl_program program, cl_kernel kernel);
 void registerKernel(AgentState &state, cl_program program, cl_kernel kernel,
                     llvm::StringRef name);
 
-/// Forgets \p kernel, which the runtime has destroyed, and releases its
-/// variants. Does nothing for an unknown kernel. Hold the agent lock.
+/// Drops the record of \p kernel, which the runtime has destroyed, and releases
+/// its variants. Does nothing for an unknown kernel. Hold the agent lock.
 void dropKernel(AgentState &state, cl_kernel kernel);
 
 } // namespace corvane

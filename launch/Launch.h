@@ -26,8 +26,8 @@ struct Launch {
   cl_event *event; ///< null: not wanted
 };
 
-/// Hands \p launch to the runtime with another kernel and other sizes, and
-/// returns the runtime's status.
+/// Enqueues \p launch with another kernel and other sizes, and returns the
+/// runtime's status.
 inline cl_int enqueueAs(const Launch &launch, cl_kernel kernel,
                         const std::size_t *globalSize,
                         const std::size_t *localSize) {
@@ -37,7 +37,7 @@ inline cl_int enqueueAs(const Launch &launch, cl_kernel kernel,
                                           launch.eventWaitList, launch.event);
 }
 
-/// The same as it is.
+/// Enqueues \p launch as the application asked for it.
 inline cl_int enqueue(const Launch &launch) {
   return enqueueAs(launch, launch.kernel, launch.globalSize, launch.localSize);
 }
@@ -72,9 +72,11 @@ struct GroupCountArgument {
 };
 static_assert(sizeof(GroupCountArgument) == 16, "variants declare 16 bytes");
 
-/// Whether there is room for all dimensions of \p launch. No variant has more,
-/// and the arrays of a launch that claims more are not read beyond the third.
-inline bool fitsSizes(const Launch &launch) { return launch.workDim <= 3; }
+/// No variant has more dimensions than three, and the arrays of a launch that
+/// claims to have more are not read beyond the third.
+inline bool hasTooManyDimensions(const Launch &launch) {
+  return launch.workDim > 3;
+}
 
 /// The sizes of \p launch in its first three dimensions. It may be irregular:
 /// have no dimensions, no global size, or a local size of zero.

@@ -29,7 +29,7 @@ static bool canBeHandle(cl_mem value) {
          platform::isOccupied(value);
 }
 
-// Reads one property of an argument; false when the runtime does not tell.
+// Reads one property of an argument; false if the runtime does not say.
 template <typename Property>
 static bool readProperty(cl_kernel kernel, cl_uint index,
                          cl_kernel_arg_info name, Property &property) {
@@ -55,9 +55,9 @@ static bool isDeclaredWritable(cl_kernel kernel, cl_uint index) {
 }
 
 // Whether an argument that is no recorded buffer may be memory that the kernel
-// can write to: a sub-buffer, an image, a buffer that came from elsewhere. Asks
-// the runtime only about values that could be a handle; a runtime that cannot
-// tell anything leaves the argument at a plain value.
+// can write to: a sub-buffer, an image, a buffer that was created otherwise.
+// Asks the runtime only about values that could be a handle. If the runtime
+// cannot answer such questions at all, the argument counts as a plain value.
 static bool mayBeWritableMemory(cl_kernel kernel, cl_uint index, cl_mem value) {
   return canBeHandle(value) && runtime().clGetKernelArgInfo &&
          isDeclaredWritable(kernel, index);
@@ -81,8 +81,9 @@ bool LaunchBuffers::add(AgentState &state, cl_mem memObject) {
   const BufferRecord *buffer = state.buffers.find(memObject);
   if (!buffer)
     return false;
-  // Of two records of one handle the older describes a buffer that is gone: the
-  // runtime did not tell, but it would not give out a living handle again.
+  // Of two records of one handle the older describes a buffer that is
+  // destroyed: the runtime has not said so, but it gives out no handle that is
+  // in use.
   if (!buffer->hostMayTransfer || !state.buffers.isUnique(memObject))
     complete = complete && buffer->size == 0;
   else if (buffer->size != 0 && !contains(memObject))

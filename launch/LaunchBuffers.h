@@ -24,8 +24,8 @@ struct LaunchBuffer {
 /// The buffers among a kernel's recorded arguments, each once.
 class LaunchBuffers {
 public:
-  /// Looks the arguments up among the buffers of \p state. Waits for nothing of
-  /// the runtime's. Hold the agent lock.
+  /// Looks the arguments up among the buffers of \p state. Does not wait for
+  /// the runtime. Hold the agent lock.
   LaunchBuffers(AgentState &state, const KernelRecord &record);
 
   /// False if an argument is memory that a kernel may write to and that cannot

@@ -1,4 +1,4 @@
-// Finds the order by means of the map itself.
+// Fills the map with the variants and reads their order from it.
 
 #include "launch/MapOrder.h"
 

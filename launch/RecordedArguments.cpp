@@ -15,8 +15,8 @@ RecordedArguments::RecordedArguments(std::uint64_t settingsBefore)
   arguments.front()->isSet = true;
 }
 
-// Keeps the value that is there: the runtime may refuse the new one.
-static void makeRoomForValue(RecordedArgument &argument, std::size_t size) {
+// Keeps the present value, because the runtime may refuse the new one.
+static void reserveValue(RecordedArgument &argument, std::size_t size) {
   if (argument.bytes && argument.bytes->capacity() >= size)
     return;
   auto larger = std::make_shared<std::vector<unsigned char>>();
@@ -28,8 +28,8 @@ static void makeRoomForValue(RecordedArgument &argument, std::size_t size) {
   argument.bytes = std::move(larger);
 }
 
-void RecordedArguments::makeRoom(std::uint32_t index, std::size_t size,
-                                 const void *value) {
+void RecordedArguments::reserve(std::uint32_t index, std::size_t size,
+                                const void *value) {
   if (index >= mostArguments)
     return;
   if (index >= arguments.size())
@@ -37,14 +37,14 @@ void RecordedArguments::makeRoom(std::uint32_t index, std::size_t size,
   if (!arguments[index])
     arguments[index] = std::make_unique<RecordedArgument>(index);
   if (value && canBeKept(size, value))
-    makeRoomForValue(*arguments[index], size);
+    reserveValue(*arguments[index], size);
 }
 
 void RecordedArguments::record(std::uint32_t index, std::size_t size,
                                const void *value) {
   ++settings;
   if (index >= mostArguments) {
-    ++lostCount; // for good: the variants can never get it
+    ++lostCount; // for good: no variant can ever get it
     return;
   }
   RecordedArgument &argument = *arguments[index];
@@ -76,7 +76,8 @@ bool RecordedArguments::replay(cl_kernel target, std::uint64_t &seen) const {
     return true;
   const std::uint64_t replayed = settings;
   bool complete = true;
-  // By position: a setting from within may add arguments.
+  // By position: the runtime may call the application back, which may add
+  // arguments.
   for (std::size_t i = 0, count = recordedCount; i != count; ++i) {
     const RecordedArgument &argument = *arguments[i];
     if (argument.isLost)

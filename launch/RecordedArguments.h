@@ -23,12 +23,12 @@ struct RecordedArgument {
   std::size_t size = 0;        ///< bytes
   const void *value = nullptr; ///< in bytes below; null for local memory
 
-  bool isSet = false;  ///< false: only room was made for it
+  bool isSet = false;  ///< false: only memory was reserved for it
   bool isLost = false; ///< last set to a value that is too large to be kept
 
-  /// Replaced and never moved when a value needs more room. Shared while a
-  /// runtime reads the value: it may call the application back, which sets the
-  /// argument again.
+  /// Replaced, and never moved, when a value needs more memory. A replay shares
+  /// it while the runtime reads the value: the runtime may call the application
+  /// back, which may set the argument again.
   std::shared_ptr<std::vector<unsigned char>> bytes;
 };
 
@@ -39,21 +39,21 @@ struct RecordedArgument {
 /// with size zero and no value.
 class RecordedArguments {
 public:
-  /// An index beyond could only be reached over as many others, and no kernel
-  /// has as many arguments: a runtime that accepts it is wrong.
+  /// Indices are below this. No kernel has as many arguments, so a runtime that
+  /// accepts a higher index is wrong.
   static constexpr std::uint32_t mostArguments = 1U << 16;
-  /// The same goes for a value larger than the memory of any kernel for all its
-  /// arguments.
+  /// A value of more bytes is not kept. No kernel has as much memory for all
+  /// its arguments.
   static constexpr std::size_t mostBytes = std::size_t{1} << 20;
 
   /// \p settingsBefore is for tests: they begin where a long run would be.
   explicit RecordedArguments(std::uint64_t settingsBefore = 0);
 
-  /// Gets the memory to remember a setting that the runtime has yet to accept.
-  /// An exception has no other effect.
-  void makeRoom(std::uint32_t index, std::size_t size, const void *value);
+  /// Gets the memory for a setting that the runtime has yet to accept. If this
+  /// throws, all arguments are as they were.
+  void reserve(std::uint32_t index, std::size_t size, const void *value);
 
-  /// Remembers a setting for which there is room. Allocates nothing.
+  /// Remembers a setting for which memory was reserved. Allocates nothing.
   void record(std::uint32_t index, std::size_t size, const void *value);
 
   /// The recorded arguments, in the order of their indices.
@@ -63,19 +63,20 @@ public:
             recordedCount));
   }
 
-  /// False if the kernel was given an argument that is not kept: its index is
-  /// out of reach, or its value until it is set again. No variant may run then.
+  /// False if the kernel was given an argument that is not kept: for good if
+  /// its index is too high, or until it is set to a smaller value. No variant
+  /// may run then.
   bool areComplete() const { return lostCount == 0; }
 
   /// Settings so far. A program that sets arguments for days passes 2^32.
   std::uint64_t settingCount() const { return settings; }
 
-  /// Sets all recorded arguments on \p target if it has seen fewer settings
-  /// than there were. \p seen says how many it has seen, and is brought up to
-  /// date: a failure is reported and the rest is set nevertheless, and a value
-  /// that is not kept is left out. A setting that the application makes within,
-  /// when the runtime calls it back, counts as not seen. Returns whether the
-  /// runtime accepted every argument.
+  /// Sets all recorded arguments on \p target unless it has seen every setting.
+  /// \p seen is how many it has seen, and is brought up to date. A failure is
+  /// reported and the other arguments are set nevertheless; a value that is not
+  /// kept is left out. If the runtime calls the application back and that makes
+  /// a setting, \p target has not seen it. Returns whether the runtime accepted
+  /// every argument.
   bool replay(cl_kernel target, std::uint64_t &seen) const;
 
 private:
@@ -84,8 +85,8 @@ private:
   }
   void countRecorded();
 
-  /// By index; null for an argument that was never set. Each stays where it is,
-  /// because the application may set another while one is being replayed.
+  /// By index; null for an argument that was never set. None is ever moved,
+  /// because the application may set others while one is being replayed.
   std::vector<std::unique_ptr<RecordedArgument>> arguments;
   std::uint64_t settings;
   std::size_t recordedCount = 1;

@@ -38,16 +38,17 @@ static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
   appendTiming(history, *ticket.record);
 }
 
-// Without the agent lock: whoever holds it may be waiting for the runtime,
-// whose thread this is. The status is not looked at: a run that failed took its
-// time as well.
+// Unlocked: the thread that holds the agent lock may be waiting for the
+// runtime, and this is a thread of the runtime's. The status is not looked at,
+// because a run that failed took its time as well.
 static void CL_CALLBACK runCompleted(cl_event event, cl_int, void *userData) {
   const std::unique_ptr<TimingTicket> ticket(
       static_cast<TimingTicket *>(userData));
   try {
     recordRun(*ticket, measure(event));
   } catch (const std::bad_alloc &) {
-    // The thread is the runtime's; better to lose a row than the process.
+    // An exception would end the process, because the thread is the runtime's.
+    // The row is lost instead.
   }
 }
 

@@ -1,4 +1,4 @@
-// Carries one run to the moment when its time is known.
+// What is known of a run that is being timed until it has completed.
 
 #pragma once
 
@@ -14,8 +14,8 @@
 
 namespace corvane {
 
-/// What the completion of a run needs; shares it with the state, which may be
-/// gone by then.
+/// What the completion of a run needs. It may come after the flush has
+/// destroyed the state, so the ticket shares the history with the state.
 struct TimingTicket {
   std::shared_ptr<LaunchHistory> history;
   std::shared_ptr<LaunchRecord> record;
@@ -26,8 +26,9 @@ struct TimingTicket {
   std::vector<HostCopy> keptAlive;
 };
 
-/// Has the run behind \p event timed when it completes. Returns the runtime's
-/// status; after a failure the ticket stays with the caller, else it is gone.
+/// Has the run of \p event timed when it completes. Returns the runtime's
+/// status. After a failure the caller keeps the ticket; otherwise the
+/// completion callback owns it.
 cl_int timeRun(cl_event event, std::unique_ptr<TimingTicket> &ticket);
 
 } // namespace corvane

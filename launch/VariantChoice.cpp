@@ -16,7 +16,7 @@ static Refusal refusalOfAll(const KernelRecord &record, const Launch &launch) {
     return {Reason::NoVariants};
   if (!record.arguments.areComplete())
     return {Reason::LostArgument};
-  if (!fitsSizes(launch))
+  if (hasTooManyDimensions(launch))
     return {Reason::TooManyDimensions};
   return {};
 }

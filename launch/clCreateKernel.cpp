@@ -1,4 +1,4 @@
-// Creation of one kernel.
+// The hook of the creation of one kernel.
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"

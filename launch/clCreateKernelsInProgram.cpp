@@ -1,4 +1,5 @@
-// Creation of all kernels of a program at once, without the variants.
+// The hook of the creation of all kernels of a program: the application gets
+// the ordinary ones.
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
@@ -26,8 +27,8 @@ static cl_uint countKernels(cl_program program) {
 }
 
 namespace {
-/// Kernels that the application is about to get. Unless it gets them, nothing
-/// stays of them.
+/// Kernels that the application is about to get. They and their records are
+/// released if it does not get them.
 class Handover {
 public:
   Handover(AgentState &ofState, cl_program ofProgram, std::size_t most)
@@ -43,15 +44,15 @@ public:
   Handover(const Handover &) = delete;
   Handover &operator=(const Handover &) = delete;
 
-  /// Registers the front kernel and takes it over.
+  /// Registers the first of \p created and takes it over.
   void add(CreatedKernels &created, llvm::StringRef name) {
     registerKernel(state, program, created.front(), name);
     kernels.push_back(created.takeFront());
   }
 
   /// Writes the kernels to \p place unless that is null, and returns how many
-  /// there are. There is room for all that the application knows of: it has
-  /// asked for the count before.
+  /// there are. The application has asked for the count before, so its array is
+  /// long enough.
   cl_uint handOver(cl_kernel *place) {
     if (place)
       std::copy(kernels.begin(), kernels.end(), place);
@@ -74,7 +75,7 @@ static cl_uint keepOrdinary(AgentState &state, cl_program program,
   Handover ordinary(state, program, created.size());
   while (!created.empty()) {
     if (!created.front()) {
-      // The runtime claims more kernels than it made.
+      // The runtime claims to have created more kernels than it did.
       (void)created.takeFront();
       continue;
     }
@@ -109,7 +110,8 @@ cl_int CL_API_CALL hooks::clCreateKernelsInProgram(cl_program program,
     return status;
   const cl_uint kept = keepOrdinary(*state, program, created, kernels);
 
-  // Kept on purpose: more room than kernels is refused, less is not noticed.
+  // Kept on purpose: an array for more kernels than there are is refused, one
+  // for fewer is not noticed.
   if (numKernels != 0 && kept < numKernels)
     return CL_INVALID_VALUE;
   if (numKernelsRet)

@@ -1,4 +1,5 @@
-// Release of a kernel; with the last reference its variants go too.
+// The hook of the release of a kernel. With the last reference its variants are
+// released as well.
 
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
@@ -9,7 +10,7 @@
 
 using namespace corvane;
 
-// 0 if the runtime does not tell; a kernel that can be released has at least 1.
+// 0 if the runtime does not say; a kernel that can be released has at least 1.
 static cl_uint referenceCount(cl_kernel kernel) {
   cl_uint count = 0;
   const cl_int status = runtime().clGetKernelInfo(

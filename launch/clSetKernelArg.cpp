@@ -21,7 +21,7 @@ cl_int CL_API_CALL hooks::clSetKernelArg(cl_kernel kernel, cl_uint argIndex,
   RecordedArguments *arguments = argumentsOf(kernel);
   // First, because the variants must be able to get what the kernel has got.
   if (arguments)
-    arguments->makeRoom(argIndex, argSize, argValue);
+    arguments->reserve(argIndex, argSize, argValue);
   const cl_int status =
       runtime().clSetKernelArg(kernel, argIndex, argSize, argValue);
   if (arguments && status == CL_SUCCESS)

@@ -1,5 +1,5 @@
-// Stands in for the C library's allocator: the GNU one lets a program do that,
-// and libraries then call the program's functions as well.
+// Replaces the GNU C library's allocator by one that counts. Libraries call the
+// program's functions then, too.
 
 #include "tests/behaviour/launch/AllocationCount.h"
 

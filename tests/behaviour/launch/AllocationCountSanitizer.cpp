@@ -1,4 +1,4 @@
-// Has the sanitizer's allocator tell of every allocation.
+// Counts allocations through the sanitizer's hooks.
 
 #include "tests/behaviour/launch/AllocationCount.h"
 

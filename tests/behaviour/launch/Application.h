@@ -1,4 +1,4 @@
-// An application of one program, and the agent below it.
+// An application of one program that uses the agent.
 
 #pragma once
 
@@ -57,7 +57,7 @@ private:
   bool built = false;
 };
 
-/// What a launch that nobody changed looks like in the transcript.
+/// How the transcript shows a launch that was not changed.
 std::string plainLaunch(const std::string &kernel, const std::string &global,
                         const std::string &local = "null");
 
@@ -66,7 +66,7 @@ struct OutputFolder {
   TempFolder folder;
 };
 
-/// An application below which the agent autotunes.
+/// An application whose launches the agent autotunes.
 struct TuningApplication : OutputFolder, Application {
   explicit TuningApplication(
       const Variables &more = {},

@@ -112,7 +112,7 @@ cl_int CL_API_CALL acceptAnyIndex(cl_kernel kernel, cl_uint index, size_t size,
 }
 } // namespace
 
-// A variant could not get the argument, whatever it is.
+// No variant can get such an argument.
 TEST(ArgSizes, KeepVariantsFromRunningAfterAnIndexThatNoKernelHas) {
   for (const cl_uint index : {0xFFFFFFFFU, 0xFFFFFFFEU, 0x7FFFFFFFU, 65536U}) {
     OneArgument app([](DispatchTable &table) {
@@ -167,7 +167,7 @@ TEST(ArgSizes, KeepVariantsFromBeingTunedWithoutAValueThatIsTooLarge) {
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.launches(), SizeIs(1));
-  // Nor does the kernel itself get the old value back.
+  // The kernel itself must not get the old value again either.
   EXPECT_THAT(app.runtime.transcript({"clSetKernelArg"}), IsEmpty());
 
   app.set(kernel, 0, cl_int{6});

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(, EveryCall, testing::ValuesIn(calledWithLock),
                          });
 } // namespace
 
-// Nor is a leaf lock held while the runtime is called. It hangs here if so.
+// This hangs if a leaf lock is held while the runtime is called.
 TEST_P(EveryCall, KeepsNobodyWaitingWhoNeedsNoAgentLock) {
   cl_mem first = createBuffer(app.runtime, app.cl);
   cl_mem second = createBuffer(app.runtime, app.cl);
@@ -72,7 +72,7 @@ TEST_P(EveryCall, MayMeetAFlush) {
     EXPECT_EQ(app.cl.clReleaseContext(app.runtime.context()), CL_SUCCESS);
     EXPECT_NE(app.folder.read("autotune.csv"), "");
   });
-  // All is as it was before the load.
+  // Everything is as it was before the load.
   EXPECT_EQ(kernelNames(app.cl, app.program), "k;k_coarsed_g0S4");
   app.liveThrough();
 }

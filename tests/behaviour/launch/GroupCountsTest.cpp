@@ -25,7 +25,7 @@ struct HiddenArgument : Application {
   }
 };
 
-// Twelve bytes of counts and four that nobody looks at.
+// Twelve bytes of counts and four bytes of padding.
 std::string groups(const std::string &counts) {
   return "clSetKernelArg(kernel k_coarsed_g0S4, 1, 16, " + counts +
          " 00 00 00 00)";

@@ -1,4 +1,4 @@
-// Tests of launches without dimensions or sizes that make sense.
+// Tests of launches whose dimensions or sizes make no sense.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -36,7 +36,7 @@ cl_int launchIrregular(Application &app, cl_kernel kernel,
       asked.local.empty() ? nullptr : asked.local.data(), 0, nullptr, nullptr);
 }
 
-// A variant stands ready that would take any regular launch.
+// The kernel has a variant that takes every regular launch.
 class IrregularLaunch : public testing::TestWithParam<Irregular> {
 protected:
   static cl_kernel createKernel(Application &app) {
@@ -69,8 +69,8 @@ TEST_P(IrregularLaunch, GoesToTheRuntimeUnchanged) {
   EXPECT_THAT(errors.text(), HasSubstr("QrlAgent:: 910: "));
 }
 
-// A size that is left out counts as zero, which any factor divides; only there
-// is nothing to divide.
+// A missing size counts as zero for the conditions, and every factor divides
+// zero; but there is no size that could be rewritten.
 TEST_P(IrregularLaunch, IsWarnedOfWhenAVariantAcceptsAllButTheMissingSize) {
   Application app;
   cl_kernel kernel = createKernel(app);

@@ -1,4 +1,4 @@
-// Tests of what is created beside the application's kernels.
+// Tests of what is created with the application's kernels.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -35,7 +35,7 @@ TEST(KernelRegistry, AsksForVariantsByTheCanonicalFormOfTheirNames) {
                   "clCreateKernel(program 1, \"k_coarsed_g0S4d1S2d2S4\", &)"));
 }
 
-// The record that launches ask is a copy, which turns restrictions round.
+// The record that launches ask is a copy, which has restrictions reversed.
 TEST(KernelRegistry, CallsAVariantWithRestrictionsByAnotherNameInTheLog) {
   TuningApplication app;
   app.program.kernel("k").kernel("k_coarsed_r3r1r2g0S4");
@@ -161,7 +161,7 @@ TEST(KernelRegistry, KeepsNoRecordOfAVariantThatTheApplicationCreates) {
   EXPECT_THAT(app.runtime.transcript({"clEnqueueNDRangeKernel", "clFlush"}),
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[16]")));
   EXPECT_EQ(app.log(), app.header);
-  // The null entry that stands for it is in nobody's way.
+  // Its null entry hides no other kernel.
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
   EXPECT_EQ(app.log(),
             std::string(app.header) +

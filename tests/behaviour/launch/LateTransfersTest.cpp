@@ -85,7 +85,7 @@ cl_int CL_API_CALL keepDestructor(cl_mem buffer,
 } // namespace
 
 TEST(LateTransfers, OutliveTheRecordOfTheirBuffer) {
-  // A runtime that calls a buffer gone while transfers are under way.
+  // A runtime that reports the end of a buffer while transfers are under way.
   LateLaunch app({}, [](DispatchTable &table) {
     table.clSetMemObjectDestructorCallback = keepDestructor;
   });

@@ -1,5 +1,5 @@
 // Tests of how often a launch looks a variable up. The program's own getenv
-// stands in for the C library's, and libraries then call it as well.
+// replaces the C library's, and libraries then call it as well.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"

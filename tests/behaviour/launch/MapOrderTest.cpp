@@ -55,7 +55,8 @@ protected:
   std::vector<Created> created;
 };
 
-// Few have places of their own in the map; of so many some must share one.
+// A few variants have buckets of their own in the map; of so many some share
+// one.
 constexpr std::size_t manyVariants = 40;
 
 // Each accepts a range of 16 and leaves it as it is; a restriction, which tests

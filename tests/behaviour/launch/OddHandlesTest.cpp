@@ -16,8 +16,8 @@ using testing::ElementsAre;
 namespace {
 using Info = llvm::DenseMapInfo<cl_kernel>;
 
-/// Gives an odd handle to the kernel of one name, and answers for it; the
-/// scripted runtime has all others.
+/// Gives an odd handle to the kernel of one name, and plays that kernel. The
+/// scripted runtime plays all others.
 struct OddRuntime {
   static inline cl_kernel odd;
   static inline std::string name;

@@ -1,4 +1,4 @@
-// Tests of what the agent does not ask of the runtime.
+// Tests of calls that the agent must not make to the runtime.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"

@@ -1,4 +1,4 @@
-// Tests of kernels that got the handle of an older one.
+// Tests of kernels that have the handle of an older one.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -10,7 +10,7 @@ using namespace corvane::test;
 using testing::ElementsAre;
 
 namespace {
-/// The runtime destroys a kernel without our hearing of it, and gives its
+/// The runtime destroys a kernel without telling the agent, and gives its
 /// handle to the next one.
 struct RecyclingRuntime : Application {
   RecyclingRuntime() {

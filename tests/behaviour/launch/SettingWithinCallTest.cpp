@@ -1,5 +1,5 @@
 // Tests of arguments that are set within another call: a runtime may call the
-// application back at any time, and the application us.
+// application back at any time, and the application may then call the agent.
 
 #include "tests/behaviour/launch/Application.h"
 

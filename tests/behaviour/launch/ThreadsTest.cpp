@@ -1,4 +1,4 @@
-// A story of four application threads and two of the runtime's. Meant for the
+// Four threads of the application and two of the runtime at once. Meant for the
 // thread sanitizer.
 
 #include "tests/behaviour/launch/Application.h"

@@ -17,7 +17,7 @@ constexpr std::size_t kernelAlone = 1;
 constexpr std::size_t variantAndKernel = 2;
 
 /// A kernel with a variant. Its argument, unless a test says otherwise, is a
-/// sub-buffer: a memory object that came about without a hook.
+/// sub-buffer: a memory object that no hook has seen.
 class UnknownMemory : public testing::Test {
 protected:
   static void describe(TuningApplication &app) {

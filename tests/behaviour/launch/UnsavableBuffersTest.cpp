@@ -128,7 +128,7 @@ TEST(UnsavableBuffers, KeepVariantsFromRunningWithoutRoomOnTheHost) {
 }
 
 TEST(UnsavableBuffers, KeepVariantsFromRunningWhenAHandleHasTwoRecords) {
-  // The runtime has yet to tell that the smaller buffer is gone.
+  // The runtime has not reported the end of the smaller buffer yet.
   TwoBuffers app;
   app.runtime.recycleHandles();
   app.runtime.holdCallbacks();

@@ -63,7 +63,7 @@ private:
     cl.clReleaseProgram(another);
   }
 
-  // The variant counts as a kernel, too, where nobody tells its name.
+  // Where the runtime does not tell its name, the variant counts as a kernel.
   void useAllKernels() {
     cl_kernel kernels[2] = {};
     if (cl.clCreateKernelsInProgram(program, 1, kernels, nullptr) != CL_SUCCESS)

@@ -1,4 +1,4 @@
-// The order of handles that no runtime would give out in such numbers.
+// Tests of the order of more variants than a runtime would create.
 
 #include "launch/MapOrder.h"
 
@@ -39,7 +39,7 @@ orderOfMap(const std::vector<std::uintptr_t> &addresses) {
 }
 
 // Each has a bucket of its own, whether the map has grown or not. When it does,
-// every second one moves behind all others.
+// every second one moves to the end.
 static std::vector<std::uintptr_t> spread(std::uintptr_t count) {
   std::vector<std::uintptr_t> addresses;
   for (std::uintptr_t i = count; i != 0; --i)

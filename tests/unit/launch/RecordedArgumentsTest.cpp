@@ -1,4 +1,4 @@
-// Settings are counted for as long as a program may run.
+// Tests of a kernel whose arguments have been set more than 2^32 times.
 
 #include "launch/RecordedArguments.h"
 
@@ -28,7 +28,7 @@ struct RecordedArgumentsInTheLongRun : testing::Test {
   }
 
   void set(cl_int value) {
-    arguments.makeRoom(0, sizeof value, &value);
+    arguments.reserve(0, sizeof value, &value);
     arguments.record(0, sizeof value, &value);
   }
 

@@ -1,4 +1,4 @@
-// Which entries the registry keeps, the null ones too.
+// Tests of which entries the registry keeps, null entries included.
 
 #include "launch/KernelRegistry.h"
 

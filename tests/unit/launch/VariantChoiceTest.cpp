@@ -1,4 +1,4 @@
-// Which variant takes a launch, and what is said of those that do not.
+// Tests of which variant takes a launch, and why others do not.
 
 #include "launch/VariantChoice.h"
 
@@ -30,7 +30,7 @@ protected:
   }
 
   template <typename Value> void set(cl_uint index, const Value &value) {
-    record->arguments.makeRoom(index, sizeof value, &value);
+    record->arguments.reserve(index, sizeof value, &value);
     record->arguments.record(index, sizeof value, &value);
   }
 
@@ -110,7 +110,7 @@ TEST_F(VariantChoices, AreNoneForALocalSizeOfZeroUnlessTheLaunchIsTuned) {
 
 TEST_F(VariantChoices, AreNoneOnceAnArgumentCannotBeReplayed) {
   create({"g0S2"});
-  record->arguments.makeRoom(1U << 16, 0, nullptr);
+  record->arguments.reserve(1U << 16, 0, nullptr);
   record->arguments.record(1U << 16, 0, nullptr);
   const VariantChoice choice = chooseVariant(*record, launchOf({48}));
   EXPECT_EQ(specOf(choice), "none");
@@ -131,7 +131,7 @@ TEST_F(VariantChoices, SayWhichConditionRefusesWhichArgument) {
   set(0, cl_int{6});
   set(1, cl_ulong{1} << 40 | 1U);
   set(2, cl_short{2});
-  record->arguments.makeRoom(3, 8, nullptr);
+  record->arguments.reserve(3, 8, nullptr);
   record->arguments.record(3, 8, nullptr);
   EXPECT_THAT(explanations(launchOf({48})),
               ElementsAre("d0S4 rejects argument 0 = 6",

@@ -13,7 +13,7 @@ static constexpr const char *warning =
     "Corvane's kernel cannot be launch due to incompatible ND range values or "
     "non-expected input scalar values\n";
 
-TEST(LaunchSelection, RunsTheVariantInPlaceOfTheKernel) {
+TEST(NormalLaunch, RunsTheVariantInPlaceOfTheKernel) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4");
   cl_kernel kernel = app.create("k");
@@ -22,7 +22,7 @@ TEST(LaunchSelection, RunsTheVariantInPlaceOfTheKernel) {
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[256]", "[64]")));
 }
 
-TEST(LaunchSelection, LeavesTheApplicationsSizesAlone) {
+TEST(NormalLaunch, LeavesTheApplicationsSizesAlone) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_l0S2");
   cl_kernel kernel = app.create("k");
@@ -35,7 +35,7 @@ TEST(LaunchSelection, LeavesTheApplicationsSizesAlone) {
   EXPECT_THAT(local, ElementsAre(8));
 }
 
-TEST(LaunchSelection, RewritesOnlyTheCoarsenedDimension) {
+TEST(NormalLaunch, RewritesOnlyTheCoarsenedDimension) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_c1S2");
   cl_kernel kernel = app.create("k");
@@ -45,7 +45,7 @@ TEST(LaunchSelection, RewritesOnlyTheCoarsenedDimension) {
       ElementsAre(plainLaunch("k_coarsed_c1S2", "[12, 504, 5]", "[3, 8, 1]")));
 }
 
-TEST(LaunchSelection, ShowsZerosToTheConditionsWhenThereIsNoLocalSize) {
+TEST(NormalLaunch, ShowsZerosToTheConditionsWhenThereIsNoLocalSize) {
   Application app;
   // An l variant accepts a local size of zero; a c variant does not.
   app.program.kernel("k").kernel("k_coarsed_l0S2");
@@ -56,7 +56,7 @@ TEST(LaunchSelection, ShowsZerosToTheConditionsWhenThereIsNoLocalSize) {
                                           plainLaunch("j", "[8]")));
 }
 
-TEST(LaunchSelection, PassesOffsetWaitListAndEventToTheVariant) {
+TEST(NormalLaunch, PassesOffsetWaitListAndEventToTheVariant) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4");
   cl_kernel kernel = app.create("k");
@@ -76,7 +76,7 @@ TEST(LaunchSelection, PassesOffsetWaitListAndEventToTheVariant) {
   app.runtime.endEvent(gate);
 }
 
-TEST(LaunchSelection, RunsTheOriginalSilentlyWhenNoVariantAcceptsTheRange) {
+TEST(NormalLaunch, RunsTheOriginalSilentlyWhenNoVariantAcceptsTheRange) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4").kernel("k_coarsed_g1S2");
   cl_kernel kernel = app.create("k");
@@ -86,7 +86,7 @@ TEST(LaunchSelection, RunsTheOriginalSilentlyWhenNoVariantAcceptsTheRange) {
   EXPECT_EQ(errors.text(), "");
 }
 
-TEST(LaunchSelection, WarnsAndRunsTheOriginalWhenAnArgumentIsNotAsExpected) {
+TEST(NormalLaunch, WarnsAndRunsTheOriginalWhenAnArgumentIsNotAsExpected) {
   Application app;
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4d0S4", 1);
   cl_kernel kernel = app.create("k");
@@ -100,7 +100,7 @@ TEST(LaunchSelection, WarnsAndRunsTheOriginalWhenAnArgumentIsNotAsExpected) {
               ElementsAre(plainLaunch("k", "[16]"), plainLaunch("k", "[16]")));
 }
 
-TEST(LaunchSelection, RunsTheVariantAgainWhenTheArgumentIsAsExpected) {
+TEST(NormalLaunch, RunsTheVariantAgainWhenTheArgumentIsAsExpected) {
   Application app;
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4d0S4", 1);
   cl_kernel kernel = app.create("k");
@@ -112,7 +112,7 @@ TEST(LaunchSelection, RunsTheVariantAgainWhenTheArgumentIsAsExpected) {
               ElementsAre(plainLaunch("k_coarsed_g0S4d0S4", "[4]")));
 }
 
-TEST(LaunchSelection, ReportsAndReturnsTheFailureOfAVariant) {
+TEST(NormalLaunch, ReportsAndReturnsTheFailureOfAVariant) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4");
   cl_kernel kernel = app.create("k");
@@ -125,7 +125,7 @@ TEST(LaunchSelection, ReportsAndReturnsTheFailureOfAVariant) {
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[4]")));
 }
 
-TEST(LaunchSelection, ReportsAndReturnsTheFailureOfTheOriginal) {
+TEST(NormalLaunch, ReportsAndReturnsTheFailureOfTheOriginal) {
   Application app;
   app.program.kernel("k");
   cl_kernel kernel = app.create("k");
@@ -135,7 +135,7 @@ TEST(LaunchSelection, ReportsAndReturnsTheFailureOfTheOriginal) {
   EXPECT_EQ(errors.text(), "QrlAgent:: 910: CL Error: CL_OUT_OF_RESOURCES\n");
 }
 
-TEST(LaunchSelection, PassesAKernelOfAnUnknownProgramThrough) {
+TEST(NormalLaunch, PassesAKernelOfAnUnknownProgramThrough) {
   Application app;
   const ProgramScript unknown =
       app.runtime.addProgram().alreadyBuilt().kernel("k");
@@ -146,14 +146,14 @@ TEST(LaunchSelection, PassesAKernelOfAnUnknownProgramThrough) {
               ElementsAre(plainLaunch("k", "[16]", "[4]")));
 }
 
-TEST(LaunchSelection, PassesNonsenseThroughAndReportsTheRuntimesAnswer) {
+TEST(NormalLaunch, PassesNonsenseThroughAndReportsTheRuntimesAnswer) {
   Application app;
   ErrorCapture errors;
   EXPECT_EQ(app.launch(nullptr, {16}), CL_INVALID_KERNEL);
   EXPECT_EQ(errors.text(), "QrlAgent:: 910: CL Error: CL_INVALID_KERNEL\n");
 }
 
-TEST(LaunchSelection, FollowsTheSizesOfEachLaunch) {
+TEST(NormalLaunch, FollowsTheSizesOfEachLaunch) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g0S4");
   cl_kernel kernel = app.create("k");
@@ -172,7 +172,7 @@ TEST(LaunchSelection, FollowsTheSizesOfEachLaunch) {
                                    plainLaunch("k_coarsed_g0S4", "[8, 1]")));
 }
 
-TEST(LaunchSelection, FollowsTheDimensionsOfEachLaunch) {
+TEST(NormalLaunch, FollowsTheDimensionsOfEachLaunch) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_g1S2");
   cl_kernel kernel = app.create("k");

@@ -28,7 +28,7 @@ struct TwoArguments : Application {
 };
 } // namespace
 
-TEST(ArgMirror, GivesTheVariantAllArgumentsWhenItIsLaunched) {
+TEST(RecordedArguments, GivesTheVariantAllArgumentsWhenItIsLaunched) {
   TwoArguments app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.settings(),
@@ -38,7 +38,7 @@ TEST(ArgMirror, GivesTheVariantAllArgumentsWhenItIsLaunched) {
                           "08 00 00 00)"));
 }
 
-TEST(ArgMirror, ReplaysOnceForTwoLaunchesWithoutAChangeInBetween) {
+TEST(RecordedArguments, ReplaysOnceForTwoLaunchesWithoutAChangeInBetween) {
   TwoArguments app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   app.runtime.forgetTranscript();
@@ -48,7 +48,7 @@ TEST(ArgMirror, ReplaysOnceForTwoLaunchesWithoutAChangeInBetween) {
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[4]")));
 }
 
-TEST(ArgMirror, GivesTheLaterOfTwoValuesOnceAtTheLaunch) {
+TEST(RecordedArguments, GivesTheLaterOfTwoValuesOnceAtTheLaunch) {
   TwoArguments app;
   app.set(app.kernel, 1, cl_int{9});
   app.set(app.kernel, 1, cl_int{10});
@@ -61,7 +61,7 @@ TEST(ArgMirror, GivesTheLaterOfTwoValuesOnceAtTheLaunch) {
                           "0a 00 00 00)"));
 }
 
-TEST(ArgMirror, ReplaysEverythingAfterAnyChange) {
+TEST(RecordedArguments, ReplaysEverythingAfterAnyChange) {
   TwoArguments app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   app.set(app.kernel, 1, cl_int{9});
@@ -74,7 +74,7 @@ TEST(ArgMirror, ReplaysEverythingAfterAnyChange) {
                           "09 00 00 00)"));
 }
 
-TEST(ArgMirror, KeepsACopyOfTheValue) {
+TEST(RecordedArguments, KeepsACopyOfTheValue) {
   TwoArguments app;
   cl_int value = 5;
   app.set(app.kernel, 0, value);
@@ -86,7 +86,7 @@ TEST(ArgMirror, KeepsACopyOfTheValue) {
   EXPECT_EQ(value, 6);
 }
 
-TEST(ArgMirror, DoesNotRecordWhatTheRuntimeRefused) {
+TEST(RecordedArguments, DoesNotRecordWhatTheRuntimeRefused) {
   TwoArguments app;
   app.runtime.answer("clSetKernelArg", CL_INVALID_ARG_VALUE, 1);
   EXPECT_EQ(app.set(app.kernel, 0, cl_int{99}), CL_INVALID_ARG_VALUE);
@@ -96,7 +96,7 @@ TEST(ArgMirror, DoesNotRecordWhatTheRuntimeRefused) {
             "clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, 07 00 00 00)");
 }
 
-TEST(ArgMirror, ReportsAFailedReplayAndGoesOn) {
+TEST(RecordedArguments, ReportsAFailedReplayAndGoesOn) {
   TwoArguments app;
   app.runtime.allowUnsetArguments();
   app.runtime.answer("clSetKernelArg", CL_INVALID_ARG_VALUE, 1);
@@ -116,14 +116,14 @@ TEST(ArgMirror, ReportsAFailedReplayAndGoesOn) {
   EXPECT_THAT(app.settings(), IsEmpty());
 }
 
-TEST(ArgMirror, ReplaysAndTestsUpToAGapUntilItIsFilled) {
+TEST(RecordedArguments, ReplaysAndTestsUpToAGapUntilItIsFilled) {
   Application app;
   app.program.kernel("k", 4).kernel("k_coarsed_g0S4d3S4", 4);
   cl_kernel kernel = app.create("k");
   app.runtime.allowUnsetArguments();
   app.set(kernel, 0, cl_char{1});
   app.set(kernel, 1, cl_char{2});
-  app.set(kernel, 3, cl_int{10}); // not divisible, but behind the gap
+  app.set(kernel, 3, cl_int{10}); // not divisible, but after the gap
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(
@@ -151,7 +151,7 @@ TEST(ArgMirror, ReplaysAndTestsUpToAGapUntilItIsFilled) {
                   plainLaunch("k_coarsed_g0S4d3S4", "[4]")));
 }
 
-TEST(ArgMirror, ReplaysTheEmptyFirstArgumentUntilItIsSet) {
+TEST(RecordedArguments, ReplaysTheEmptyFirstArgumentUntilItIsSet) {
   Application app;
   app.program.kernel("k", 2).kernel("k_coarsed_g0S4", 2);
   cl_kernel kernel = app.create("k");
@@ -169,7 +169,7 @@ TEST(ArgMirror, ReplaysTheEmptyFirstArgumentUntilItIsSet) {
                           "clSetKernelArg(kernel k_coarsed_g0S4, 1, 1, 02)"));
 }
 
-TEST(ArgMirror, TestsTheEmptyFirstArgumentUntilItIsSet) {
+TEST(RecordedArguments, TestsTheEmptyFirstArgumentUntilItIsSet) {
   Application app;
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4d0S2", 1);
   cl_kernel kernel = app.create("k");
