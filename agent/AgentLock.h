@@ -22,9 +22,11 @@ inline llvm::sys::Mutex &agentLock() { return *detail::theAgentLock; }
 /// Holds the agent lock.
 ///
 /// Hooks hold it over their calls into the runtime, so that what they record is
-/// what the runtime did, in the same order. It is recursive because the runtime
-/// may call the application back, and the application us. Take no leaf lock
-/// (see README.md) around a guard; the other way round is the rule.
+/// what the runtime did, in the same order; not over builds and links, which
+/// take long and may need another thread of the application's. It is recursive
+/// because the runtime may call the application back, and the application us.
+/// Take no leaf lock (see README.md) around a guard; the other way round is the
+/// rule.
 ///
 /// The outermost guard of a thread buries what a flush elsewhere has retired
 /// meanwhile (see AgentState.h).

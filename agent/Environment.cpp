@@ -13,6 +13,8 @@ using namespace corvane;
 
 // A leaf lock: held while variables are moved, and by those who look meanwhile.
 static std::mutex movingLock;
+/// How many builds and links hide CORVANE_AUTOTUNE at the moment.
+static unsigned hidingCalls = 0;
 /// Whether the value of CORVANE_AUTOTUNE is where we have parked it.
 static std::atomic<bool> isParked{false};
 
@@ -60,12 +62,15 @@ static bool moveVariable(const char *from, const char *to) {
 
 void corvane::hideAutotune() {
   const std::lock_guard<std::mutex> guard(movingLock);
+  ++hidingCalls;
   if (moveVariable(variable::autotune, variable::autotuneShadow))
     isParked = true;
 }
 
 void corvane::restoreAutotune() {
   const std::lock_guard<std::mutex> guard(movingLock);
+  if (hidingCalls != 0 && --hidingCalls != 0)
+    return;
   if (moveVariable(variable::autotuneShadow, variable::autotune))
     isParked = false;
 }

@@ -42,7 +42,9 @@ int setEnv(const char *name, const char *value, int overwrite);
 void unsetEnv(const char *name);
 
 /// Parks the value of CORVANE_AUTOTUNE so that the runtime's compiler does not
-/// see it, and brings it back. Not nested. Hold the agent lock.
+/// see it, and brings it back. Several threads may have it parked at a time;
+/// the last one brings it back. Hold the agent lock for either call, not
+/// between them: launches on other threads look variables up under that lock.
 void hideAutotune();
 void restoreAutotune();
 

@@ -3,13 +3,13 @@
 #include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
-#include "agent/Environment.h"
 #include "agent/Flags.h"
 #include "agent/RuntimeTable.h"
+#include "programs/BuildInProgress.h"
 #include "programs/BuildLog.h"
 #include "programs/Devices.h"
 #include "programs/Hooks.h"
-#include "programs/VariantDiscovery.h"
+#include "programs/SecondAttempt.h"
 
 using namespace corvane;
 
@@ -25,32 +25,42 @@ static bool screenBuiltDevices(cl_program program, cl_uint numDevices,
   return program && screenBuild(program, devices);
 }
 
+namespace {
+enum class AfterBuild { Collect, BuildAgain, Leave };
+} // namespace
+
+static AfterBuild lookAtLogs(cl_program program, cl_uint numDevices,
+                             const cl_device_id *deviceList) {
+  AgentGuard guard;
+  if (!agentState())
+    return AfterBuild::Leave;
+  if (screenBuiltDevices(program, numDevices, deviceList))
+    return AfterBuild::Collect;
+  return autotuneOutput() ? AfterBuild::BuildAgain : AfterBuild::Leave;
+}
+
+// Unlocked while the runtime builds: other threads must be able to launch
+// meanwhile, and the runtime may wait for one of them.
 cl_int CL_API_CALL hooks::clBuildProgram(
     cl_program program, cl_uint numDevices, const cl_device_id *deviceList,
     const char *options,
     void(CL_CALLBACK *notify)(cl_program program, void *userData),
     void *userData) {
-  AgentGuard guard;
+  BuildInProgress call(program);
   const auto build = [&] {
     return runtime().clBuildProgram(program, numDevices, deviceList, options,
                                     notify, userData);
   };
 
   cl_int status = build();
-  if (AgentState *state = agentState()) {
-    const bool clean = screenBuiltDevices(program, numDevices, deviceList);
-    if (clean) {
-      collectKernels(*state, program);
-    } else if (autotuneOutput()) {
-      // Variants that spill registers are not worth timing: the compiler gets a
-      // second chance, as if nobody were autotuning.
-      hideAutotune();
-      status = build();
-      restoreAutotune();
-      if (status == CL_SUCCESS)
-        collectKernels(*state, program);
-    }
+  AfterBuild next = lookAtLogs(program, numDevices, deviceList);
+  if (next == AfterBuild::BuildAgain) {
+    // Variants that spill registers are not worth timing: the compiler gets a
+    // second chance, as if nobody were autotuning.
+    status = attemptWithoutAutotune(build);
+    next = status == CL_SUCCESS ? AfterBuild::Collect : AfterBuild::Leave;
   }
+  call.finish(next == AfterBuild::Collect);
   if (status != CL_SUCCESS)
     reportClError(CallSite::BuildProgram, status);
   return status;

@@ -9,6 +9,7 @@
 #include "agent/RuntimeTable.h"
 #include "programs/Devices.h"
 #include "programs/Hooks.h"
+#include "programs/SecondAttempt.h"
 #include "programs/VariantDiscovery.h"
 
 using namespace corvane;
@@ -23,54 +24,63 @@ static void warnAboutNotification() {
 static void checkDevices(cl_program program, const cl_device_id *deviceList) {
   if (deviceList)
     return;
+  AgentGuard guard;
   DeviceList devices;
   if (const cl_int status = programDevices(program, devices))
     reportClError(CallSite::LinkDevices, status);
 }
 
-// The application has not got the program yet.
-static cl_program withKernels(AgentState &state, cl_program linked) {
+// Variants are collected only while the variable is defined, be it parked.
+static bool autotunes() {
+  AgentGuard guard;
+  const EnvironmentLook look;
+  return resultsDir() != nullptr;
+}
+
+// The application has not got the program yet. A flush may have taken the state
+// during the link.
+static cl_program withKernels(cl_program linked) {
   Owned<cl_program> program(linked);
-  collectKernels(state, linked);
+  AgentGuard guard;
+  if (AgentState *state = agentState())
+    collectKernels(*state, linked);
   return program.claim();
 }
 
+// Unlocked while the runtime links: other threads must be able to launch
+// meanwhile, and the runtime may wait for one of them.
 cl_program CL_API_CALL hooks::clLinkProgram(
     cl_context context, cl_uint numDevices, const cl_device_id *deviceList,
     const char *options, cl_uint numInputPrograms,
     const cl_program *inputPrograms,
     void(CL_CALLBACK *notify)(cl_program program, void *userData),
     void *userData, cl_int *errcodeRet) {
-  AgentGuard guard;
   const auto link = [&](auto notification, cl_int *status) {
     return runtime().clLinkProgram(context, numDevices, deviceList, options,
                                    numInputPrograms, inputPrograms,
                                    notification, userData, status);
   };
 
-  AgentState *state = agentState();
-  if (!state)
+  if (!agentState())
     return link(notify, errcodeRet);
 
   cl_int localStatus = CL_SUCCESS;
   cl_int *status = errcodeRet ? errcodeRet : &localStatus;
   // Without the notification the link is over when the call returns.
   cl_program program = link(decltype(notify){nullptr}, status);
-  if (!autotuneDir())
+  if (!autotunes())
     return program;
 
   checkDevices(program, deviceList);
   if (program)
-    return withKernels(*state, program);
+    return withKernels(program);
 
-  hideAutotune();
-  program = link(notify, status);
-  restoreAutotune();
+  program = attemptWithoutAutotune([&] { return link(notify, status); });
   if (*status != CL_SUCCESS)
     return program;
   if (notify) {
     warnAboutNotification();
     return program;
   }
-  return withKernels(*state, program);
+  return withKernels(program);
 }

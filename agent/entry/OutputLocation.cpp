@@ -30,7 +30,9 @@ void corvane::prepareOutput() {
   // Looked up and deliberately ignored: the name is reserved.
   (void)lookUp(variable::corvane);
 
-  const char *value = autotuneDir();
+  // A build on another thread may have parked the variable.
+  const EnvironmentLook look;
+  const char *value = resultsDir();
   if (!value) {
     setAutotuneOutput(false);
     return;
