@@ -5,6 +5,8 @@
 #include "layer/LayerAgent.h"
 #include "layer/LayerTable.h"
 #include "layer/Storeys.h"
+#include "layer/TuningSwitch.h"
+#include "layer/WatchedCommands.h"
 
 #include <CL/cl_layer.h>
 
@@ -34,6 +36,8 @@ cl_int CL_API_CALL clGetLayerInfo(cl_layer_info paramName,
 /// doing so; empty when all went well.
 static std::string startAgent(LayerTable &table) {
   std::string problem;
+  // The agent may move the variable once it runs.
+  const bool tuning = tuningMayBeOn();
   const AgentLibrary library = loadAgentLibrary(problem);
   if (!problem.empty())
     return problem;
@@ -48,6 +52,8 @@ static std::string startAgent(LayerTable &table) {
            "; check that layer and agent library are of one build";
   table.application = table.agent;
   standAbove(table.application);
+  if (tuning)
+    watchCommands(table.application);
   return problem;
 }
 

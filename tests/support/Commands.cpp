@@ -150,6 +150,14 @@ std::size_t Commands::fireHeld() {
   return due.size();
 }
 
+std::vector<std::shared_ptr<Event>> Commands::unfinished() const {
+  Lock guard(lock);
+  std::vector<std::shared_ptr<Event>> events;
+  for (const Command &command : queued)
+    events.push_back(command.event);
+  return events;
+}
+
 std::vector<std::string> Commands::waiting() const {
   Lock guard(lock);
   std::vector<std::string> calls;

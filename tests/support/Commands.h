@@ -63,6 +63,9 @@ public:
   /// Calls the callbacks held, on this thread, and returns how many they were.
   std::size_t fireHeld();
 
+  /// The events of all commands that have not run yet.
+  std::vector<std::shared_ptr<Event>> unfinished() const;
+
   /// The calls whose commands have not run yet.
   std::vector<std::string> waiting() const;
 

@@ -73,6 +73,24 @@ std::string test::kernelInfoName(cl_kernel_info name) {
   }
 }
 
+std::string test::queueInfoName(cl_command_queue_info name) {
+  switch (name) {
+    NAME(CL_QUEUE_PROPERTIES)
+    NAME(CL_QUEUE_REFERENCE_COUNT)
+  default:
+    return std::to_string(name);
+  }
+}
+
+std::string test::eventInfoName(cl_event_info name) {
+  switch (name) {
+    NAME(CL_EVENT_COMMAND_EXECUTION_STATUS)
+    NAME(CL_EVENT_REFERENCE_COUNT)
+  default:
+    return std::to_string(name);
+  }
+}
+
 std::string test::argumentInfoName(cl_kernel_arg_info name) {
   switch (name) {
     NAME(CL_KERNEL_ARG_ADDRESS_QUALIFIER)

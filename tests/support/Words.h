@@ -28,6 +28,8 @@ std::string joined(const std::vector<std::string> &words);
 /// "CL_PROGRAM_DEVICES" and the like; the number for a rare parameter.
 std::string programInfoName(cl_program_info name);
 std::string kernelInfoName(cl_kernel_info name);
+std::string queueInfoName(cl_command_queue_info name);
+std::string eventInfoName(cl_event_info name);
 std::string argumentInfoName(cl_kernel_arg_info name);
 std::string profilingInfoName(cl_profiling_info name);
 

@@ -19,6 +19,28 @@ cl_int CL_API_CALL fake::clReleaseEvent(cl_event event) {
       .release("clReleaseEvent", event, CL_INVALID_EVENT);
 }
 
+cl_int CL_API_CALL fake::clGetEventInfo(cl_event handle, cl_event_info what,
+                                        size_t room, void *value,
+                                        size_t *size) {
+  World &world = World::current("clGetEventInfo");
+  if (const auto failure = world.begin(
+          "clGetEventInfo", {world.say(handle), eventInfoName(what),
+                             std::to_string(room), place(value), place(size)}))
+    return *failure;
+  Lock guard(world.lock);
+  const auto event = world.objects.find(handle);
+  if (!event)
+    return CL_INVALID_EVENT;
+  switch (what) {
+  case CL_EVENT_COMMAND_EXECUTION_STATUS:
+    return answerValue(Wanted{room, value, size}, event->status);
+  case CL_EVENT_REFERENCE_COUNT:
+    return answerValue(Wanted{room, value, size}, event->references);
+  default:
+    return CL_INVALID_VALUE;
+  }
+}
+
 cl_int CL_API_CALL fake::clSetEventCallback(
     cl_event handle, cl_int type,
     void(CL_CALLBACK *callback)(cl_event, cl_int, void *), void *userData) {

@@ -98,3 +98,17 @@ cl_int CL_API_CALL fake::clEnqueueNDRangeKernel(
                   sizes(shown, local)},
                  {queue, waitCount, waitList, event}, plan);
 }
+
+// Without a wait list it waits for everything, whichever queue it is in.
+cl_int CL_API_CALL fake::clEnqueueMarkerWithWaitList(cl_command_queue queue,
+                                                     cl_uint waitCount,
+                                                     const cl_event *waitList,
+                                                     cl_event *event) {
+  World &world = World::current("clEnqueueMarkerWithWaitList");
+  return enqueue(world, "clEnqueueMarkerWithWaitList", {world.say(queue)},
+                 {queue, waitCount, waitList, event}, [&](Command &command) {
+                   if (waitCount == 0)
+                     command.waitList = world.commands.unfinished();
+                   return CL_SUCCESS;
+                 });
+}
