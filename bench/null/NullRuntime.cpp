@@ -3,6 +3,7 @@
 #include "bench/null/NullRuntime.h"
 
 #include "agent/entry/Exports.h"
+#include "tests/host/AgentHost.h"
 
 #include <cstring>
 
@@ -19,29 +20,16 @@ static DispatchTable makeTable() {
 }
 
 const DispatchTable null::theTable = makeTable();
-static DispatchTable hookedTable = null::theTable;
+static test::AgentHost host{null::theTable};
 
-const DispatchTable &bench::hooked() { return hookedTable; }
-
-static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
-                                   std::size_t size) {
-  std::memcpy(table, &null::theTable, size);
-  return CL_SUCCESS;
-}
-
-static cl_int CL_API_CALL setTable(AgentOperations *, void *table,
-                                   std::size_t size) {
-  std::memcpy(&hookedTable, table, size);
-  return CL_SUCCESS;
-}
+const DispatchTable &bench::hooked() { return host.table(); }
 
 LoadedAgent::LoadedAgent() {
-  operations.getICDDispatchTable = getTable;
-  operations.setICDDispatchTable = setTable;
-  clAgent_OnLoad(&operations);
+  host.table() = null::theTable;
+  clAgent_OnLoad(host.operations());
 }
 
-LoadedAgent::~LoadedAgent() { clAgent_OnUnload(&operations); }
+LoadedAgent::~LoadedAgent() { clAgent_OnUnload(host.operations()); }
 
 cl_int null::answer(const void *data, std::size_t size, std::size_t capacity,
                     void *value, std::size_t *sizeRet) {

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "agent/AgentInterface.h"
 #include "agent/DispatchTable.h"
 
 namespace corvane::bench {
@@ -29,9 +28,6 @@ public:
   ~LoadedAgent();
   LoadedAgent(const LoadedAgent &) = delete;
   LoadedAgent &operator=(const LoadedAgent &) = delete;
-
-private:
-  AgentOperations operations{};
 };
 
 /// The kernel that this thread has launched last.

@@ -4,7 +4,7 @@
 // library as usual, and rows stand in the log as if an application had run.
 
 #include "Rows.h"
-#include "agent/AgentInterface.h"
+#include "tests/host/AgentHost.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,28 +17,20 @@
 
 using namespace corvane;
 
-static cl_int giveEmptyTable(AgentOperations *, void *table, size_t size) {
-  std::memset(table, 0, size);
-  return CL_SUCCESS;
-}
-static cl_int takeTable(AgentOperations *, void *, size_t) {
-  return CL_SUCCESS;
-}
-
 static bool writeReport(void *library, const std::string &folder,
                         void (*writeRows)(std::ostream &)) {
   const auto load = reinterpret_cast<cl_int (*)(AgentOperations *)>(
       dlsym(library, "clAgent_OnLoad"));
   const auto unload = reinterpret_cast<void (*)(AgentOperations *)>(
       dlsym(library, "clAgent_OnUnload"));
-  AgentOperations agent{{}, giveEmptyTable, takeTable};
-  if (!load || !unload || load(&agent) != CL_SUCCESS)
+  test::AgentHost host;
+  if (!load || !unload || load(host.operations()) != CL_SUCCESS)
     return false;
 
   std::ofstream log(folder + "/.auto.csv", std::ios::app | std::ios::binary);
   writeRows(log);
   log.close();
-  unload(&agent);
+  unload(host.operations());
   return !log.fail() && std::filesystem::exists(folder + "/main.html");
 }
 

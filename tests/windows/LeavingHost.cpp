@@ -6,8 +6,7 @@
 //   locked  ends the process while other threads hold, for ever, the agent lock
 //           (in a build) and the C runtime's locks of the standard streams
 
-#include "agent/AgentInterface.h"
-#include "agent/DispatchTable.h"
+#include "tests/host/AgentHost.h"
 #include "tests/windows/Library.h"
 
 #include <atomic>
@@ -23,20 +22,8 @@
 using namespace corvane;
 using namespace corvane::test;
 
-static DispatchTable current;
+static AgentHost host;
 static std::atomic<unsigned> threadsAtWork{0};
-
-static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
-                                   std::size_t size) {
-  std::memcpy(table, &current, size);
-  return CL_SUCCESS;
-}
-
-static cl_int CL_API_CALL setTable(AgentOperations *, void *table,
-                                   std::size_t size) {
-  std::memcpy(&current, table, size);
-  return CL_SUCCESS;
-}
 
 // The agent holds its lock over this call.
 static cl_int CL_API_CALL buildForEver(cl_program, cl_uint,
@@ -61,7 +48,7 @@ static void holdStreams() {
 
 static void startThreads() {
   std::thread([] {
-    current.clBuildProgram(nullptr, 0, nullptr, nullptr, nullptr, nullptr);
+    host.table().clBuildProgram(nullptr, 0, nullptr, nullptr, nullptr, nullptr);
   }).detach();
   std::thread(holdStreams).detach();
   while (threadsAtWork != 2)
@@ -83,12 +70,11 @@ int main(int count, char **arguments) {
     return 2;
   }
 
-  current.clBuildProgram = buildForEver;
-  current.clReleaseProgram = failToRelease;
-  AgentOperations agent{{}, getTable, setTable};
+  host.table().clBuildProgram = buildForEver;
+  host.table().clReleaseProgram = failToRelease;
   void *library = loadOrEnd("CorvaneAg.dll");
   if (findFunction<cl_int (*)(AgentOperations *)>(library, "clAgent_OnLoad")(
-          &agent) != CL_SUCCESS)
+          host.operations()) != CL_SUCCESS)
     return 3;
   writeRows(directory);
   if (mode == "locked") {

@@ -1,8 +1,7 @@
 // A loader's layer that starts the agent as a runtime with an agent interface
 // would, and makes nothing good: what programs meet is the bare agent.
 
-#include "agent/AgentInterface.h"
-#include "agent/DispatchTable.h"
+#include "tests/host/AgentHost.h"
 
 #include <CL/cl_layer.h>
 
@@ -14,22 +13,16 @@ using namespace corvane;
 
 static cl_icd_dispatch table;
 
-static cl_int CL_API_CALL getTable(AgentOperations *, void *to, size_t size) {
-  std::memcpy(to, &table, size);
-  return CL_SUCCESS;
-}
-
-static cl_int CL_API_CALL setTable(AgentOperations *, void *from, size_t size) {
-  std::memcpy(&table, from, size);
-  return CL_SUCCESS;
-}
-
-static bool startAgent() {
-  static AgentOperations operations{{}, getTable, setTable};
+static bool startAgent(const cl_icd_dispatch &loaders) {
+  static test::AgentHost host;
+  std::memcpy(&host.table(), &loaders, sizeof(DispatchTable));
   void *library = dlopen(AGENT_FILE, RTLD_NOW);
   void *onLoad = library ? dlsym(library, "clAgent_OnLoad") : nullptr;
-  return onLoad && reinterpret_cast<cl_int(CL_API_CALL *)(AgentOperations *)>(
-                       onLoad)(&operations) == CL_SUCCESS;
+  if (!onLoad || reinterpret_cast<cl_int(CL_API_CALL *)(AgentOperations *)>(
+                     onLoad)(host.operations()) != CL_SUCCESS)
+    return false;
+  std::memcpy(&table, &host.table(), sizeof(DispatchTable));
+  return true;
 }
 
 // The loader asks for nothing else.
@@ -51,8 +44,7 @@ extern "C" cl_int CL_API_CALL clInitLayer(cl_uint count,
                                           const cl_icd_dispatch **tableRet) {
   if (count < sizeof(DispatchTable) / sizeof(void *))
     return CL_INVALID_VALUE;
-  std::memcpy(&table, loaders, sizeof(DispatchTable));
-  if (!startAgent())
+  if (!startAgent(*loaders))
     return CL_INVALID_OPERATION;
   *countRet = sizeof(DispatchTable) / sizeof(void *);
   *tableRet = &table;
