@@ -93,9 +93,14 @@ function(corvane_count_lines target)
 endfunction()
 
 # A folder of ours: a static library that names the folders it may use. A call
-# against an arrow has nothing to link with.
+# against an arrow has nothing to link with. A PURE one knows nothing of OpenCL.
 function(corvane_folder name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;USES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "PURE" "" "SOURCES;USES")
+  if(NOT arg_SOURCES)
+    add_library(corvane_${name} INTERFACE)
+    target_link_libraries(corvane_${name} INTERFACE corvane_options)
+    return()
+  endif()
   add_library(corvane_${name} STATIC ${arg_SOURCES})
   target_link_libraries(corvane_${name} PUBLIC corvane_options corvane_llvm)
   corvane_no_constructors(corvane_${name})
@@ -104,6 +109,7 @@ function(corvane_folder name)
   foreach(used IN LISTS arg_USES)
     target_link_libraries(corvane_${name} PUBLIC corvane_${used})
   endforeach()
+  set_target_properties(corvane_${name} PROPERTIES CORVANE_PURE "${arg_PURE}")
 endfunction()
 
 # Only the symbols in the list beside the sources leave the library. Everything
