@@ -3,6 +3,7 @@
 #include "agent/DebugLog.h"
 
 #include "agent/platform/Platform.h"
+#include "base/ForkedChild.h"
 
 #include <fstream>
 #include <iostream>
@@ -57,6 +58,8 @@ class LogAtExit {
 public:
   LogAtExit() : stream(*new (storage) debug::string_ostream) {}
   ~LogAtExit() {
+    if (corvane::inForkedChild())
+      return;
     try {
       stream.dump();
     } catch (const std::bad_alloc &) {

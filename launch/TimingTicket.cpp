@@ -4,6 +4,7 @@
 
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"
+#include "base/ForkedChild.h"
 #include "results/RawTimingLog.h"
 
 #include <new>
@@ -42,6 +43,8 @@ static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
 // runtime, and this is a thread of the runtime's. The status is not looked at,
 // because a run that failed took its time as well.
 static void CL_CALLBACK runCompleted(cl_event event, cl_int, void *userData) {
+  if (inForkedChild())
+    return;
   const std::unique_ptr<TimingTicket> ticket(
       static_cast<TimingTicket *>(userData));
   try {

@@ -3,6 +3,7 @@
 #include "programs/BufferRecord.h"
 
 #include "agent/AgentState.h"
+#include "base/ForkedChild.h"
 
 using namespace corvane;
 
@@ -10,6 +11,8 @@ using namespace corvane;
 // the agent lock in its hands. The pin keeps the state, the leaf lock the
 // table.
 void CL_CALLBACK corvane::bufferReleased(cl_mem memObject, void *) {
+  if (inForkedChild())
+    return;
   StatePin pin;
   AgentState *state = agentState();
   if (!state)

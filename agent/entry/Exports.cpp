@@ -10,11 +10,16 @@
 #include "agent/entry/OutputLocation.h"
 #include "agent/entry/ProcessDetach.h"
 #include "agent/entry/Records.h"
+#include "base/ForkedChild.h"
 #include "results/Flush.h"
 
 using namespace corvane;
 
 cl_int clAgent_OnLoad(AgentOperations *agent) {
+  if (inForkedChild())
+    return CL_SUCCESS;
+  watchForks();
+
   AgentGuard guard;
   debugLog() << "Frontend loaded\n";
   setHooksInstalled(false);
@@ -32,6 +37,8 @@ cl_int clAgent_OnLoad(AgentOperations *agent) {
 }
 
 void clAgent_OnUnload(AgentOperations *) {
+  if (inForkedChild())
+    return;
   AgentGuard guard;
   flushAutotuneResults();
 }

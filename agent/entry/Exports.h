@@ -7,7 +7,8 @@
 extern "C" {
 
 /// Takes the runtime's dispatch table from \p agent and puts our hooks into it.
-/// Returns the status of the runtime's table operations, 0 on success.
+/// Returns the status of the runtime's table operations, 0 on success. In a
+/// forked child, where the hooks pass every call through, it does nothing.
 [[gnu::visibility("default")]] cl_int
 clAgent_OnLoad(corvane::AgentOperations *agent);
 

@@ -3,6 +3,7 @@
 #include "agent/entry/HookTable.h"
 
 #include "agent/RuntimeTable.h"
+#include "base/ForkedChild.h"
 #include "launch/Hooks.h"
 #include "programs/Hooks.h"
 
@@ -12,23 +13,46 @@ using namespace corvane;
 // load leaves every entry alone that is right already.
 static DispatchTable installedTable;
 
-// Calls visit(entry, hook) for each of the thirteen.
+namespace {
+/// The function that the table gets for a hook: in a forked child the runtime
+/// is called without it.
+template <auto entry, auto hook> struct ParentOnly;
+
+template <auto entry, typename Result, typename... Arguments,
+          Result(CL_API_CALL *hook)(Arguments...)>
+struct ParentOnly<entry, hook> {
+  static Result CL_API_CALL call(Arguments... arguments) {
+    if (inForkedChild())
+      return (runtime().*entry)(arguments...);
+    return hook(arguments...);
+  }
+};
+} // namespace
+
+template <auto entry, auto hook, typename Visitor>
+static void visitHook(Visitor visit) {
+  visit(entry, ParentOnly<entry, hook>::call);
+}
+
+// Calls visit(entry, function) for each of the thirteen.
 template <typename Visitor> static void forEachHook(Visitor visit) {
-  visit(&DispatchTable::clBuildProgram, hooks::clBuildProgram);
-  visit(&DispatchTable::clReleaseProgram, hooks::clReleaseProgram);
-  visit(&DispatchTable::clCreateKernel, hooks::clCreateKernel);
-  visit(&DispatchTable::clCreateKernelsInProgram,
-        hooks::clCreateKernelsInProgram);
-  visit(&DispatchTable::clReleaseKernel, hooks::clReleaseKernel);
-  visit(&DispatchTable::clSetKernelArg, hooks::clSetKernelArg);
-  visit(&DispatchTable::clEnqueueNDRangeKernel, hooks::clEnqueueNDRangeKernel);
-  visit(&DispatchTable::clCreateCommandQueue, hooks::clCreateCommandQueue);
-  visit(&DispatchTable::clCreateBuffer, hooks::clCreateBuffer);
-  visit(&DispatchTable::clReleaseContext, hooks::clReleaseContext);
-  visit(&DispatchTable::clCreateProgramWithSource,
-        hooks::clCreateProgramWithSource);
-  visit(&DispatchTable::clLinkProgram, hooks::clLinkProgram);
-  visit(&DispatchTable::clGetProgramInfo, hooks::clGetProgramInfo);
+  visitHook<&DispatchTable::clBuildProgram, hooks::clBuildProgram>(visit);
+  visitHook<&DispatchTable::clReleaseProgram, hooks::clReleaseProgram>(visit);
+  visitHook<&DispatchTable::clCreateKernel, hooks::clCreateKernel>(visit);
+  visitHook<&DispatchTable::clCreateKernelsInProgram,
+            hooks::clCreateKernelsInProgram>(visit);
+  visitHook<&DispatchTable::clReleaseKernel, hooks::clReleaseKernel>(visit);
+  visitHook<&DispatchTable::clSetKernelArg, hooks::clSetKernelArg>(visit);
+  visitHook<&DispatchTable::clEnqueueNDRangeKernel,
+            hooks::clEnqueueNDRangeKernel>(visit);
+  visitHook<&DispatchTable::clCreateCommandQueue, hooks::clCreateCommandQueue>(
+      visit);
+  visitHook<&DispatchTable::clCreateBuffer, hooks::clCreateBuffer>(visit);
+  visitHook<&DispatchTable::clReleaseContext, hooks::clReleaseContext>(visit);
+  visitHook<&DispatchTable::clCreateProgramWithSource,
+            hooks::clCreateProgramWithSource>(visit);
+  visitHook<&DispatchTable::clLinkProgram, hooks::clLinkProgram>(visit);
+  visitHook<&DispatchTable::clGetProgramInfo, hooks::clGetProgramInfo>(visit);
 }
 
 // A runtime that is loaded for the second time gives back our own hooks; what

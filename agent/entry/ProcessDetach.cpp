@@ -2,11 +2,14 @@
 
 #include "agent/entry/ProcessDetach.h"
 
+#include "base/ForkedChild.h"
 #include "results/Flush.h"
 
 #include <new>
 
 void corvane::flushAtDetach() {
+  if (inForkedChild())
+    return;
   try {
     flushAutotuneResults();
   } catch (const std::bad_alloc &) {
