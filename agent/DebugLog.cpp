@@ -2,53 +2,87 @@
 
 #include "agent/DebugLog.h"
 
+#include "agent/RefusedFiles.h"
 #include "agent/platform/Platform.h"
 #include "base/ForkedChild.h"
 
-#include <fstream>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <ios>
 #include <iostream>
 #include <new>
-#include <thread>
 #include <utility>
 
 using namespace corvane;
 
+/// Followed in memory by its text.
+struct debug::string_ostream::Piece {
+  Piece *earlier;
+  std::size_t size;
+
+  char *text() { return reinterpret_cast<char *>(this + 1); }
+};
+
+// Without memory the text is lost: a launch is worth more than its trace.
 void debug::string_ostream::write_impl(const char *data, std::size_t size) {
-  const std::lock_guard<std::mutex> guard(lock);
-  try {
-    text.append(data, size);
-  } catch (const std::bad_alloc &) {
-    // A launch is worth more than what there is to say about it.
+  void *memory = std::malloc(sizeof(Piece) + size);
+  if (!memory)
+    return;
+  auto *piece = new (memory) Piece{latest.load(), size};
+  std::memcpy(piece->text(), data, size);
+  while (!latest.compare_exchange_weak(piece->earlier, piece)) {
   }
 }
 
-// Whoever holds the lock is only adding text, unless the end of the process has
-// stopped it in the middle; so this waits a moment and then goes on.
+// All that was written so far, in the order in which it was.
 std::string debug::string_ostream::takeText() {
-  std::unique_lock<std::mutex> guard(lock, std::try_to_lock);
-  for (int tries = 0; !guard.owns_lock() && tries < 1000; ++tries) {
-    std::this_thread::yield();
-    (void)guard.try_lock();
+  Piece *list = latest.exchange(nullptr);
+  std::size_t size = 0;
+  for (const Piece *piece = list; piece; piece = piece->earlier)
+    size += piece->size;
+  std::string all(size, '\0');
+  while (list) {
+    size -= list->size;
+    std::memcpy(all.data() + size, list->text(), list->size);
+    std::free(std::exchange(list, list->earlier));
   }
-  return std::move(text);
+  return all;
 }
 
-static std::ofstream openDumpLog() {
-  const EnvironmentLook look;
-  const char *path = dumpLogPath();
-  if (!path)
-    return {};
-  return std::ofstream(path, std::ios::out | std::ios::app | std::ios::binary);
+static platform::FileHandle openDumpLog() {
+  std::string path;
+  if (const EnvironmentLook look; look && dumpLogPath())
+    path = dumpLogPath();
+  if (path.empty())
+    return nullptr;
+  platform::OpenedFile opened =
+      platform::openRegularFile(path, platform::FileUse::AddOnly);
+  if (opened.refused)
+    reportRefusedFile(path);
+  return std::move(opened.file);
+}
+
+// The C++ library's own stream it has to be. The application may have asked it
+// to throw, and may have left it in any state.
+static void tellLength(std::size_t length) {
+  platform::makeErrorStreamBinary();
+  platform::useStandardError([length] {
+    try {
+      std::cerr << std::to_string(length) + "\n";
+    } catch (const std::ios_base::failure &) {
+      // The length is lost, and the way out goes on.
+    }
+  });
 }
 
 void debug::string_ostream::dump() {
-  std::ofstream file = openDumpLog();
-  if (!file.is_open())
+  const platform::FileHandle file = openDumpLog();
+  if (!file)
     return;
   const std::string log = takeText();
-  platform::makeErrorStreamBinary();
-  std::cerr << std::to_string(log.size()) + "\n";
-  file.write(log.data(), static_cast<std::streamsize>(log.size()));
+  tellLength(log.size());
+  (void)platform::writeBytes(file.get(), log.data(), log.size());
 }
 
 namespace {
@@ -82,30 +116,31 @@ debug::string_ostream &detail::keptLog() {
   return log.stream;
 }
 
-static llvm::raw_fd_ostream &unbufferedStream() {
-  alignas(llvm::raw_fd_ostream) static unsigned char
-      storage[sizeof(llvm::raw_fd_ostream)];
-  static llvm::raw_fd_ostream &stream = *new (storage) llvm::raw_fd_ostream(
-      2, /*shouldClose=*/false, /*unbuffered=*/true);
+namespace {
+/// A stream over the platform's writing.
+class ErrorStream : public llvm::raw_ostream {
+public:
+  ErrorStream() : llvm::raw_ostream(/*unbuffered=*/true) {}
+
+private:
+  // Binary each time, for the application may have gone back to text meanwhile.
+  void write_impl(const char *bytes, std::size_t count) override {
+    platform::makeErrorStreamBinary();
+    platform::writeStandardError({bytes, count});
+  }
+  std::uint64_t current_pos() const override { return 0; }
+};
+} // namespace
+
+llvm::raw_ostream &corvane::errorStream() {
+  alignas(ErrorStream) static unsigned char storage[sizeof(ErrorStream)];
+  static ErrorStream &stream = *new (storage) ErrorStream;
   return stream;
 }
 
-void corvane::prepareErrorStream() { unbufferedStream(); }
+void corvane::prepareErrorStream() { errorStream(); }
 
-// Each time, for the application may have gone back to text meanwhile.
-llvm::raw_fd_ostream &corvane::errorStream() {
-  platform::makeErrorStreamBinary();
-  return unbufferedStream();
-}
-
-void corvane::writeError(llvm::StringRef line) {
-  errorStream();
-  // One of its own for each line: LLVM's streams keep their errors in fields
-  // that two threads must not share.
-  llvm::raw_fd_ostream stream(2, /*shouldClose=*/false, /*unbuffered=*/true);
-  stream << line;
-  stream.clear_error();
-}
+void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
 
 llvm::raw_ostream *corvane::lookUpDebugLog() {
   const EnvironmentLook look;

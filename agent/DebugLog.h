@@ -7,7 +7,7 @@
 #include "llvm/ADT/StringRef.h"
 #include "llvm/Support/raw_ostream.h"
 
-#include <mutex>
+#include <atomic>
 #include <string>
 
 namespace debug {
@@ -18,22 +18,27 @@ struct OwnedText {
   std::string text;
 };
 
-/// A text stream that owns its text.
+/// A text stream that owns its text. Any thread may write at any time, also
+/// while another one ends the process: without a lock, so that no thread that
+/// was stopped in the middle can keep the end waiting.
 class string_ostream : private OwnedText, public llvm::raw_string_ostream {
 public:
   string_ostream() : llvm::raw_string_ostream(OwnedText::text) {}
 
   /// Appends the text to the file that CORVANE_DUMP_LOG names, if it names one
   /// that can be opened, tells its length on the standard error stream, and
-  /// forgets the text.
+  /// forgets the text. On one thread at a time.
   void dump();
 
 private:
-  // Text may come from one thread while another one ends the process.
+  struct Piece;
+
   void write_impl(const char *data, std::size_t size) override;
   std::string takeText();
 
-  std::mutex lock;
+  /// What was written and not taken yet, the latest piece first. A piece is
+  /// complete, and never changes again, before it is in the list.
+  std::atomic<Piece *> latest{nullptr};
 };
 
 } // namespace debug
@@ -44,24 +49,27 @@ namespace detail {
 debug::string_ostream &keptLog();
 } // namespace detail
 
-/// The process's standard error, unbuffered; bytes are written as they are.
+/// The process's standard error, unbuffered: each text that is written is one
+/// write of bytes as they are, and is lost if it would go astray or wait for
+/// ever (see platform::useStandardError). Any thread.
 ///
-/// A stream of our own and not LLVM's errs(), which dies while the process
-/// ends: the application may still call a hook then.
-llvm::raw_fd_ostream &errorStream();
+/// A stream of our own and not LLVM's errs(), which waits for a full pipe for
+/// ever and dies while the process ends: the application may still call a hook
+/// then.
+llvm::raw_ostream &errorStream();
 
 /// Makes that stream but leaves the descriptor as it is. Once this has been
 /// called, no use of the stream waits for another thread's.
 void prepareErrorStream();
 
 /// Writes \p line on the error stream in one piece, so that the lines of two
-/// threads never mix. A failure is forgotten: LLVM would end the process at
-/// exit for an error that nobody looked at.
+/// threads never mix.
 void writeError(llvm::StringRef line);
 
 /// The diagnostic log if CORVANE_DUMP_LOG is defined now, else null. Looks the
 /// variable up, so ask once and keep the answer over one launch. Any thread and
-/// best without the agent lock; hold that while writing.
+/// best without the agent lock; hold that while writing a line in several
+/// pieces.
 llvm::raw_ostream *lookUpDebugLog();
 
 /// The same, with a stream that drops what it gets in place of null.

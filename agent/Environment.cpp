@@ -7,14 +7,17 @@
 
 #include <atomic>
 #include <cstring>
-#include <thread>
 
 using namespace corvane;
+
+std::atomic<bool> detail::variablesCount{true};
 
 // A leaf lock: held while variables are moved, and by those who look meanwhile.
 static std::mutex movingLock;
 /// How many builds and links hide CORVANE_AUTOTUNE at the moment.
 static unsigned hidingCalls = 0;
+/// Whether this thread holds movingLock.
+static thread_local bool holdsMovingLock = false;
 /// Whether the value of CORVANE_AUTOTUNE is where we have parked it.
 static std::atomic<bool> isParked{false};
 
@@ -24,8 +27,14 @@ const char *corvane::installLocation() {
   return lookUp(variable::installLocation);
 }
 
+void corvane::readPrivileges() {
+  detail::variablesCount = !platform::hasForeignRights();
+}
+
 bool corvane::flushOnReleaseContext() {
   const EnvironmentLook look;
+  if (!look)
+    return false;
   const char *value = lookUp(variable::flushOnReleaseContext);
   return value && *value != '\0';
 }
@@ -61,27 +70,35 @@ static bool moveVariable(const char *from, const char *to) {
 }
 
 void corvane::hideAutotune() {
-  const std::lock_guard<std::mutex> guard(movingLock);
+  const EnvironmentLook look;
+  if (!look)
+    return;
   ++hidingCalls;
   if (moveVariable(variable::autotune, variable::autotuneShadow))
     isParked = true;
 }
 
 void corvane::restoreAutotune() {
-  const std::lock_guard<std::mutex> guard(movingLock);
-  if (hidingCalls != 0 && --hidingCalls != 0)
+  const EnvironmentLook look;
+  if (!look || (hidingCalls != 0 && --hidingCalls != 0))
     return;
   if (moveVariable(variable::autotuneShadow, variable::autotune))
     isParked = false;
 }
 
-// Whoever holds the lock is only moving a variable, unless the end of the
-// process has stopped it in the middle.
-EnvironmentLook::EnvironmentLook() : guard(movingLock, std::try_to_lock) {
-  for (int tries = 0; !guard.owns_lock() && tries < 1000; ++tries) {
-    std::this_thread::yield();
+EnvironmentLook::EnvironmentLook() : guard(movingLock, std::defer_lock) {
+  if (holdsMovingLock)
+    return;
+  if (platform::otherThreadsAreGone())
     (void)guard.try_lock();
-  }
+  else
+    guard.lock();
+  holdsMovingLock = guard.owns_lock();
+}
+
+EnvironmentLook::~EnvironmentLook() {
+  if (guard.owns_lock())
+    holdsMovingLock = false;
 }
 
 const char *corvane::resultsDir() {

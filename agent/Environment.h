@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <atomic>
 #include <cstdlib>
 #include <mutex>
 
@@ -20,9 +21,20 @@ inline constexpr const char *bypassVectorizationSafetyCheck =
     "AGENT_BYPASS_VECTORIZATION_SAFETY_CHECK";
 } // namespace variable
 
-/// The value of a variable; null when it is not defined. The text belongs to
-/// the environment and lasts until the variable changes.
-inline const char *lookUp(const char *name) { return std::getenv(name); }
+namespace detail {
+extern std::atomic<bool> variablesCount;
+} // namespace detail
+
+/// Decides, at load, whether variables count: not in a process that has more
+/// rights than the user who started it, for that user wrote the environment.
+void readPrivileges();
+
+/// The value of a variable; null when it is not defined or does not count. The
+/// text belongs to the environment and lasts until the variable changes.
+inline const char *lookUp(const char *name) {
+  const bool counts = detail::variablesCount.load(std::memory_order_relaxed);
+  return counts ? std::getenv(name) : nullptr;
+}
 
 const char *autotuneDir();     ///< where autotuning results go
 const char *installLocation(); ///< where the report finds its scripts
@@ -49,11 +61,17 @@ void hideAutotune();
 void restoreAutotune();
 
 /// Keeps the agent from moving variables on another thread: for whoever looks
-/// without the agent lock, as long as the value is used. Waits for a moment at
-/// most, for the process may be ending.
+/// without the agent lock, as long as the value is used.
+///
+/// Waits while another thread moves a variable, but never for a thread that is
+/// gone or for itself, as when a signal has ended the process in the middle of
+/// such a move. Then it is false, and the environment must not be looked at.
 class EnvironmentLook {
 public:
   EnvironmentLook();
+  ~EnvironmentLook();
+  explicit operator bool() const { return guard.owns_lock(); }
+
   EnvironmentLook(const EnvironmentLook &) = delete;
   EnvironmentLook &operator=(const EnvironmentLook &) = delete;
 

@@ -75,7 +75,7 @@ static void runJob(ReportJob &job, ClosedHistory &history) {
 // variables.
 static std::optional<std::string> givenInstallLocation() {
   const EnvironmentLook look;
-  const char *location = installLocation();
+  const char *location = look ? installLocation() : nullptr;
   if (!location)
     return std::nullopt;
   return normalizedLocation(location);

@@ -20,7 +20,7 @@ std::string corvane::currentFolder() {
 std::optional<std::string>
 corvane::outputDirectory(const std::string &loadFolder) {
   const EnvironmentLook look;
-  const char *value = resultsDir();
+  const char *value = look ? resultsDir() : nullptr;
   if (!value)
     return std::nullopt;
   // An empty value names the root.

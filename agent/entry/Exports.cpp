@@ -10,6 +10,7 @@
 #include "agent/entry/OutputLocation.h"
 #include "agent/entry/ProcessDetach.h"
 #include "agent/entry/Records.h"
+#include "agent/platform/Platform.h"
 #include "base/ForkedChild.h"
 #include "results/Flush.h"
 
@@ -19,9 +20,11 @@ cl_int clAgent_OnLoad(AgentOperations *agent) {
   if (inForkedChild())
     return CL_SUCCESS;
   watchForks();
+  readPrivileges();
+  platform::rememberStandardError();
+  debugLog() << "Frontend loaded\n";
 
   AgentGuard guard;
-  debugLog() << "Frontend loaded\n";
   setHooksInstalled(false);
   prepareOutput();
   createAgentState();

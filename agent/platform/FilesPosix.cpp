@@ -48,6 +48,8 @@ static int flagsFor(FileUse use) {
     return O_WRONLY | O_CREAT;
   case FileUse::Append:
     return O_RDWR | O_CREAT | O_APPEND;
+  case FileUse::AddOnly:
+    return O_WRONLY | O_CREAT | O_APPEND;
   }
   return O_RDONLY;
 }
@@ -60,6 +62,8 @@ static const char *modeFor(FileUse use) {
     return "wb";
   case FileUse::Append:
     return "ab+";
+  case FileUse::AddOnly:
+    return "ab";
   }
   return "rb";
 }

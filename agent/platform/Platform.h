@@ -2,6 +2,9 @@
 
 #pragma once
 
+#include "llvm/ADT/STLExtras.h"
+#include "llvm/ADT/StringRef.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <memory>
@@ -13,6 +16,14 @@ namespace corvane::platform {
 /// removes the variable where the system does not tell the two apart.
 void defineVariable(const char *name, const char *value);
 void removeVariable(const char *name);
+
+/// Whether the process has rights that the user who started it has not, as a
+/// set-user-id program has.
+bool hasForeignRights();
+
+/// Whether the process is ending and its other threads were stopped wherever
+/// they were: a lock that one of them held stays locked.
+bool otherThreadsAreGone();
 
 /// Creates one directory level. Returns true also if it existed already.
 bool createDirectory(const char *path);
@@ -33,7 +44,8 @@ using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 enum class FileUse {
   Read,
   Replace, ///< empty what is there, or create it
-  Append   ///< add at the end and read, or create it
+  Append,  ///< add at the end and read, or create it
+  AddOnly  ///< add at the end, or create it; needs no right to read
 };
 
 struct OpenedFile {
@@ -65,5 +77,23 @@ bool isOccupied(const void *address);
 
 /// Makes the standard error stream write bytes as they are.
 void makeErrorStreamBinary();
+
+/// Remembers what standard error is now, for the functions below.
+void rememberStandardError();
+
+/// Calls \p write, unless a byte written on standard error would go astray or
+/// might wait for ever:
+///  - the host has closed the stream that was remembered and uses its number
+///    for something else (a host that keeps the stream under another number has
+///    only redirected it, and gets what is written);
+///  - nobody reads the pipe, terminal or socket, and it has been full for two
+///    seconds. From then on nothing waits until it takes bytes again. One that
+///    is set not to block is never waited for.
+/// No signal comes of what \p write does. Any thread.
+void useStandardError(llvm::function_ref<void()> write);
+
+/// Writes \p bytes on standard error in one piece, if useStandardError lets it.
+/// What the system does not take is lost.
+void writeStandardError(llvm::StringRef bytes);
 
 } // namespace corvane::platform

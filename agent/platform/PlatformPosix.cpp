@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <sys/auxv.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,6 +20,11 @@ void platform::defineVariable(const char *name, const char *value) {
 }
 
 void platform::removeVariable(const char *name) { unsetenv(name); }
+
+bool platform::hasForeignRights() { return getauxval(AT_SECURE) != 0; }
+
+// They go on while destructors run. In a forked child nobody asks.
+bool platform::otherThreadsAreGone() { return false; }
 
 bool platform::createDirectory(const char *path) {
   return mkdir(path, 0777) == 0 || errno == EEXIST;

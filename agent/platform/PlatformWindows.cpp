@@ -24,6 +24,18 @@ void platform::defineVariable(const char *name, const char *value) {
 // Here an empty assignment is how a variable is removed.
 void platform::removeVariable(const char *name) { defineVariable(name, ""); }
 
+// Windows starts a program with other rights only by way of a service, which
+// gives it an environment of its own.
+bool platform::hasForeignRights() { return false; }
+
+bool platform::otherThreadsAreGone() {
+  using IsEnding = BOOLEAN(NTAPI *)();
+  static const auto isEnding =
+      reinterpret_cast<IsEnding>(reinterpret_cast<void *>(GetProcAddress(
+          GetModuleHandleA("ntdll.dll"), "RtlDllShutdownInProgress")));
+  return isEnding && isEnding() != FALSE;
+}
+
 bool platform::createDirectory(const char *path) {
   return _mkdir(path) == 0 || errno == EEXIST;
 }

@@ -98,13 +98,15 @@ static std::string nameOf(const testing::TestParamInfo<FileUse> &use) {
     return "Replacing";
   case FileUse::Append:
     return "Appending";
+  case FileUse::AddOnly:
+    return "Adding";
   }
   return "";
 }
 
 INSTANTIATE_TEST_SUITE_P(For, RefusedPath,
                          testing::Values(FileUse::Read, FileUse::Replace,
-                                         FileUse::Append),
+                                         FileUse::Append, FileUse::AddOnly),
                          nameOf);
 
 TEST(RegularFileOfPosix, IsNotInheritedByOtherPrograms) {

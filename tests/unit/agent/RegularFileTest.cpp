@@ -70,6 +70,15 @@ TEST(RegularFile, ThatIsAppendedKeepsWhatItHoldsAndIsWrittenAtItsEnd) {
   EXPECT_EQ(folder.read("file"), "old\nnew\n");
 }
 
+TEST(RegularFile, ThatIsOnlyAddedToKeepsWhatItHolds) {
+  const TempFolder folder;
+  folder.write("file", "old\n");
+  EXPECT_EQ(
+      write(openRegularFile(folder.file("file"), FileUse::AddOnly), "new\n"),
+      4U);
+  EXPECT_EQ(folder.read("file"), "old\nnew\n");
+}
+
 TEST(RegularFile, IsNoFolderButThatIsNoReasonToTellAnybody) {
   const TempFolder folder;
   for (const FileUse use : {FileUse::Read, FileUse::Replace, FileUse::Append}) {

@@ -1,0 +1,75 @@
+// Tests of a process that ends while its other threads are at work.
+
+#include "agent/Environment.h"
+#include "tests/behaviour/Calls.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/loose/Runtime.h"
+
+#include "gtest/gtest.h"
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+class ExitMeanwhile : public testing::TestWithParam<int> {};
+} // namespace
+
+static void launchFor(const loose::Runtime &runtime,
+                      std::atomic<unsigned> &launches) {
+  const DispatchTable &cl = runtime.cl();
+  const char *source = "main";
+  cl_program program = cl.clCreateProgramWithSource(runtime.context(), 1,
+                                                    &source, nullptr, nullptr);
+  cl_command_queue queue =
+      cl.clCreateCommandQueue(runtime.context(), nullptr, 0, nullptr);
+  cl_mem buffer = cl.clCreateBuffer(runtime.context(), CL_MEM_READ_WRITE, 64,
+                                    nullptr, nullptr);
+  cl.clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr);
+  cl_kernel kernel = cl.clCreateKernel(program, "sum", nullptr);
+  const cl_uint number = 5;
+  const std::size_t global = 64;
+  cl.clSetKernelArg(kernel, 0, sizeof buffer, &buffer);
+  cl.clSetKernelArg(kernel, 1, sizeof number, &number);
+  for (;;) {
+    cl.clEnqueueNDRangeKernel(queue, kernel, 1, nullptr, &global, nullptr, 0,
+                              nullptr, nullptr);
+    cl.clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr);
+    ++launches;
+  }
+}
+
+// Nothing that the threads use is destroyed before the process is gone.
+static void exitWhileLaunching(const std::string &log) {
+  assignForGood(variable::autotune, (log + ".results").c_str());
+  assignForGood(variable::installLocation, "/tools");
+  loose::Nature nature;
+  nature.atOnce = true;
+  nature.remembersRuns = false;
+  static auto &runtime = *new loose::Runtime(nature);
+  static std::atomic<unsigned> launches{0};
+  ASSERT_EQ(runtime.load(), CL_SUCCESS);
+  static std::array<std::thread, 4> threads;
+  for (std::thread &thread : threads) {
+    thread = std::thread([] { launchFor(runtime, launches); });
+    thread.detach();
+  }
+  while (launches < 50)
+    std::this_thread::yield();
+}
+
+// The log is what was written when the length was told, to the last byte.
+TEST_P(ExitMeanwhile, WritesAWholeLog) {
+  const Ended ended = runToItsEnd(exitWhileLaunching);
+  EXPECT_EQ(ended.errorText, std::to_string(ended.diagnosticLog.size()) + "\n");
+  EXPECT_EQ(ended.diagnosticLog.rfind("Frontend loaded\n", 0), 0U);
+  EXPECT_EQ(ended.diagnosticLog.find('\0'), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Time, ExitMeanwhile, testing::Range(0, 10));
