@@ -56,14 +56,16 @@ static bool haveOneValue(const char *name, const char *other) {
 
 // Without memory for the new place the variable stays in the old one: the value
 // is the application's, and there is no other copy of it. Both are looked up
-// again, because some C runtimes move all values when one is assigned. Returns
-// whether it was moved.
+// again, because some C runtimes move all values when one is assigned. An empty
+// value that no assignment can keep is removed: the variable is to be hidden.
+// Returns whether it was moved.
 static bool moveVariable(const char *from, const char *to) {
   const char *value = lookUp(from);
   if (!value)
     return false;
+  const bool canBeKept = *value != '\0' || platform::keepsEmptyVariables;
   setEnv(to, value, 1);
-  if (!haveOneValue(from, to))
+  if (canBeKept && !haveOneValue(from, to))
     return false;
   unsetEnv(from);
   return true;

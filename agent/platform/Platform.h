@@ -17,6 +17,9 @@ namespace corvane::platform {
 void defineVariable(const char *name, const char *value);
 void removeVariable(const char *name);
 
+/// Whether an assignment can make a variable that is defined and empty.
+extern const bool keepsEmptyVariables;
+
 /// Whether the process has rights that the user who started it has not, as a
 /// set-user-id program has.
 bool hasForeignRights();

@@ -14,6 +14,7 @@
 using namespace corvane;
 
 const char *const platform::directorySeparator = "/";
+const bool platform::keepsEmptyVariables = true;
 
 void platform::defineVariable(const char *name, const char *value) {
   setenv(name, value, 1);

@@ -16,6 +16,7 @@
 using namespace corvane;
 
 const char *const platform::directorySeparator = "\\";
+const bool platform::keepsEmptyVariables = false;
 
 void platform::defineVariable(const char *name, const char *value) {
   _putenv((std::string(name) + "=" + value).c_str());

@@ -2,6 +2,7 @@
 
 #include "agent/platform/Platform.h"
 #include "agent/Environment.h"
+#include "tests/behaviour/Calls.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FakeRuntime.h"
 #include "tests/support/LoadedAgent.h"
@@ -11,6 +12,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include <io.h>
 #include <windows.h>
@@ -119,6 +121,19 @@ TEST(Environment, IsThatOfTheCRuntimeAndNotOfTheSystem) {
   agent.unload();
   SetEnvironmentVariableA("CORVANE_INSTALL_LOCATION", nullptr);
   EXPECT_FALSE(folder.has("autotune.csv"));
+}
+
+TEST(Environment, IsCleanOfAnEmptyVariableThatTheCompilerMustNotSee) {
+  FakeRuntime runtime;
+  LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", ""}});
+  ASSERT_TRUE(lookUp("CORVANE_AUTOTUNE"));
+  std::vector<bool> seen;
+  runtime.whenCalled("clBuildProgram", [&seen] {
+    seen.push_back(std::getenv("CORVANE_AUTOTUNE") != nullptr);
+  });
+  EXPECT_EQ(build(agent.table(), runtime.addProgram().log(spillLog)),
+            CL_SUCCESS);
+  EXPECT_EQ(seen, (std::vector<bool>{true, false}));
 }
 
 // As a process has it that was started with one; no assignment makes it.

@@ -8,7 +8,7 @@
 using namespace corvane;
 using namespace corvane::test;
 
-TEST(RefusedFiles, AreReportedOnceEach) {
+TEST(RefusalLine, IsWrittenOnceForEachFile) {
   ErrorCapture errors;
   reportRefusedFile("first");
   reportRefusedFile("first");

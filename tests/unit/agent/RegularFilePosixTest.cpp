@@ -26,7 +26,7 @@ using platform::OpenedFile;
 using platform::openRegularFile;
 
 namespace {
-struct RefusedPath : testing::TestWithParam<FileUse> {
+struct UnfitPath : testing::TestWithParam<FileUse> {
   OpenedFile open(const std::string &path) const {
     return openRegularFile(path, GetParam());
   }
@@ -34,26 +34,26 @@ struct RefusedPath : testing::TestWithParam<FileUse> {
 };
 } // namespace
 
-TEST_P(RefusedPath, IsALinkWhoseTargetStaysAsItIs) {
+TEST_P(UnfitPath, IsALinkWhoseTargetStaysAsItIs) {
   folder.write("target", "precious");
   std::filesystem::create_symlink("target", folder.path() / "link");
   EXPECT_TRUE(open(folder.file("link")).refused);
   EXPECT_EQ(folder.read("target"), "precious");
 }
 
-TEST_P(RefusedPath, IsALinkWhoseMissingTargetIsNotMade) {
+TEST_P(UnfitPath, IsALinkWhoseMissingTargetIsNotMade) {
   std::filesystem::create_symlink("target", folder.path() / "link");
   EXPECT_TRUE(open(folder.file("link")).refused);
   EXPECT_FALSE(folder.has("target"));
 }
 
 // A pipe without a partner would keep a blocking call waiting for ever.
-TEST_P(RefusedPath, IsAPipeWithoutAPartner) {
+TEST_P(UnfitPath, IsAPipeWithoutAPartner) {
   ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
   EXPECT_TRUE(open(folder.file("pipe")).refused);
 }
 
-TEST_P(RefusedPath, IsAPipeWithAPartner) {
+TEST_P(UnfitPath, IsAPipeWithAPartner) {
   const std::string path = folder.file("pipe");
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   const int partner = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
@@ -62,12 +62,12 @@ TEST_P(RefusedPath, IsAPipeWithAPartner) {
   close(partner);
 }
 
-TEST_P(RefusedPath, IsADevice) {
+TEST_P(UnfitPath, IsADevice) {
   EXPECT_TRUE(open("/dev/zero").refused);
   EXPECT_TRUE(open("/dev/full").refused);
 }
 
-TEST_P(RefusedPath, IsASocket) {
+TEST_P(UnfitPath, IsASocket) {
   sockaddr_un address = {};
   address.sun_family = AF_UNIX;
   const std::string path = folder.file("socket");
@@ -81,7 +81,7 @@ TEST_P(RefusedPath, IsASocket) {
   close(listening);
 }
 
-TEST_P(RefusedPath, IsNoneOfAFileInALinkedFolder) {
+TEST_P(UnfitPath, IsNoneOfAFileInALinkedFolder) {
   std::filesystem::create_directory(folder.path() / "real");
   std::filesystem::create_directory_symlink("real", folder.path() / "linked");
   folder.write("real/file", "text");
@@ -104,7 +104,7 @@ static std::string nameOf(const testing::TestParamInfo<FileUse> &use) {
   return "";
 }
 
-INSTANTIATE_TEST_SUITE_P(For, RefusedPath,
+INSTANTIATE_TEST_SUITE_P(For, UnfitPath,
                          testing::Values(FileUse::Read, FileUse::Replace,
                                          FileUse::Append, FileUse::AddOnly),
                          nameOf);

@@ -1,0 +1,31 @@
+// A program that loads and unloads the agent, to be run with foreign rights.
+// Exits with 0 if it has such rights and with 3 if not.
+
+#include "agent/AgentInterface.h"
+#include "tests/support/LoadedAgent.h"
+
+#include <cstring>
+
+#include <sys/auxv.h>
+
+using namespace corvane;
+
+static cl_int CL_API_CALL getTable(AgentOperations *, void *table,
+                                   std::size_t size) {
+  std::memset(table, 0, size);
+  return CL_SUCCESS;
+}
+
+static cl_int CL_API_CALL setTable(AgentOperations *, void *, std::size_t) {
+  return CL_SUCCESS;
+}
+
+int main() {
+  AgentOperations operations{};
+  operations.getICDDispatchTable = getTable;
+  operations.setICDDispatchTable = setTable;
+  if (clAgent_OnLoad(&operations) != CL_SUCCESS)
+    return 1;
+  clAgent_OnUnload(&operations);
+  return getauxval(AT_SECURE) != 0 ? 0 : 3;
+}
