@@ -1,5 +1,6 @@
 // The two calls by which an OpenCL loader finds and starts the layer.
 
+#include "base/ForkedChild.h"
 #include "layer/AgentLibrary.h"
 #include "layer/Answer.h"
 #include "layer/LayerAgent.h"
@@ -42,6 +43,7 @@ static std::string startAgent(LayerTable &table) {
   if (!problem.empty())
     return problem;
 
+  corvane::watchForks();
   standBelow(table.agent);
   LayerAgent &agent = layerAgent(table);
   const cl_int status = library.onLoad(&agent);

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "base/ForkedChild.h"
+
 #include <CL/cl.h>
 
 #include <mutex>
@@ -22,12 +24,16 @@ enum class Release {
 /// commands and other objects use one, and is free to do so for any length of
 /// time.
 ///
-/// Any thread may call; the lock is not held across calls of others.
+/// Any thread may call; the lock is not held across calls of others. In a
+/// forked child, where it may be locked for ever, nothing is known of any
+/// object, and so calls pass through.
 template <typename Handle, typename Notes> class ObjectBook {
 public:
   /// Opens the book on a new object. Notes on an object that is gone and had
   /// the same handle are dropped; returns whether there were any.
   bool open(Handle object, Notes notes, cl_uint references = 1) {
+    if (inForkedChild())
+      return false;
     std::lock_guard<std::mutex> guard(lock);
     const auto result =
         pages.insert_or_assign(object, Page{references, std::move(notes)});
@@ -35,12 +41,16 @@ public:
   }
 
   bool has(Handle object) const {
+    if (inForkedChild())
+      return false;
     std::lock_guard<std::mutex> guard(lock);
     return pages.count(object) != 0;
   }
 
   /// How many the application holds; 0 for an object that is not in the book.
   cl_uint references(Handle object) const {
+    if (inForkedChild())
+      return 0;
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     return page == pages.end() ? 0 : page->second.references;
@@ -48,6 +58,8 @@ public:
 
   /// A copy of the notes; empty ones for an object that is not in the book.
   Notes read(Handle object) const {
+    if (inForkedChild())
+      return Notes();
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     return page == pages.end() ? Notes() : page->second.notes;
@@ -55,6 +67,8 @@ public:
 
   /// Has \p edit change the notes on an object that is in the book.
   template <typename Edit> void edit(Handle object, Edit edit) {
+    if (inForkedChild())
+      return;
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     if (page != pages.end())
@@ -64,6 +78,8 @@ public:
   /// Strikes an object out if its notes are those that \p isMeant wants, and
   /// returns whether it did.
   template <typename IsMeant> bool close(Handle object, IsMeant isMeant) {
+    if (inForkedChild())
+      return false;
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     if (page == pages.end() || !isMeant(page->second.notes))
@@ -73,6 +89,8 @@ public:
   }
 
   void retain(Handle object) {
+    if (inForkedChild())
+      return;
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     if (page != pages.end())
@@ -82,6 +100,8 @@ public:
   /// Call before the runtime releases: once the object is gone, its handle may
   /// already be another's.
   Release release(Handle object) {
+    if (inForkedChild())
+      return Release::Unknown;
     std::lock_guard<std::mutex> guard(lock);
     const auto page = pages.find(object);
     if (page == pages.end())
