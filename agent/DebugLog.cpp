@@ -3,8 +3,8 @@
 #include "agent/DebugLog.h"
 
 #include "agent/RefusedFiles.h"
-#include "agent/platform/Platform.h"
 #include "base/ForkedChild.h"
+#include "base/Platform.h"
 
 #include <cstdint>
 #include <cstdlib>

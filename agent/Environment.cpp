@@ -3,7 +3,7 @@
 
 #include "agent/Environment.h"
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include <atomic>
 #include <cstring>

@@ -4,7 +4,7 @@
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "programs/BufferRecord.h"
 
 #include <algorithm>

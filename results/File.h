@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include <string>
 

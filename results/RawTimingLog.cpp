@@ -4,7 +4,7 @@
 #include "results/RawTimingLog.h"
 
 #include "agent/Flags.h"
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "results/ConfigResults.h"
 #include "results/File.h"
 #include "results/NumberText.h"

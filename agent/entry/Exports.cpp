@@ -10,8 +10,8 @@
 #include "agent/entry/OutputLocation.h"
 #include "agent/entry/ProcessDetach.h"
 #include "agent/entry/Records.h"
-#include "agent/platform/Platform.h"
 #include "base/ForkedChild.h"
+#include "base/Platform.h"
 #include "results/Flush.h"
 
 using namespace corvane;

@@ -6,7 +6,7 @@
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
 #include "agent/Flags.h"
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "results/OutputDirectory.h"
 #include "results/RawTimingLog.h"
 

@@ -2,7 +2,7 @@
 
 #include "results/report/PageNames.h"
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include "llvm/ADT/STLExtras.h"
 #include "llvm/ADT/StringExtras.h"

@@ -1,6 +1,6 @@
 // The platform functions of Windows.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "agent/Environment.h"
 #include "tests/behaviour/Calls.h"
 #include "tests/support/EnvGuard.h"

@@ -1,6 +1,6 @@
 // Linux and its relatives.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include <cerrno>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // Tests of the one way in which result files are opened.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

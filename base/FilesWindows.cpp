@@ -1,6 +1,6 @@
 // Opens and writes regular files on Windows.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // Writes on standard error on Windows.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,7 +1,7 @@
 // Tests of what is in the place of a result file but is not a regular file, on
 // Linux and its relatives.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // Writes on standard error without waiting for ever, on Linux and its
 // relatives.
 
-#include "agent/platform/Platform.h"
-#include "agent/platform/WriteSignals.h"
+#include "base/Platform.h"
+#include "base/WriteSignals.h"
 
 #include <algorithm>
 #include <atomic>

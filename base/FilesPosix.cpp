@@ -1,7 +1,7 @@
 // Opens and writes regular files on Linux and its relatives.
 
-#include "agent/platform/Platform.h"
-#include "agent/platform/WriteSignals.h"
+#include "base/Platform.h"
+#include "base/WriteSignals.h"
 
 #include <cstdio>
 #include <utility>

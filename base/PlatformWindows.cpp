@@ -1,6 +1,6 @@
 // Windows, through its C runtime.
 
-#include "agent/platform/Platform.h"
+#include "base/Platform.h"
 
 #include "llvm/ADT/StringRef.h"
 
