@@ -2,24 +2,13 @@
 
 #pragma once
 
+#include "base/Settings.h"
+
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
 
 namespace corvane {
-
-/// The names, each looked up wherever it is needed and never cached.
-namespace variable {
-inline constexpr const char *corvane = "CORVANE";
-inline constexpr const char *autotune = "CORVANE_AUTOTUNE";
-inline constexpr const char *autotuneShadow = "CORVANE_AUTOTUNE_SHADOW";
-inline constexpr const char *dumpLog = "CORVANE_DUMP_LOG";
-inline constexpr const char *installLocation = "CORVANE_INSTALL_LOCATION";
-inline constexpr const char *flushOnReleaseContext =
-    "CORV_FLUSH_AUTOTUNE_ON_RELEASE_CONTEXT";
-inline constexpr const char *bypassVectorizationSafetyCheck =
-    "AGENT_BYPASS_VECTORIZATION_SAFETY_CHECK";
-} // namespace variable
 
 namespace detail {
 extern std::atomic<bool> variablesCount;
