@@ -144,7 +144,7 @@ void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
 
 llvm::raw_ostream *corvane::lookUpDebugLog() {
   const EnvironmentLook look;
-  return dumpLogPath() ? &detail::keptLog() : nullptr;
+  return look && dumpLogPath() ? &detail::keptLog() : nullptr;
 }
 
 llvm::raw_ostream &corvane::debugLog() {
