@@ -1,4 +1,4 @@
-# What cmake --install copies: libraries, the report's script, the licence.
+# What cmake --install copies: libraries, the program, the report's script, the licence.
 
 # One folder for both: the layer looks for the agent beside itself.
 set(installed_libraries CorvaneAg)
@@ -9,6 +9,11 @@ install(TARGETS ${installed_libraries}
         LIBRARY DESTINATION lib
         RUNTIME DESTINATION lib
         ARCHIVE DESTINATION lib)
+
+# The program looks for the layer in ../lib as well as beside itself.
+if(TARGET corvane)
+  install(TARGETS corvane RUNTIME DESTINATION bin)
+endif()
 
 # <prefix>/share/corvane is what $CORVANE_INSTALL_LOCATION has to name.
 if(TARGET corvane_graph_library)

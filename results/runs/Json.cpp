@@ -46,7 +46,7 @@ std::optional<double> corvane::finiteAmount(const json::Value &value) {
   const auto number = value.getAsNumber();
   if (!number || !std::isfinite(*number) || *number < 0.0)
     return std::nullopt;
-  return *number;
+  return *number + 0.0; // which makes a negative zero a positive one
 }
 
 JsonFields::JsonFields(const json::Object *object) : fields(object) {

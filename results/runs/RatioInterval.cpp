@@ -81,5 +81,8 @@ corvane::ratioInterval(llvm::ArrayRef<double> version,
   const std::optional<double> inverseOfLow = upperLimit(originals, times, tail);
   if (!high || !inverseOfLow)
     return std::nullopt;
-  return RatioInterval{1.0 / *inverseOfLow, *high};
+  // Times that lie very far apart have a ratio that no double holds.
+  constexpr double most = std::numeric_limits<double>::max();
+  return RatioInterval{std::min(1.0 / *inverseOfLow, most),
+                       std::min(*high, most)};
 }

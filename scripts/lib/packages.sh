@@ -6,7 +6,7 @@
 build_packages=(
   cmake ninja-build g++ llvm-14-dev zlib1g-dev opencl-headers
   ocl-icd-opencl-dev libpng-dev libgtest-dev libgmock-dev libjs-dygraphs
-  libclang-14-dev
+  libclang-14-dev libcli11-dev
 )
 
 # What the tests run besides.
@@ -27,6 +27,7 @@ fuzz_packages=(
 # What it takes to build for Windows and to run the tests there, besides.
 # shellcheck disable=SC2034
 windows_packages=(g++-mingw-w64-x86-64-posix llvm-14-tools xz-utils googletest
+  libcli11-dev
   wine64)
 
 package_installed() {

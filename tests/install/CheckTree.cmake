@@ -11,7 +11,7 @@ execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}"
                 OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 file(GLOB_RECURSE installed RELATIVE "${prefix}" "${prefix}/*")
 list(SORT installed)
-set(expected "lib/${AGENT}" "lib/${LAYER}" share/corvane/dygraph-combined.js
+set(expected bin/corvane "lib/${AGENT}" "lib/${LAYER}" share/corvane/dygraph-combined.js
              share/doc/corvane/LICENSE)
 if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "Installed: ${installed}\nExpected: ${expected}")

@@ -87,6 +87,7 @@ TEST(Json, WritesNumbersThatAreReadBackAsTheyWere) {
   for (double number : {0.0, 0.1, 1.0 / 3.0, 1e-300, 123456789.125, 5e300})
     EXPECT_EQ(*finiteAmount(*parseJson(written(number))), number);
   EXPECT_EQ(written(12.5), "12.5");
+  EXPECT_EQ(written(*finiteAmount(*parseJson("-0.0"))), "0");
   EXPECT_EQ(written(std::numeric_limits<double>::infinity()), "null");
 }
 

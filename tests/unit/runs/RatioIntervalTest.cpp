@@ -102,6 +102,13 @@ TEST(RatioInterval, TakesTimesOfNothing) {
   EXPECT_DOUBLE_EQ(interval->low, 1.0);
 }
 
+TEST(RatioInterval, HasFiniteLimits) {
+  const Samples nothing(7, 0.0), much(7, 1e308);
+  EXPECT_TRUE(std::isfinite(ratioInterval(much, nothing, 0.025)->high));
+  EXPECT_TRUE(std::isfinite(ratioInterval(much, nothing, 0.025)->low));
+  EXPECT_TRUE(std::isfinite(ratioInterval(nothing, much, 0.025)->low));
+}
+
 TEST(RatioInterval, HoldsTheTrueRatioAsOftenAsItSays) {
   std::mt19937 random(20);
   std::lognormal_distribution<double> noise(0.0, 0.3);

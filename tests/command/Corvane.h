@@ -1,0 +1,71 @@
+// Running the built program with invented folders.
+
+#pragma once
+
+#include "results/runs/RunLines.h"
+#include "tests/support/EnvGuard.h"
+#include "tests/support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <list>
+#include <string>
+#include <vector>
+
+namespace corvane::test {
+
+/// The program corvane and all that one test gives it, in a folder of its own
+/// without anything of the user's environment that would matter.
+class CorvaneTest : public testing::Test {
+protected:
+  CorvaneTest();
+
+  /// What a program left behind.
+  struct Outcome {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+  };
+
+  /// Runs \p command and waits; its first word is a program's path. Each word
+  /// reaches it as it is, without any quotation marks in it.
+  Outcome runProgram(const std::vector<std::string> &command) const;
+
+  /// Runs corvane with these arguments.
+  Outcome corvane(std::vector<std::string> arguments) const;
+
+  /// The same for "tune --output" the test's folder, of the application with
+  /// its own \p arguments.
+  Outcome tuned(const std::vector<std::string> &arguments) const;
+
+  /// Defines a variable for the length of the test.
+  void define(const char *name, const std::string &value) {
+    variables.emplace_back(name, value);
+  }
+
+  /// The record of a run, as a file; returns its path.
+  std::string recordFile(const std::string &name,
+                         const std::vector<RunLine> &lines) const;
+
+  std::string output() const { return folder.file("tuned"); }
+  std::string profile() const { return folder.read("tuned/profile.json"); }
+
+  TempFolder folder;
+
+private:
+  std::list<EnvGuard> variables;
+};
+
+/// A run on one device of a program with the kernel "scale", whose variant is
+/// faster: 50 to 100 microseconds, seven times.
+std::vector<RunLine> fasterVariant();
+
+/// The start of a record: process, device and a program with these kernels.
+std::vector<RunLine> startOfRun(std::vector<KernelVariants> kernels);
+
+/// A configuration of \p kernel with 1024 work-items and seven samples of the
+/// original at \p original and of g0S4 at \p variant microseconds.
+void addConfiguration(std::vector<RunLine> &lines, const std::string &kernel,
+                      double original, double variant);
+
+} // namespace corvane::test

@@ -1,0 +1,60 @@
+// What corvane says of itself, and of arguments that it does not take.
+
+#include "tests/command/Corvane.h"
+
+using namespace corvane::test;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+class CorvaneHelp : public CorvaneTest {};
+} // namespace
+
+TEST_F(CorvaneHelp, NamesTheCommands) {
+  const Outcome outcome = corvane({"--help"});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr("tune"), HasSubstr("run")));
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(CorvaneHelp, ShowsEachCommandWithAnExample) {
+  EXPECT_THAT(corvane({"tune", "--help"}).out,
+              AllOf(HasSubstr("--output"), HasSubstr("--samples"),
+                    HasSubstr("--verify"), HasSubstr("--seconds"),
+                    HasSubstr("Example: corvane tune")));
+  EXPECT_THAT(corvane({"run", "--help"}).out,
+              AllOf(HasSubstr("--profile"), HasSubstr("--summary"),
+                    HasSubstr("Example: corvane run")));
+}
+
+TEST_F(CorvaneHelp, TellsTheVersion) {
+  EXPECT_EQ(corvane({"--version"}).out, "corvane " CORVANE_VERSION "\n");
+}
+
+TEST_F(CorvaneHelp, RefusesArgumentsInOneLine) {
+  for (const std::vector<std::string> &arguments :
+       {std::vector<std::string>{},
+        {"fly"},
+        {"tune", "--colour", "--", "x"},
+        {"tune", "--samples", "0", "--", "x"},
+        {"tune", "--samples", "many", "--", "x"},
+        {"tune", "--verify", "-1", "--", "x"},
+        {"tune", "--seconds", "-1", "--", "x"},
+        {"tune", "./x"},
+        {"tune"},
+        {"tune", "--"},
+        {"run"}}) {
+    const Outcome outcome = corvane(arguments);
+    EXPECT_EQ(outcome.exitCode, 125);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, StartsWith("corvane: "));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1)
+        << outcome.err;
+  }
+}
+
+TEST_F(CorvaneHelp, TellsWhereTheProgramGoes) {
+  EXPECT_EQ(corvane({"run"}).err, "corvane: which program? Put it after --, as "
+                                  "in: corvane run -- ./program\n");
+}

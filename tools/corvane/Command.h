@@ -1,0 +1,49 @@
+// What the commands share: their arguments, and how they end.
+
+#pragma once
+
+#include "llvm/ADT/StringRef.h"
+#include "llvm/ADT/Twine.h"
+
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// The program to run, found as a shell does, and its arguments.
+using Program = std::vector<std::string>;
+
+/// Exit codes for what a shell and its tools say likewise. All others are the
+/// program's: 128 + n if it ended by signal n.
+enum ExitCode : int {
+  CommandFailed = 125, ///< the command could not do its work
+  NotExecutable = 126, ///< the program was found and cannot be run
+  NotFound = 127,      ///< the program was not found
+};
+
+/// Where results lie unless the user says otherwise.
+inline constexpr const char *defaultFolder = "corvane-tuned";
+
+struct TuneOptions {
+  std::string folder = defaultFolder;
+  std::string samples; ///< empty: not given, so are the next two
+  std::string verify;
+  std::string seconds;
+};
+
+struct RunOptions {
+  std::string folder = defaultFolder; ///< or the profile itself
+  bool summary = false;
+};
+
+/// Each does one command and returns the exit code. \p program is not empty.
+int tune(const TuneOptions &options, const Program &program);
+int run(const RunOptions &options, const Program &program);
+
+/// Writes one line to standard error, which begins with "corvane".
+void say(const llvm::Twine &line);
+
+/// \p text without characters that would move a terminal's cursor.
+std::string printable(llvm::StringRef text);
+
+} // namespace corvane

@@ -1,0 +1,54 @@
+// Asks the system where this program lies.
+
+#include "tools/corvane/Layer.h"
+
+#include "tools/corvane/Process.h"
+
+#include "llvm/ADT/SmallVector.h"
+#include "llvm/ADT/StringExtras.h"
+#include "llvm/Support/FileSystem.h"
+#include "llvm/Support/Path.h"
+#include "llvm/Support/Process.h"
+
+using namespace corvane;
+namespace fs = llvm::sys::fs;
+namespace path = llvm::sys::path;
+
+static constexpr const char *layersVariable = "OPENCL_LAYERS";
+
+static std::string programFolder() {
+  return path::parent_path(ownProgram()).str();
+}
+
+std::optional<std::string> corvane::findLayer() {
+  const std::string folder = programFolder();
+  llvm::SmallString<256> beside(folder);
+  path::append(beside, CORVANE_LAYER_FILE);
+  llvm::SmallString<256> installed(path::parent_path(folder));
+  path::append(installed, "lib", CORVANE_LAYER_FILE);
+  for (const auto &place : {beside, installed})
+    if (fs::exists(place))
+      return place.str().str();
+  return std::nullopt;
+}
+
+void corvane::addLayer(const std::string &layer) {
+  const auto variable = llvm::sys::Process::GetEnv(layersVariable);
+  const std::string present = variable ? *variable : std::string();
+  llvm::SmallVector<llvm::StringRef, 4> layers;
+  llvm::StringRef(present).split(layers, CORVANE_LAYER_SEPARATOR, -1, false);
+  if (!llvm::is_contained(layers, llvm::StringRef(layer)))
+    layers.push_back(layer);
+  setVariable(layersVariable,
+              llvm::join(layers, std::string(1, CORVANE_LAYER_SEPARATOR)));
+}
+
+std::optional<std::string> corvane::requireLayer() {
+  std::optional<std::string> layer = findLayer();
+  if (layer)
+    addLayer(*layer);
+  else
+    say(CORVANE_LAYER_FILE " is not beside this program, in " +
+        programFolder() + ": put it there, or build the whole project");
+  return layer;
+}

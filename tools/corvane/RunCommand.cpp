@@ -1,0 +1,46 @@
+// corvane run: set the variables and become the program.
+
+#include "tools/corvane/Layer.h"
+#include "tools/corvane/Process.h"
+#include "tools/corvane/TunedFolder.h"
+
+#include "results/profile/ProfileFile.h"
+
+#include "llvm/Support/FileSystem.h"
+
+using namespace corvane;
+namespace fs = llvm::sys::fs;
+
+// More than any profile has.
+static constexpr std::uint64_t profileLimit = std::uint64_t(256) << 20;
+
+// The library would say the same, but only once the program runs.
+static bool isUsable(const std::string &profile) {
+  const std::string file =
+      fs::is_directory(profile) ? profile + "/" + profileFileName : profile;
+  if (!fs::exists(file)) {
+    say(file + " is not there: make it by corvane tune -- PROGRAM, or name "
+               "another with --profile");
+    return false;
+  }
+  llvm::Expected<std::string> text = readRegularFile(file, profileLimit);
+  llvm::Error error = text ? readProfile(*text).takeError() : text.takeError();
+  if (!error)
+    return true;
+  say(file + " cannot be used: " + llvm::toString(std::move(error)));
+  return false;
+}
+
+int corvane::run(const RunOptions &options, const Program &program) {
+  const std::string profile = absoluteFolder(options.folder);
+  if (!isUsable(profile) || !requireLayer())
+    return CommandFailed;
+  setVariable("CORVANE_PROFILE", profile);
+  if (options.summary)
+    setVariable("CORVANE_SUMMARY", "1");
+
+  const ProgramEnd end = become(program);
+  if (!end.started)
+    say(program[0] + ": " + end.whyNot);
+  return end.exitCode;
+}

@@ -1,0 +1,151 @@
+// corvane tune: run the program, then make the profile from what it left.
+
+#include "tools/corvane/Layer.h"
+#include "tools/corvane/Process.h"
+#include "tools/corvane/TuneTable.h"
+#include "tools/corvane/TunedFolder.h"
+
+#include "llvm/ADT/STLExtras.h"
+#include "llvm/Support/FileSystem.h"
+#include "llvm/Support/Path.h"
+#include "llvm/Support/Process.h"
+#include "llvm/Support/raw_ostream.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace corvane;
+namespace fs = llvm::sys::fs;
+
+// Makes the folder if need be and tries to write there: only that tells.
+static bool prepareFolder(const std::string &folder) {
+  std::error_code error = fs::create_directories(folder);
+  int descriptor = -1;
+  llvm::SmallString<256> file;
+  if (!error)
+    error =
+        fs::createUniqueFile(folder + "/try-%%%%%%%%.tmp", descriptor, file);
+  if (error) {
+    say(folder + " cannot be written to (" + error.message() +
+        "): name another folder with --output");
+    return false;
+  }
+  llvm::sys::Process::SafelyCloseFileDescriptor(descriptor);
+  fs::remove(file);
+  return true;
+}
+
+static void setVariables(const std::string &folder,
+                         const TuneOptions &options) {
+  setVariable("CORVANE_TUNE", folder);
+  if (!options.samples.empty())
+    setVariable("CORVANE_SAMPLES", options.samples);
+  if (!options.verify.empty())
+    setVariable("CORVANE_VERIFY", options.verify);
+  if (!options.seconds.empty())
+    setVariable("CORVANE_TUNE_SECONDS", options.seconds);
+}
+
+// Why the program launched nothing that could be seen. Asks in a process of its
+// own, which drivers may end as they like.
+static void tellWhyNothingRan(const std::string &layer) {
+  removeVariable("CORVANE_TUNE");
+  switch (static_cast<LoaderAnswer>(
+      runAndWait({ownProgram(), probeArgument, layer}).exitCode)) {
+  case LoaderAnswer::IsMissing:
+    say("there is no OpenCL loader (libOpenCL.so.1 or OpenCL.dll): install "
+        "one that takes layers");
+    return;
+  case LoaderAnswer::TakesNone:
+    say("the OpenCL loader takes no layers: install a newer one (ocl-icd 2.3.1 "
+        "or the Khronos loader), or put it first in the search path");
+    return;
+  case LoaderAnswer::HasNoPlatform:
+    say("no OpenCL platform was found: install a driver");
+    return;
+  case LoaderAnswer::TakesLayers:
+    break;
+  }
+  say("no kernel was launched through the layer: does the program use OpenCL, "
+      "by a loader of its own perhaps?");
+}
+
+static bool hasVariants(const RunRecord &run) {
+  return llvm::any_of(run.programs, [](const auto &program) {
+    return llvm::any_of(program.second.kernels, [](const auto &kernel) {
+      return !kernel.variants.empty();
+    });
+  });
+}
+
+static void tellOfLookAlikes(llvm::ArrayRef<RunRecord> runs) {
+  for (const RunRecord &run : runs)
+    for (const auto &[number, program] : run.programs)
+      if (!program.lookAlikes.empty()) {
+        const LookAlike &first = program.lookAlikes.front();
+        say("no program had variants; " + first.name +
+            " looks like one and is not: " + first.reason);
+        return;
+      }
+  say("no program had variants: there was nothing to choose from");
+}
+
+static void tellHowToUse(llvm::ArrayRef<TunedConfiguration> configurations,
+                         const TuneOptions &options) {
+  const std::string command =
+      options.folder == defaultFolder
+          ? "corvane run -- PROGRAM"
+          : "corvane run --profile " + options.folder + " -- PROGRAM";
+  const double saved = partSaved(configurations).value_or(0.0);
+  if (!(saved > 0.0)) {
+    say("no kernel time saved; the profile is in " + options.folder);
+    return;
+  }
+  const long percent = std::lround(100.0 * saved);
+  say((percent == 0 ? "less than 1" : std::to_string(percent)) +
+      " % of kernel time saved; to use it: " + command);
+}
+
+// Says what can be said of the runs, and makes their profile.
+static void conclude(const std::string &folder, const TuneOptions &options,
+                     llvm::ArrayRef<RunRecord> runs) {
+  const std::vector<TunedConfiguration> configurations = mergeRuns(runs);
+  if (llvm::Error error = writeProfile(folder, makeProfile(configurations))) {
+    say(folder +
+        ": no profile could be written: " + llvm::toString(std::move(error)));
+    return;
+  }
+  if (llvm::none_of(runs, hasVariants)) {
+    tellOfLookAlikes(runs);
+    return;
+  }
+  llvm::errs() << tuneTable(configurations);
+  tellHowToUse(configurations, options);
+}
+
+int corvane::tune(const TuneOptions &options, const Program &program) {
+  if (llvm::sys::Process::GetEnv("CORVANE_AUTOTUNE")) {
+    say("CORVANE_AUTOTUNE is set and would keep the program from being tuned: "
+        "unset it");
+    return CommandFailed;
+  }
+  const std::optional<std::string> layer = requireLayer();
+  const std::string folder = absoluteFolder(options.folder);
+  if (!layer || !prepareFolder(folder))
+    return CommandFailed;
+  setVariables(folder, options);
+
+  const std::set<std::string> before = runNames(folder);
+  const ProgramEnd end = runAndWait(program);
+  if (!end.started) {
+    say(program[0] + ": " + end.whyNot);
+    return end.exitCode;
+  }
+  const std::set<std::string> after = runNames(folder);
+  if (std::includes(before.begin(), before.end(), after.begin(), after.end()))
+    tellWhyNothingRan(*layer);
+  const std::vector<RunRecord> runs = readRuns(folder, after);
+  if (!runs.empty())
+    conclude(folder, options, runs);
+  return end.exitCode;
+}

@@ -1,0 +1,110 @@
+// Reads what any process may have left in the folder.
+
+#include "tools/corvane/TunedFolder.h"
+
+#include "results/profile/ProfileFile.h"
+#include "tools/corvane/Command.h"
+
+#include "llvm/ADT/SmallString.h"
+#include "llvm/Support/Errc.h"
+#include "llvm/Support/FileSystem.h"
+#include "llvm/Support/MemoryBuffer.h"
+#include "llvm/Support/Path.h"
+#include "llvm/Support/raw_ostream.h"
+
+using namespace corvane;
+namespace fs = llvm::sys::fs;
+namespace path = llvm::sys::path;
+
+// A record of millions of samples; more is a mistake.
+static constexpr std::uint64_t recordLimit = std::uint64_t(1) << 30;
+
+static std::string joined(const std::string &folder, const llvm::Twine &a,
+                          const llvm::Twine &b = "",
+                          const llvm::Twine &c = "") {
+  llvm::SmallString<256> text(folder);
+  path::append(text, a, b, c);
+  return text.str().str();
+}
+
+std::string corvane::absoluteFolder(const std::string &folder) {
+  llvm::SmallString<256> text(folder);
+  fs::make_absolute(text);
+  path::remove_dots(text, true);
+  return text.str().str();
+}
+
+std::set<std::string> corvane::runNames(const std::string &folder) {
+  std::set<std::string> names;
+  std::error_code error;
+  for (fs::directory_iterator entry(joined(folder, "runs"), error), end;
+       !error && entry != end; entry.increment(error))
+    names.insert(path::filename(entry->path()).str());
+  return names;
+}
+
+llvm::Expected<std::string> corvane::readRegularFile(const std::string &file,
+                                                     std::uint64_t limit) {
+  fs::file_status status;
+  if (const std::error_code error = fs::status(file, status))
+    return llvm::errorCodeToError(error);
+  if (!fs::is_regular_file(status))
+    return llvm::createStringError(llvm::errc::invalid_argument,
+                                   "it is no regular file");
+  if (status.getSize() > limit)
+    return llvm::createStringError(llvm::errc::file_too_large,
+                                   "it is larger than %u MiB",
+                                   static_cast<unsigned>(limit >> 20));
+  // Not mapped: the file may shrink while it is read.
+  auto buffer = llvm::MemoryBuffer::getFile(file, false, false, true);
+  if (!buffer)
+    return llvm::errorCodeToError(buffer.getError());
+  return (*buffer)->getBuffer().str();
+}
+
+static void tellProblems(const std::string &file, const RunRecord &run) {
+  if (run.problems.empty())
+    return;
+  const RunProblem &first = run.problems.front();
+  std::string text =
+      file + ", line " + std::to_string(first.line) + ": " + first.text;
+  if (run.problemCount > 1)
+    text += " (and " + std::to_string(run.problemCount - 1) + " more)";
+  say(text);
+}
+
+std::vector<RunRecord> corvane::readRuns(const std::string &folder,
+                                         const std::set<std::string> &names) {
+  std::vector<RunRecord> runs;
+  for (const std::string &name : names) {
+    const std::string file = joined(folder, "runs", name, "run.jsonl");
+    llvm::Expected<std::string> text = readRegularFile(file, recordLimit);
+    if (!text) {
+      say(file + ": " + llvm::toString(text.takeError()));
+      continue;
+    }
+    runs.push_back(readRun(*text));
+    tellProblems(file, runs.back());
+  }
+  return runs;
+}
+
+llvm::Error corvane::writeProfile(const std::string &folder,
+                                  const Profile &profile) {
+  int descriptor = -1;
+  llvm::SmallString<256> temporary;
+  if (const std::error_code error = fs::createUniqueFile(
+          joined(folder, "profile-%%%%%%%%.tmp"), descriptor, temporary))
+    return llvm::errorCodeToError(error);
+
+  llvm::raw_fd_ostream out(descriptor, true);
+  out << profileText(profile);
+  out.close();
+  std::error_code error = out.error();
+  out.clear_error();
+  if (!error)
+    error = fs::rename(temporary, joined(folder, profileFileName));
+  if (error)
+    fs::remove(temporary);
+  return llvm::errorCodeToError(error);
+}

@@ -1,0 +1,36 @@
+// A folder with the run records of tuning, and the profile made from them.
+
+#pragma once
+
+#include "results/profile/ProfileMerge.h"
+#include "results/runs/RunReader.h"
+
+#include "llvm/Support/Error.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// \p folder as an absolute path.
+std::string absoluteFolder(const std::string &folder);
+
+/// The names of the run folders in it; none if there are none.
+std::set<std::string> runNames(const std::string &folder);
+
+/// The records of the runs with these names. Says which could not be read, and
+/// the first line of each that could not be used.
+std::vector<RunRecord> readRuns(const std::string &folder,
+                                const std::set<std::string> &names);
+
+/// Replaces the profile in the folder at one blow: who reads it at the same
+/// time finds either of the two, whole.
+llvm::Error writeProfile(const std::string &folder, const Profile &profile);
+
+/// The bytes of a regular file of at most \p limit bytes. Never waits, whatever
+/// has that name.
+llvm::Expected<std::string> readRegularFile(const std::string &file,
+                                            std::uint64_t limit);
+
+} // namespace corvane
