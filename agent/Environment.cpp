@@ -18,6 +18,8 @@ static std::mutex movingLock;
 static unsigned hidingCalls = 0;
 /// Whether this thread holds movingLock.
 static thread_local bool holdsMovingLock = false;
+/// Whether this thread is moving a variable.
+static thread_local bool movesVariable = false;
 /// Whether the value of CORVANE_AUTOTUNE is where we have parked it.
 static std::atomic<bool> isParked{false};
 
@@ -64,11 +66,13 @@ static bool moveVariable(const char *from, const char *to) {
   if (!value)
     return false;
   const bool canBeKept = *value != '\0' || platform::keepsEmptyVariables;
+  movesVariable = true;
   setEnv(to, value, 1);
-  if (canBeKept && !haveOneValue(from, to))
-    return false;
-  unsetEnv(from);
-  return true;
+  const bool isThere = !canBeKept || haveOneValue(from, to);
+  if (isThere)
+    unsetEnv(from);
+  movesVariable = false;
+  return isThere;
 }
 
 void corvane::hideAutotune() {
@@ -89,13 +93,18 @@ void corvane::restoreAutotune() {
 }
 
 EnvironmentLook::EnvironmentLook() : guard(movingLock, std::defer_lock) {
-  if (holdsMovingLock)
+  if (holdsMovingLock) {
+    // Within another look of this thread variables stay where they are; within
+    // a move, which a signal has interrupted, they may be anywhere.
+    mayLook = !movesVariable;
     return;
+  }
   if (platform::otherThreadsAreGone())
     (void)guard.try_lock();
   else
     guard.lock();
-  holdsMovingLock = guard.owns_lock();
+  mayLook = guard.owns_lock();
+  holdsMovingLock = mayLook;
 }
 
 EnvironmentLook::~EnvironmentLook() {

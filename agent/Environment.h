@@ -54,18 +54,20 @@ void restoreAutotune();
 ///
 /// Waits while another thread moves a variable, but never for a thread that is
 /// gone or for itself, as when a signal has ended the process in the middle of
-/// such a move. Then it is false, and the environment must not be looked at.
+/// such a move. Then it is false, and the environment must not be looked at. A
+/// look within a look of the same thread is true.
 class EnvironmentLook {
 public:
   EnvironmentLook();
   ~EnvironmentLook();
-  explicit operator bool() const { return guard.owns_lock(); }
+  explicit operator bool() const { return mayLook; }
 
   EnvironmentLook(const EnvironmentLook &) = delete;
   EnvironmentLook &operator=(const EnvironmentLook &) = delete;
 
 private:
   std::unique_lock<std::mutex> guard;
+  bool mayLook = false;
 };
 
 /// Where autotuning results go, also while the variable is parked; null when
