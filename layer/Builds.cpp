@@ -6,13 +6,10 @@
 #include "layer/Notification.h"
 #include "layer/Programs.h"
 
-#include "base/ForkedChild.h"
-
 #include <chrono>
 #include <thread>
 
 using namespace corvane::layer;
-using corvane::inForkedChild;
 
 // The agent waits for the end of what it has started, so that it can look at
 // the program. The runtime ends it before it returns if nobody is to be
@@ -66,9 +63,6 @@ static cl_int CL_API_CALL build(cl_program program, cl_uint numDevices,
                                 const cl_device_id *devices,
                                 const char *options, Notify notify,
                                 void *userData) {
-  if (inForkedChild())
-    return runtime().clBuildProgram(program, numDevices, devices, options,
-                                    notify, userData);
   enterUnseenProgram(program);
   Notification notification(notify, userData);
   const cl_int status =
@@ -103,10 +97,6 @@ static cl_program CL_API_CALL link(cl_context context, cl_uint numDevices,
                                    const char *options, cl_uint numInputs,
                                    const cl_program *inputs, Notify notify,
                                    void *userData, cl_int *errcodeRet) {
-  if (inForkedChild())
-    return runtime().clLinkProgram(context, numDevices, devices, options,
-                                   numInputs, inputs, notify, userData,
-                                   errcodeRet);
   Notification notification(notify, userData);
   cl_program program = agent().clLinkProgram(
       context, numDevices, devices, options, numInputs, inputs, nullptr,

@@ -3,6 +3,7 @@
 #include "base/ForkedChild.h"
 #include "layer/AgentLibrary.h"
 #include "layer/Answer.h"
+#include "layer/ForkedChildren.h"
 #include "layer/LayerAgent.h"
 #include "layer/LayerTable.h"
 #include "layer/Storeys.h"
@@ -56,6 +57,7 @@ static std::string startAgent(LayerTable &table) {
   standAbove(table.application);
   if (tuning)
     watchCommands(table.application);
+  passChildrenThrough(table);
   return problem;
 }
 

@@ -26,7 +26,7 @@ enum class Release {
 ///
 /// Any thread may call; the lock is not held across calls of others. In a
 /// forked child, where it may be locked for ever, nothing is known of any
-/// object, and so calls pass through.
+/// object: what the agent passes on there comes here.
 template <typename Handle, typename Notes> class ObjectBook {
 public:
   /// Opens the book on a new object. Notes on an object that is gone and had

@@ -1,0 +1,41 @@
+// Leads each call of the application to the layer or, in a child, past it.
+
+#include "layer/ForkedChildren.h"
+
+#include "base/ForkedChild.h"
+
+using namespace corvane::layer;
+
+// The layer's own calls, where it serves any.
+static cl_icd_dispatch served;
+
+namespace {
+template <auto entry> struct ParentOnly;
+
+template <typename Result, typename... Arguments,
+          Result (CL_API_CALL *cl_icd_dispatch::*entry)(Arguments...)>
+struct ParentOnly<entry> {
+  static Result CL_API_CALL call(Arguments... arguments) {
+    if (corvane::inForkedChild())
+      return (runtime().*entry)(arguments...);
+    return (served.*entry)(arguments...);
+  }
+
+  static void putInto(LayerTable &table) {
+    if (table.application.*entry == table.agent.*entry)
+      return;
+    served.*entry = table.application.*entry;
+    table.application.*entry = call;
+  }
+};
+
+// What this system does not have is no function, and nobody serves it.
+template <void *cl_icd_dispatch::*entry> struct ParentOnly<entry> {
+  static void putInto(LayerTable &) {}
+};
+} // namespace
+
+void corvane::layer::passChildrenThrough(LayerTable &table) {
+#define ENTRY(name) ParentOnly<&cl_icd_dispatch::name>::putInto(table);
+#include "layer/TableEntries.def"
+}
