@@ -88,8 +88,7 @@ void rememberStandardError();
 /// might wait for ever:
 ///  - the host has closed the stream that was remembered and uses its number
 ///    for something else (a host that keeps the stream under another number has
-///    only redirected it, and gets what is written; so has one that had already
-///    redirected it to a file when it was remembered and does so again);
+///    only redirected it, and gets what is written);
 ///  - nobody reads the pipe, terminal or socket, and it has been full for two
 ///    seconds. From then on nothing waits until it takes bytes again. One that
 ///    is set not to block is never waited for.

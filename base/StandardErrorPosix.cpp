@@ -10,7 +10,6 @@
 #include <chrono>
 #include <climits>
 #include <cstdint>
-#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -34,28 +33,12 @@ struct Identity {
 };
 } // namespace
 
-// A closed descriptor is like no other.
+// A closed descriptor is like no other. Two threads that load at once write the
+// same; one that reads meanwhile loses a line at worst.
 static constexpr Identity closed{~std::uint64_t{0}, ~std::uint64_t{0}};
-// Descriptors of standard streams come first; so many are looked at.
-static constexpr int firstOther = STDERR_FILENO + 1;
-static constexpr int descriptorsTried = 1024;
-
-namespace {
-/// What standard error was at a load. Never changed afterwards, and never
-/// freed: any thread may look at it at any time.
-struct Remembered {
-  Identity stream;
-  /// If that was a file, the host may have redirected the stream for a time and
-  /// may do so again: what it could put back.
-  std::vector<Identity> kept;
-
-  bool operator==(const Remembered &other) const {
-    return stream == other.stream && kept == other.kept;
-  }
-};
-} // namespace
-
-static std::atomic<const Remembered *> remembered{nullptr};
+static std::atomic<bool> isRemembered{false};
+static std::atomic<std::uint64_t> rememberedDevice{0};
+static std::atomic<std::uint64_t> rememberedNode{0};
 
 static Identity identityOf(int descriptor) {
   struct stat status = {};
@@ -64,57 +47,30 @@ static Identity identityOf(int descriptor) {
   return {status.st_dev, status.st_ino};
 }
 
-static bool isFile(int descriptor) {
-  struct stat status = {};
-  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-static bool mayBeKeptStream(int descriptor) {
-  struct stat status = {};
-  if (fstat(descriptor, &status) != 0)
-    return false;
-  return S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) ||
-         isatty(descriptor) != 0 ||
-         identityOf(descriptor) == identityOf(STDOUT_FILENO);
-}
-
-static std::vector<Identity> streamsKeptNow() {
-  std::vector<Identity> kept;
-  if (!isFile(STDERR_FILENO))
-    return kept;
-  for (int other = firstOther; other != descriptorsTried; ++other)
-    if (mayBeKeptStream(other))
-      kept.push_back(identityOf(other));
-  return kept;
-}
-
 void platform::rememberStandardError() {
-  const Remembered now{identityOf(STDERR_FILENO), streamsKeptNow()};
-  const Remembered *before = remembered;
-  if (!before || !(*before == now))
-    remembered = new Remembered(now);
+  const Identity now = identityOf(STDERR_FILENO);
+  rememberedDevice = now.device;
+  rememberedNode = now.node;
+  isRemembered = true;
 }
 
 // Where a host keeps a stream that it puts back later.
-static bool isKept(const Remembered &then) {
-  for (int other = firstOther; other != descriptorsTried; ++other) {
-    const Identity open = identityOf(other);
-    if (open == closed)
-      continue;
-    if (open == then.stream || llvm::is_contained(then.kept, open))
+static bool isKeptElsewhere(const Identity &stream) {
+  constexpr int descriptorsTried = 1024;
+  for (int other = STDERR_FILENO + 1; other != descriptorsTried; ++other)
+    if (identityOf(other) == stream)
       return true;
-  }
   return false;
 }
 
 static bool isStandardError() {
-  const Remembered *then = remembered;
-  if (!then)
+  if (!isRemembered)
     return true;
+  const Identity then{rememberedDevice, rememberedNode};
   const Identity now = identityOf(STDERR_FILENO);
-  if (now == closed || then->stream == closed)
+  if (now == closed || then == closed)
     return false;
-  return now == then->stream || isKept(*then);
+  return now == then || isKeptElsewhere(then);
 }
 
 static bool canBlock() {
@@ -154,7 +110,10 @@ void platform::useStandardError(llvm::function_ref<void()> write) {
 
 // Where there is room for anything, there is room for so many bytes at once.
 static std::size_t pieceSize(std::size_t size) {
-  return isFile(STDERR_FILENO) ? size : std::min<std::size_t>(size, PIPE_BUF);
+  struct stat status = {};
+  const bool isFile =
+      fstat(STDERR_FILENO, &status) == 0 && S_ISREG(status.st_mode);
+  return isFile ? size : std::min<std::size_t>(size, PIPE_BUF);
 }
 
 static void writePieces(llvm::StringRef bytes) {

@@ -7,7 +7,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
-#include <vector>
 
 #include <io.h>
 #include <windows.h>
@@ -28,26 +27,10 @@ struct Identity {
 } // namespace
 
 static constexpr Identity closed{FILE_TYPE_UNKNOWN, 0, 0};
-// Descriptors of standard streams come first; so many are looked at.
-static constexpr int firstOther = 3;
-static constexpr int descriptorsTried = 512;
-
-namespace {
-/// What standard error was at a load. Never changed afterwards, and never
-/// freed: any thread may look at it at any time.
-struct Remembered {
-  Identity stream;
-  /// If that was a file, the host may have redirected the stream for a time and
-  /// may do so again: what it could put back.
-  std::vector<Identity> kept;
-
-  bool operator==(const Remembered &other) const {
-    return stream == other.stream && kept == other.kept;
-  }
-};
-} // namespace
-
-static std::atomic<const Remembered *> remembered{nullptr};
+static std::atomic<bool> isRemembered{false};
+static std::atomic<std::uint32_t> rememberedKind{0};
+static std::atomic<std::uint32_t> rememberedVolume{0};
+static std::atomic<std::uint64_t> rememberedFile{0};
 
 #if defined(_MSC_VER) || defined(_UCRT)
 // The universal C runtime ends the process for a number that is not open,
@@ -80,47 +63,31 @@ static Identity identityOf(int descriptor) {
               information.nFileIndexLow};
 }
 
-static std::vector<Identity> streamsKeptNow() {
-  std::vector<Identity> kept;
-  if (identityOf(2).kind != FILE_TYPE_DISK)
-    return kept;
-  for (int other = firstOther; other != descriptorsTried; ++other) {
-    const Identity open = identityOf(other);
-    const bool isStream =
-        open.kind == FILE_TYPE_PIPE || open.kind == FILE_TYPE_CHAR;
-    if (isStream || (!(open == closed) && open == identityOf(1)))
-      kept.push_back(open);
-  }
-  return kept;
-}
-
 void platform::rememberStandardError() {
-  const Remembered now{identityOf(2), streamsKeptNow()};
-  const Remembered *before = remembered;
-  if (!before || !(*before == now))
-    remembered = new Remembered(now);
+  const Identity now = identityOf(2);
+  rememberedKind = now.kind;
+  rememberedVolume = now.volume;
+  rememberedFile = now.file;
+  isRemembered = true;
 }
 
 // Where a host keeps a stream that it puts back later.
-static bool isKept(const Remembered &then) {
-  for (int other = firstOther; other != descriptorsTried; ++other) {
-    const Identity open = identityOf(other);
-    if (open == closed)
-      continue;
-    if (open == then.stream || llvm::is_contained(then.kept, open))
+static bool isKeptElsewhere(const Identity &stream) {
+  constexpr int descriptorsTried = 512;
+  for (int other = 3; other != descriptorsTried; ++other)
+    if (identityOf(other) == stream)
       return true;
-  }
   return false;
 }
 
 static bool isStandardError() {
-  const Remembered *then = remembered;
-  if (!then)
+  if (!isRemembered)
     return true;
+  const Identity then{rememberedKind, rememberedVolume, rememberedFile};
   const Identity now = identityOf(2);
-  if (now == closed || then->stream == closed)
+  if (now == closed || then == closed)
     return false;
-  return now == then->stream || isKept(*then);
+  return now == then || isKeptElsewhere(then);
 }
 
 void platform::useStandardError(llvm::function_ref<void()> write) {

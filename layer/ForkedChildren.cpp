@@ -15,17 +15,18 @@ template <auto entry> struct ParentOnly;
 template <typename Result, typename... Arguments,
           Result (CL_API_CALL *cl_icd_dispatch::*entry)(Arguments...)>
 struct ParentOnly<entry> {
-  static Result CL_API_CALL call(Arguments... arguments) {
+  static Result CL_API_CALL inParentOnly(Arguments... arguments) {
     if (corvane::inForkedChild())
       return (runtime().*entry)(arguments...);
     return (served.*entry)(arguments...);
   }
 
   static void putInto(LayerTable &table) {
-    if (table.application.*entry == table.agent.*entry)
+    auto &call = table.application.*entry;
+    if (call == table.agent.*entry || call == table.runtime.*entry)
       return;
-    served.*entry = table.application.*entry;
-    table.application.*entry = call;
+    served.*entry = call;
+    call = inParentOnly;
   }
 };
 

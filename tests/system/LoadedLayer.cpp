@@ -10,6 +10,7 @@
 #include <initializer_list>
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 using namespace corvane::test;
 
@@ -36,6 +37,9 @@ LoadedLayer::Answer
 LoadedLayer::init(const std::vector<void *> &loaderTable) const {
   Answer answer;
   testing::internal::CaptureStderr();
+  // What the agent finds now is standard error to it for good; so it has to
+  // stay open when the capture is over.
+  EXPECT_NE(dup(STDERR_FILENO), -1);
   answer.status =
       initLayer(static_cast<cl_uint>(loaderTable.size()),
                 reinterpret_cast<const cl_icd_dispatch *>(loaderTable.data()),

@@ -126,25 +126,6 @@ TEST(StandardError, ThatIsRedirectedForATimeGetsReports) {
   EXPECT_EQ(ended.errorText, report);
 }
 
-// Redirected at the load already, to a file that is gone by the next time.
-TEST(StandardError, ThatIsRedirectedForATimeAgainGetsReports) {
-  const Ended ended = runToItsEnd([](const std::string &log) {
-    const int kept = dup(STDERR_FILENO);
-    const auto redirectTo = [&log](const char *suffix) {
-      const int file =
-          open((log + suffix).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-      dup2(file, STDERR_FILENO);
-      close(file);
-    };
-    redirectTo(".first");
-    const Reporting host;
-    dup2(kept, STDERR_FILENO);
-    redirectTo(".second");
-    host.failOnce();
-  });
-  EXPECT_EQ(ended.files.at("log.txt.second"), report);
-}
-
 TEST(StandardError, ThatNobodyReadsAnyMoreDoesNotEndTheProcess) {
   runToItsEnd([](const std::string &) {
     std::signal(SIGPIPE, SIG_DFL);
