@@ -15,22 +15,23 @@ static thread_local unsigned tuningOnThisThread = 0;
 
 // If not, \p unsure gets the events that decide it, as far as those may be over
 // by now; none if asking changes nothing.
-bool CommandsInFlight::mayTune(Command &command, const Queue &queue,
-                               const Conflicts &conflicts, HeldEvents &unsure) {
+bool CommandsInFlight::mayTune(Command &command, const Conflicts &conflicts,
+                               HeldEvents &unsure) {
   const auto isEntering = [](const CommandRef &each) {
     return each->isEntering;
   };
-  // What is entering an in-order queue may come to lie in front of us, and may
-  // wait for anything.
   if (tuningOnThisThread != 0 || command.memory.anything ||
       isMapped(command.memory) ||
-      (queue.inOrder &&
-       std::any_of(queue.commands.begin(), queue.commands.end(), isEntering)) ||
       std::any_of(conflicts.others.begin(), conflicts.others.end(), isEntering))
     return false;
   for (const CommandRef &other : conflicts.others)
     unsure.push_back(other->event);
-  return !mayHang(command, unsure) && unsure.empty();
+  const bool hangs = mayHang(command, unsure);
+  const bool canBeAsked =
+      std::find(unsure.begin(), unsure.end(), nullptr) == unsure.end();
+  if (!canBeAsked)
+    unsure.clear();
+  return !hangs && canBeAsked && unsure.empty();
 }
 
 static void addOnce(std::vector<cl_command_queue> &queues,
@@ -95,8 +96,7 @@ bool CommandsInFlight::tryToAdmit(const CommandRequest &request,
       continue;
     }
     waitForTuned(*command, conflicts, admission);
-    command->mayBeTuned =
-        wantsTuning && mayTune(*command, queue, conflicts, unsure);
+    command->mayBeTuned = wantsTuning && mayTune(*command, conflicts, unsure);
     if (!unsure.empty()) {
       std::move(admission.moreWaits.begin(), admission.moreWaits.end(),
                 std::back_inserter(released));

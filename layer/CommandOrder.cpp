@@ -31,6 +31,7 @@ void CommandsInFlight::order(Command &command, Queue &queue,
                              const CommandRequest &request,
                              const HeldEvents &others, HeldEvents &released) {
   command.after.clear();
+  command.maybeAfter.clear();
   command.afterOthers = others;
   command.crossesQueues = false;
   command.mayHang = false;
@@ -56,8 +57,12 @@ void CommandsInFlight::order(Command &command, Queue &queue,
   const bool all = !queue.inOrder && request.waitsForQueue;
   for (auto earlier = queue.commands.rbegin(); earlier != queue.commands.rend();
        ++earlier) {
-    if ((*earlier)->isEntering)
+    if ((*earlier)->isEntering) {
+      command.maybeAfter.push_back(*earlier);
+      command.mayHang |=
+          (*earlier)->mayHang || (*earlier)->runsApplicationsCode;
       continue;
+    }
     if (queue.inOrder || all)
       comeAfter(command, *earlier);
     if (!all)
@@ -115,27 +120,31 @@ CommandsInFlight::conflictsOf(const Command &command, const Queue &own,
 }
 
 // Whether what the command waits for may wait for the application: \p pending
-// gets the events on which that hangs.
+// gets the events on which that hangs, null if there is none to ask after.
 bool CommandsInFlight::mayHang(Command &command, HeldEvents &pending) {
   if (!command.mayHang)
     return false;
+  const std::size_t before = pending.size();
   ++walk;
   std::vector<Command *> reached{&command};
+  const auto visit = [&](const std::vector<CommandRef> &earlier) {
+    for (const CommandRef &each : earlier) {
+      if (each->isOver || std::exchange(each->visit, walk) == walk)
+        continue;
+      if (each->runsApplicationsCode)
+        pending.push_back(each->event);
+      if (each->mayHang)
+        reached.push_back(each.get());
+    }
+  };
   for (std::size_t i = 0; i != reached.size(); ++i) {
     for (const auto &event : reached[i]->afterOthers)
       if (!event->isKnownToBeOver())
         pending.push_back(event);
-    for (const CommandRef &earlier : reached[i]->after) {
-      if (earlier->isOver || earlier->visit == walk)
-        continue;
-      earlier->visit = walk;
-      if (earlier->runsApplicationsCode)
-        pending.push_back(earlier->event);
-      if (earlier->mayHang)
-        reached.push_back(earlier.get());
-    }
+    visit(reached[i]->after);
+    visit(reached[i]->maybeAfter);
   }
-  if (!pending.empty())
+  if (pending.size() != before)
     return true;
   for (Command *each : reached)
     each->mayHang = false;

@@ -115,6 +115,7 @@ std::vector<CommandRef> CommandsInFlight::commandsOf(cl_command_queue queue) {
 void CommandsInFlight::remove(const CommandRef &command, HeldEvents &released) {
   command->isOver = true;
   command->after.clear();
+  command->maybeAfter.clear();
   released.insert(released.end(), command->afterOthers.begin(),
                   command->afterOthers.end());
   command->afterOthers.clear();

@@ -45,6 +45,8 @@ struct Command {
   std::shared_ptr<HeldEvent> event; ///< null while entering and when over
   /// What ends before it starts, as far as that was not over at the call.
   std::vector<std::shared_ptr<Command>> after;
+  /// What was entering its queue meanwhile and may have to end before it.
+  std::vector<std::shared_ptr<Command>> maybeAfter;
   HeldEvents afterOthers;     ///< events that are no command's of ours
   bool mayHang = false;       ///< may wait for the application; false stays
   bool crossesQueues = false; ///< comes after commands of other queues
@@ -126,7 +128,7 @@ private:
   Conflicts conflictsOf(const Command &command, const Queue &own,
                         bool tunedOnly);
   bool mayHang(Command &command, HeldEvents &pending);
-  bool mayTune(Command &command, const Queue &queue, const Conflicts &conflicts,
+  bool mayTune(Command &command, const Conflicts &conflicts,
                HeldEvents &unsure);
   static void waitForTuned(Command &command, const Conflicts &conflicts,
                            Admission &admission);

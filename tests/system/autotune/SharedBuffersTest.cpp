@@ -30,6 +30,13 @@ INSTANTIATE_TEST_SUITE_P(Of, WorkOnTheOtherHalf,
                            return std::string(kind.param);
                          });
 
+TEST(ThreadsThatShareABuffer, HaveTheResultsThatTheyWouldHaveAlone) {
+  const TempFolder results;
+  const TimingLog log = autotune(hostProgram("crowd"), results);
+  // Those of the last rounds, at least, were not in the way of each other.
+  EXPECT_EQ(log.rows.size(), 1u);
+}
+
 TEST(LaunchesThatWaitForTheApplication, RunAloneAndComeToAnEnd) {
   const TempFolder results;
   const TimingLog log = autotune(hostProgram("gates"), results);

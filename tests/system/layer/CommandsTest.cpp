@@ -337,6 +337,29 @@ TEST_F(LayeredCommands, OfAnotherThreadWaitUntilATunedLaunchIsEnqueued) {
   runYoungestFirst();
 }
 
+TEST_F(LayeredCommands, EnteringAQueueMayHoldUpALaunchThere) {
+  const cl_event start = runtime.addEvent();
+  const cl_mem other = createBuffer({5, 6});
+  set(kernel, other);
+  std::size_t launched = 0;
+  runtime.whenCalled("clEnqueueWriteBuffer", [&] {
+    if (std::exchange(launched, 1) != 0)
+      return;
+    launch(inOrder);
+    launched = launches().size();
+  });
+  EXPECT_EQ(write(inOrder, nullptr, CL_FALSE, {start}), CL_SUCCESS);
+  EXPECT_EQ(launched, 1u) << "alone: the write may come first in the queue";
+  runtime.endEvent(start);
+  runtime.runAll();
+
+  launched = 0;
+  runtime.forgetTranscript();
+  EXPECT_EQ(write(inOrder), CL_SUCCESS);
+  EXPECT_EQ(launched, 2u) << "the write waits for nothing";
+  runtime.runAll();
+}
+
 TEST_F(LayeredCommands, OfACallWithinATunedLaunchDoNotWaitForIt) {
   bool called = false;
   runtime.whenCalled("clFlush", [&] {

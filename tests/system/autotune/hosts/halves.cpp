@@ -94,8 +94,9 @@ static Event uploadToPart(LeftHalf &host, cl_uint round) {
 
 // A kernel that works on the right half; its versions are run, too.
 static Event launchOnRight(LeftHalf &host, cl_uint) {
-  const Kernel kernel = host.session.kernel("accumulateRight");
+  const Kernel kernel = host.session.kernel("accumulatePart");
   setAccumulate(kernel, host.y.get(), host.x.get(), 5);
+  setArgument(kernel.get(), 3, static_cast<cl_uint>(half));
   return launch(host.right.get(), kernel, half, 32);
 }
 

@@ -43,17 +43,18 @@ __kernel void accumulate_coarsed_g0S64(__global uint *y,
 }
 #endif
 
-// The same in the second of two halves of 65536 values.
-__kernel void accumulateRight(__global uint *y, __global const uint *x,
-                              uint a) {
-  const size_t i = 65536 + get_global_id(0);
+// The same in a part of the buffers.
+__kernel void accumulatePart(__global uint *y, __global const uint *x, uint a,
+                             uint from) {
+  const size_t i = from + get_global_id(0);
   y[i] = y[i] * a + x[i];
 }
 
 #ifndef WITHOUT_VARIANTS
-__kernel void accumulateRight_coarsed_g0S4(__global uint *y,
-                                           __global const uint *x, uint a) {
-  const size_t first = 65536 + 4 * get_global_id(0);
+__kernel void accumulatePart_coarsed_g0S4(__global uint *y,
+                                          __global const uint *x, uint a,
+                                          uint from) {
+  const size_t first = from + 4 * get_global_id(0);
   for (size_t i = first; i < first + 4; ++i)
     y[i] = y[i] * a + x[i];
 }
