@@ -78,6 +78,11 @@ void cutFile(std::FILE *file, long length);
 /// there.
 bool isOccupied(const void *address);
 
+/// Keeps the library that \p address lies in mapped until the process ends,
+/// however often it is closed. Does nothing for other addresses; failures are
+/// ignored.
+void keepLibraryOf(const void *address);
+
 /// Makes the standard error stream write bytes as they are.
 void makeErrorStreamBinary();
 

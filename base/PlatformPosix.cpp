@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <dlfcn.h>
 #include <sys/auxv.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -47,6 +48,12 @@ bool platform::isOccupied(const void *address) {
   void *const page = reinterpret_cast<void *>(bits - bits % pageSize);
   unsigned char resident = 0;
   return mincore(page, 1, &resident) == 0 || errno != ENOMEM;
+}
+
+void platform::keepLibraryOf(const void *address) {
+  Dl_info info = {};
+  if (dladdr(address, &info) != 0 && info.dli_fname)
+    (void)dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
 void platform::makeErrorStreamBinary() {}

@@ -56,4 +56,11 @@ bool platform::isOccupied(const void *address) {
          memory.State != MEM_FREE;
 }
 
+void platform::keepLibraryOf(const void *address) {
+  HMODULE module = nullptr;
+  (void)GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                               GET_MODULE_HANDLE_EX_FLAG_PIN,
+                           reinterpret_cast<LPCWSTR>(address), &module);
+}
+
 void platform::makeErrorStreamBinary() { _setmode(2, _O_BINARY); }

@@ -1,6 +1,7 @@
 // The two calls by which an OpenCL loader finds and starts the layer.
 
 #include "base/ForkedChild.h"
+#include "base/Platform.h"
 #include "layer/AgentLibrary.h"
 #include "layer/Answer.h"
 #include "layer/ForkedChildren.h"
@@ -12,8 +13,9 @@
 
 #include <CL/cl_layer.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cstdio>
+#include <mutex>
 #include <string>
 
 using namespace corvane::layer;
@@ -61,23 +63,34 @@ static std::string startAgent(LayerTable &table) {
   return problem;
 }
 
-/// Fills `table` for a first initialisation, and says what is in the way of
-/// that; empty when the table may go to the loader.
+/// Makes `table` ready for a loader with a table of `count` entries, and says
+/// what is in the way of that; empty when the table may go to the loader.
 static std::string prepareTable(LayerTable &table,
                                 const cl_icd_dispatch &loaderTable,
                                 cl_uint count) {
-  // A table that already carries the agent's hooks must not become the one that
-  // the agent forwards to: its hooks would call themselves.
-  static std::atomic<bool> started{false};
-  if (started.exchange(true))
-    return "it was started before in this process; name it once only";
+  static std::mutex lock;
+  static bool started = false;
+  const std::lock_guard<std::mutex> guard(lock);
   if (count < agentEntries)
     return "the OpenCL loader offers " + std::to_string(count) +
            " entry points where " + std::to_string(agentEntries) +
            " are needed; install a newer loader";
+  // A loader that is opened once more gets the same service. But one that has
+  // this layer in its table already would call it twice.
+  if (started && leadsToUs(table, loaderTable, count))
+    return "it was started before in this process; name it once only";
+  if (started)
+    return {};
 
   copyLoaderTable(table, loaderTable, count);
-  return startAgent(table);
+  std::string problem = startAgent(table);
+  if (!problem.empty())
+    return problem;
+  // The loader gets a table of ours now, and the runtime callbacks.
+  corvane::platform::keepLibraryOf(&started);
+  keepRuntimeLibraries(table);
+  started = true;
+  return problem;
 }
 
 cl_int CL_API_CALL clInitLayer(cl_uint numEntries,
@@ -90,7 +103,7 @@ cl_int CL_API_CALL clInitLayer(cl_uint numEntries,
   LayerTable &table = layerTable();
   const std::string problem = prepareTable(table, *targetDispatch, numEntries);
   if (problem.empty()) {
-    *numEntriesRet = table.count;
+    *numEntriesRet = std::min(table.count, numEntries);
     *layerDispatchRet = &table.application;
     return CL_SUCCESS;
   }

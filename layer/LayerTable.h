@@ -35,6 +35,16 @@ LayerTable &layerTable();
 void copyLoaderTable(LayerTable &table, const cl_icd_dispatch &loaderTable,
                      cl_uint count);
 
+/// Whether a table of \p count entries has one that the layer or the agent has
+/// put into the application's table: then it leads to this layer already.
+bool leadsToUs(const LayerTable &table, const cl_icd_dispatch &loaderTable,
+               cl_uint count);
+
+/// Keeps the libraries mapped that the runtime's entries lie in. They are
+/// called while commands of the application's run, and it may close its loader
+/// before.
+void keepRuntimeLibraries(const LayerTable &table);
+
 /// The calls below the layer, which neither the agent nor the layer sees.
 inline const cl_icd_dispatch &runtime() { return layerTable().runtime; }
 

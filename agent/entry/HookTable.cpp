@@ -4,6 +4,7 @@
 
 #include "agent/RuntimeTable.h"
 #include "base/ForkedChild.h"
+#include "base/Platform.h"
 #include "launch/Hooks.h"
 #include "programs/Hooks.h"
 
@@ -81,5 +82,10 @@ cl_int corvane::installHooks(AgentOperations &agent) {
 
   saveRuntimeTable(withoutOurHooks(given));
   writeChangedEntries(installedTable, withOurHooks(runtime()));
-  return agent.setICDDispatchTable(&agent, &installedTable, dispatchTableSize);
+  const cl_int status =
+      agent.setICDDispatchTable(&agent, &installedTable, dispatchTableSize);
+  // From now on the runtime may call hooks and callbacks at any time.
+  if (status == CL_SUCCESS)
+    platform::keepLibraryOf(&installedTable);
+  return status;
 }

@@ -139,9 +139,29 @@ TEST_F(InspectedLayer, TakesNoTableOnceTheLoaderHasIt) {
   EXPECT_EQ(installAgain(), CL_INVALID_OPERATION);
 }
 
-TEST_F(InspectedLayer, PassesASecondLoadersTableThrough) {
+TEST_F(InspectedLayer, ServesALoaderThatIsOpenedOnceMore) {
+  const LoadedLayer::Answer first = layer.init(loaderTableOf(knownEntries));
+  for (int opening = 2; opening <= 3; ++opening) {
+    const LoadedLayer::Answer again = layer.init(loaderTableOf(knownEntries));
+    EXPECT_EQ(again.status, CL_SUCCESS);
+    EXPECT_EQ(again.said, "");
+    EXPECT_EQ(again.count, first.count);
+    EXPECT_EQ(again.table, first.table);
+  }
+}
+
+TEST_F(InspectedLayer, SpeaksToASecondLoaderOnlyOfEntriesThatItHas) {
   layer.init(loaderTableOf(knownEntries));
-  const std::vector<void *> second = loaderTableOf(knownEntries);
+  EXPECT_EQ(layer.init(loaderTableOf(agentEntries)).count, agentEntries);
+}
+
+// So does a loader that was told of the layer twice.
+TEST_F(InspectedLayer, PassesATableThroughThatLeadsToItselfAlready) {
+  const LoadedLayer::Answer first = layer.init(loaderTableOf(knownEntries));
+  std::vector<void *> second;
+  for (size_t i = 0; i < knownEntries; ++i)
+    second.push_back(first.entry(i));
+  second[0] = &second; // another layer is between the two
   const LoadedLayer::Answer answer = layer.init(second);
   EXPECT_EQ(answer.status, CL_SUCCESS);
   ASSERT_EQ(answer.count, knownEntries);

@@ -1,10 +1,12 @@
 // A host that the agent leaves without having been unloaded.
 //
 // leaving_host MODE, with the agent configured by the environment as usual:
-//   free    frees the library
+//   free    frees the library when the runtime has refused its table
+//   kept    frees the library, which stays: the runtime has its table
 //   exit    returns from main
 //   locked  ends the process while other threads hold, for ever, the agent lock
-//           (in a build) and the C runtime's locks of the standard streams
+//           (in the creation of a kernel) and the C runtime's locks of the
+//           standard streams
 
 #include "tests/host/AgentHost.h"
 #include "tests/windows/Library.h"
@@ -26,13 +28,14 @@ static AgentHost host;
 static std::atomic<unsigned> threadsAtWork{0};
 
 // The agent holds its lock over this call.
-static cl_int CL_API_CALL buildForEver(cl_program, cl_uint,
-                                       const cl_device_id *, const char *,
-                                       void(CL_CALLBACK *)(cl_program, void *),
-                                       void *) {
+static cl_kernel CL_API_CALL createForEver(cl_program, const char *, cl_int *) {
   ++threadsAtWork;
   Sleep(INFINITE);
-  return CL_SUCCESS;
+  return nullptr;
+}
+
+static cl_int CL_API_CALL refuseTable(AgentOperations *, void *, std::size_t) {
+  return CL_INVALID_OPERATION;
 }
 
 static cl_int CL_API_CALL failToRelease(cl_program) {
@@ -48,7 +51,7 @@ static void holdStreams() {
 
 static void startThreads() {
   std::thread([] {
-    host.table().clBuildProgram(nullptr, 0, nullptr, nullptr, nullptr, nullptr);
+    host.table().clCreateKernel(nullptr, nullptr, nullptr);
   }).detach();
   std::thread(holdStreams).detach();
   while (threadsAtWork != 2)
@@ -65,16 +68,21 @@ static void writeRows(const std::string &directory) {
 int main(int count, char **arguments) {
   const std::string mode = count == 2 ? arguments[1] : "";
   const char *directory = std::getenv("CORVANE_AUTOTUNE");
-  if ((mode != "free" && mode != "exit" && mode != "locked") || !directory) {
+  if ((mode != "free" && mode != "kept" && mode != "exit" &&
+       mode != "locked") ||
+      !directory) {
     std::fprintf(stderr, "usage: CORVANE_AUTOTUNE=... leaving_host MODE\n");
     return 2;
   }
 
-  host.table().clBuildProgram = buildForEver;
+  host.table().clCreateKernel = createForEver;
   host.table().clReleaseProgram = failToRelease;
+  if (mode == "free")
+    host.operations()->setICDDispatchTable = refuseTable;
   void *library = loadOrEnd("CorvaneAg.dll");
-  if (findFunction<cl_int (*)(AgentOperations *)>(library, "clAgent_OnLoad")(
-          host.operations()) != CL_SUCCESS)
+  const cl_int status = findFunction<cl_int (*)(AgentOperations *)>(
+      library, "clAgent_OnLoad")(host.operations());
+  if (status != (mode == "free" ? CL_INVALID_OPERATION : CL_SUCCESS))
     return 3;
   writeRows(directory);
   if (mode == "locked") {
@@ -83,10 +91,11 @@ int main(int count, char **arguments) {
     // threads still live, and waits for them.
     ExitProcess(0);
   }
-  if (mode == "free") {
+  if (mode == "free" || mode == "kept") {
     freeLibrary(library);
-    // Whether it was freed indeed; whoever looks for results looks later.
-    return GetModuleHandleA("CorvaneAg.dll") ? 4 : 0;
+    // Whether it was freed indeed; the test looks for results later.
+    const bool isThere = GetModuleHandleA("CorvaneAg.dll");
+    return isThere == (mode == "kept") ? 0 : 4;
   }
   return 0;
 }

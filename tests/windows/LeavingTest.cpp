@@ -41,6 +41,15 @@ TEST(Leaving, ByBeingFreedWritesReportAndLog) {
   EXPECT_EQ(folder.read("log.txt"), "Frontend loaded\n");
 }
 
+TEST(Leaving, ByTheProcessAfterItWasFreedInVainWritesReportAndLog) {
+  TempFolder folder;
+  const Finished host = leave(folder, "kept", logInto(folder));
+  EXPECT_EQ(host.exitCode, 0U);
+  EXPECT_EQ(host.errors, "16\n");
+  expectReport(folder);
+  EXPECT_EQ(folder.read("log.txt"), "Frontend loaded\n");
+}
+
 TEST(Leaving, WithTheProcessWritesReportAndLog) {
   TempFolder folder;
   const Finished host = leave(folder, "exit", logInto(folder));
