@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "agent/LaunchRecord.h"
 #include "agent/RecordTable.h"
 
 #include <CL/cl.h>
@@ -16,6 +15,7 @@ namespace corvane {
 
 struct BufferRecord;
 struct KernelRecord;
+struct LaunchHistory;
 struct ProgramRecord;
 
 /// Everything that is remembered between load and flush. Records are defined by

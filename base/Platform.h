@@ -31,6 +31,10 @@ bool otherThreadsAreGone();
 /// Creates one directory level. Returns true also if it existed already.
 bool createDirectory(const char *path);
 
+/// The current folder, absolute; empty if it is unknown or cannot be reached by
+/// its name.
+std::string currentFolder();
+
 /// What stands between a directory and a name that createDirectory gets.
 extern const char *const directorySeparator;
 

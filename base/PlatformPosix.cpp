@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #include <dlfcn.h>
 #include <sys/auxv.h>
@@ -30,6 +32,14 @@ bool platform::otherThreadsAreGone() { return false; }
 
 bool platform::createDirectory(const char *path) {
   return mkdir(path, 0777) == 0 || errno == EEXIST;
+}
+
+std::string platform::currentFolder() {
+  std::error_code unknown;
+  const std::filesystem::path folder = std::filesystem::current_path(unknown);
+  if (unknown || !std::filesystem::equivalent(folder, ".", unknown))
+    return {};
+  return folder.string();
 }
 
 std::string platform::comparableFileName(std::string name) { return name; }

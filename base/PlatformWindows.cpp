@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include <direct.h>
@@ -39,6 +40,14 @@ bool platform::otherThreadsAreGone() {
 
 bool platform::createDirectory(const char *path) {
   return _mkdir(path) == 0 || errno == EEXIST;
+}
+
+std::string platform::currentFolder() {
+  struct Free {
+    void operator()(char *text) const { std::free(text); }
+  };
+  const std::unique_ptr<char, Free> folder(_getcwd(nullptr, 0));
+  return folder ? folder.get() : "";
 }
 
 // Capital letters make no other name.

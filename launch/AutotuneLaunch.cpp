@@ -11,7 +11,7 @@
 #include "launch/TimingTicket.h"
 #include "launch/VariantChoice.h"
 #include "programs/KernelName.h"
-#include "results/RawTimingLog.h"
+#include "session/LaunchHistory.h"
 
 #include <utility>
 
@@ -78,11 +78,8 @@ private:
 static std::shared_ptr<LaunchRecord> describe(LaunchHistory &history,
                                               const KernelRecord &record,
                                               const LaunchSizes &sizes) {
-  auto described = std::make_shared<LaunchRecord>();
-  std::lock_guard<std::mutex> lock(history.lock);
-  described->key = &history.shared(
-      launchKey(record.name(), sizes.workDim, sizes.global, sizes.local));
-  return described;
+  return history.makeRecord(
+      makeLaunchKey(record.name(), sizes.workDim, sizes.global, sizes.local));
 }
 
 AutotuneLaunch::AutotuneLaunch(AgentState &agentState,

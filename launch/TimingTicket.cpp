@@ -5,7 +5,7 @@
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"
 #include "base/ForkedChild.h"
-#include "results/RawTimingLog.h"
+#include "session/LogAppender.h"
 
 #include <new>
 #include <utility>

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "agent/LaunchRecord.h"
 #include "launch/EventChain.h"
 #include "programs/BufferRecord.h"
+#include "session/LaunchHistory.h"
 
 #include <CL/cl.h>
 

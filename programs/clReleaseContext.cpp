@@ -4,7 +4,7 @@
 #include "agent/Environment.h"
 #include "agent/RuntimeTable.h"
 #include "programs/Hooks.h"
-#include "results/Flush.h"
+#include "session/Flush.h"
 
 using namespace corvane;
 

@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// Fixed notation with \p decimals (at most 9) digits behind the point. What is
+/// Fixed notation with \p decimals (at most 9) digits after the point. What is
 /// infinite or no number is written as zero.
 std::string fixedText(double value, int decimals);
 
@@ -20,7 +20,7 @@ std::string generalText(double value);
 /// Writes the same, without a string for each of many numbers.
 void writeGeneral(llvm::raw_ostream &out, double value);
 
-/// The number that \p text starts with, behind blanks and perhaps a sign; the
+/// The number that \p text starts with, after blanks and perhaps a sign; the
 /// rest is ignored. 0.0 if there is none or no double can hold it; infinities
 /// and NaNs are no numbers.
 double leadingNumber(std::string_view text);

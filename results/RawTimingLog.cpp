@@ -1,58 +1,21 @@
-// Writes whole lines only, each in one go: a process that is killed at any
-// moment leaves a log that can be read.
+// One line of text for each run, nine fields with commas between them.
 
 #include "results/RawTimingLog.h"
 
-#include "agent/Flags.h"
-#include "base/Platform.h"
-#include "results/ConfigResults.h"
-#include "results/File.h"
+#include "results/Files.h"
 #include "results/NumberText.h"
-#include "results/OutputDirectory.h"
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
-#include <mutex>
-#include <new>
-#include <optional>
-#include <string_view>
-#include <utility>
+#include <deque>
+#include <type_traits>
+#include <unordered_map>
 
 using namespace corvane;
-using platform::FileHandle;
-using platform::FileUse;
 
 // The column names are part of the interface, byte for byte.
-static constexpr const char *headerLine =
+const std::string_view corvane::rawLogHeader =
     "kernel,x_global,y_global,z_global,x_local,y_local,z_local,coarsed_kernel,"
     "time\n";
-
-// A leaf lock below the histories': a second load empties the log for which the
-// first one's runs have a lock of their own.
-static std::mutex fileLock;
-
-std::string corvane::rawLogPath(const std::string &directory) {
-  return directory + "/.auto.csv";
-}
-
-static void addSizes(std::string &key, const std::array<std::size_t, 3> &sizes,
-                     std::size_t count) {
-  for (std::size_t d = 0; d != sizes.size(); ++d) {
-    key += ',';
-    if (d < count)
-      key += std::to_string(sizes[d]);
-  }
-}
-
-std::string corvane::launchKey(const std::string &kernel, std::uint32_t workDim,
-                               const std::array<std::size_t, 3> &globalSize,
-                               const std::array<std::size_t, 3> &localSize) {
-  std::string key = kernel;
-  addSizes(key, globalSize, workDim);
-  addSizes(key, localSize, workDim);
-  return key;
-}
 
 // Up to this many nanoseconds the double that stands for them, with three
 // decimals, has just their digits.
@@ -67,115 +30,93 @@ std::string corvane::timeText(std::uint64_t nanoseconds) {
   return fixedText(static_cast<double>(nanoseconds) / 1000.0, 3);
 }
 
-static std::string rowLine(const LaunchRecord &record,
-                           const TimingEntry &entry) {
-  std::string line = *record.key;
-  line += ',';
-  line += entry.version->empty() ? baselineName : *entry.version;
-  line += ',';
-  line += timeText(entry.nanoseconds);
-  line += '\n';
-  return line;
+std::string corvane::rawLogRow(std::string_view fields,
+                               std::string_view version,
+                               std::uint64_t nanoseconds) {
+  std::string row(fields);
+  row += ',';
+  row += version.empty() ? baselineName : version;
+  row += ',';
+  row += timeText(nanoseconds);
+  row += '\n';
+  return row;
 }
 
-// A full disk may take the first part of a line; the log, which was \p before
-// bytes long if that is known, must not keep it.
-static bool writeLine(std::FILE *log, std::string_view line, long before) {
-  if (platform::writeBytes(log, line.data(), line.size()) == line.size())
-    return true;
-  if (before >= 0)
-    platform::cutFile(log, before);
-  return false;
-}
+namespace {
 
-bool corvane::createRawLog(const std::string &directory) {
-  const std::lock_guard<std::mutex> guard(fileLock);
-  const FileHandle log = openFile(rawLogPath(directory), FileUse::Replace);
-  if (!log)
-    return false;
-  writeLine(log.get(), headerLine, 0);
-  return true;
-}
+/// Adds rows to the configurations that they belong to.
+class RowCollector {
+public:
+  explicit RowCollector(std::vector<ConfigResults> &addTo) : configs(addTo) {}
 
-// The length of a log that was \p length long, and got so many bytes since;
-// negative if it is not known or does not fit.
-static long lengthAfter(long length, std::size_t bytes) {
-  const auto most =
-      static_cast<unsigned long>(std::numeric_limits<long>::max());
-  if (length < 0 || bytes > most - static_cast<unsigned long>(length))
-    return -1;
-  return length + static_cast<long>(bytes);
-}
+  void add(std::string_view line);
 
-// Writes as many whole lines as the disk takes behind the \p length bytes that
-// are there; the others stay in rows.
-static void writeRows(std::FILE *log, std::string &rows, long length) {
-  std::size_t written = 0;
-  while (written < rows.size()) {
-    const std::size_t next = rows.find('\n', written) + 1;
-    if (!writeLine(log, {rows.data() + written, next - written},
-                   lengthAfter(length, written)))
-      break;
-    written = next;
+private:
+  Samples &samplesOf(std::string_view keyAndVersion);
+  std::map<std::string, Samples, std::less<>> &
+  versionsOf(std::string_view fields);
+
+  std::vector<ConfigResults> &configs;
+  std::deque<std::string> texts; ///< what the tables' keys refer to
+  std::unordered_map<std::string_view, std::size_t> configByFields;
+  /// By all but the time of a row: most rows are found here.
+  std::unordered_map<std::string_view, Samples *> samplesByText;
+};
+
+} // namespace
+
+// A vector that grows moves its configurations, whose lists of samples stay
+// where they are then.
+static_assert(std::is_nothrow_move_constructible_v<ConfigResults>);
+
+static constexpr std::size_t commasBeforeTime = LaunchKey::fieldCount + 1;
+
+void RowCollector::add(std::string_view line) {
+  std::size_t commas = 0;
+  const auto beforeTime =
+      std::find_if(line.begin(), line.end(), [&commas](char c) {
+        return c == ',' && ++commas == commasBeforeTime;
+      });
+  const auto length = static_cast<std::size_t>(beforeTime - line.begin());
+  if (commas == commasBeforeTime) {
+    samplesOf(line.substr(0, length))
+        .push_back(leadingNumber(line.substr(length + 1)));
+    return;
   }
-  rows.erase(0, written);
+  // The commas that the line lacks are added.
+  std::string padded(line);
+  padded.append(LaunchKey::fieldCount - commas, ',');
+  samplesOf(padded).push_back(0.0);
 }
 
-static std::string allRows(const LaunchHistory &history) {
-  std::string rows;
-  for (const std::shared_ptr<LaunchRecord> &record : history.records)
-    for (const TimingEntry &entry : record->timings)
-      rows += rowLine(*record, entry);
-  return rows;
+Samples &RowCollector::samplesOf(std::string_view keyAndVersion) {
+  const auto known = samplesByText.find(keyAndVersion);
+  if (known != samplesByText.end())
+    return *known->second;
+  const std::string_view text = texts.emplace_back(keyAndVersion);
+  const std::size_t comma = text.rfind(',');
+  Samples &samples =
+      versionsOf(text.substr(0, comma))[std::string(text.substr(comma + 1))];
+  samplesByText.emplace(text, &samples);
+  return samples;
 }
 
-// \p log is empty.
-static void writeAnew(std::FILE *log, LaunchHistory &history) {
-  // A full disk takes not even the header; a long history is not made into rows
-  // for each try.
-  if (!writeLine(log, headerLine, 0))
-    return;
-  try {
-    history.unwrittenRows = allRows(history);
-  } catch (const std::bad_alloc &) {
-    platform::cutFile(log, 0); // the next row tries again
-    throw;
-  }
-  writeRows(log, history.unwrittenRows,
-            static_cast<long>(std::strlen(headerLine)));
+std::map<std::string, Samples, std::less<>> &
+RowCollector::versionsOf(std::string_view fields) {
+  const auto [found, isNew] =
+      configByFields.try_emplace(fields, configs.size());
+  if (isNew)
+    configs.push_back({splitFields(fields), {}});
+  return configs[found->second].versions;
 }
 
-// Each time anew, for anybody may have moved, emptied or deleted the log. One
-// handle is enough to look at it and to add to it: opened like this a missing
-// log is an empty one. A log that can be written but not read is made anew.
-static void updateLog(const std::string &path, LaunchHistory &history) {
-  FileHandle log = openFile(path, FileUse::Append);
-  if (!log)
-    log = openFile(path, FileUse::Replace);
-  if (!log)
-    return;
-  // Negative where it does not fit: such a log is not empty.
-  const long length =
-      std::fseek(log.get(), 0, SEEK_END) == 0 ? std::ftell(log.get()) : -1;
-  if (length == 0)
-    writeAnew(log.get(), history);
-  else
-    writeRows(log.get(), history.unwrittenRows, length);
-}
-
-void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
-  const std::lock_guard<std::mutex> guard(fileLock);
-  if (!autotuneOutput() || !history.open || record.timings.empty())
-    return;
-  history.unwrittenRows += rowLine(record, record.timings.back());
-  if (const std::optional<std::string> directory =
-          outputDirectory(history.loadFolder))
-    updateLog(rawLogPath(*directory), history);
-}
-
-void corvane::writeWaitingRows(LaunchHistory &history,
-                               const std::string &directory) {
-  const std::unique_lock<std::mutex> guard(fileLock, std::try_to_lock);
-  if (guard && !history.unwrittenRows.empty())
-    updateLog(rawLogPath(directory), history);
+llvm::Error corvane::readRawLog(const std::string &path,
+                                std::vector<ConfigResults> &configs) {
+  LineReader lines(path);
+  std::string_view line;
+  lines.next(line); // the header
+  RowCollector rows(configs);
+  while (lines.next(line))
+    rows.add(line);
+  return lines.takeError();
 }

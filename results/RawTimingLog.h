@@ -1,46 +1,48 @@
-// The raw timing log: a line of text for each run, as soon as it completes.
+// The raw timing log: the text of its rows, and the samples read back from it.
 
 #pragma once
 
-#include "agent/LaunchRecord.h"
+#include "results/LaunchKey.h"
 
-#include <array>
-#include <cstddef>
+#include "llvm/Support/Error.h"
+
 #include <cstdint>
+#include <map>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace corvane {
 
-/// Where the log of an output directory is; the directory's text is used as it
-/// stands.
-std::string rawLogPath(const std::string &directory);
+/// How every file names the application's own kernel among the versions.
+inline constexpr std::string_view baselineName = "baseline";
 
-/// The first seven fields of a row: the kernel and its sizes, empty for the
-/// dimensions that the launch does not have.
-std::string launchKey(const std::string &kernel, std::uint32_t workDim,
-                      const std::array<std::size_t, 3> &globalSize,
-                      const std::array<std::size_t, 3> &localSize);
+/// The first line, with its line feed.
+extern const std::string_view rawLogHeader;
 
-/// A duration in microseconds, three digits behind the point.
+/// The line of one run, with its line feed. \p fields is the launch's key,
+/// joined with commas; an empty \p version is the application's kernel.
+std::string rawLogRow(std::string_view fields, std::string_view version,
+                      std::uint64_t nanoseconds);
+
+/// A duration in microseconds with three decimals.
 std::string timeText(std::uint64_t nanoseconds);
 
-/// Makes a log that holds only the header line, whatever was there before.
-/// Returns whether it could be opened; whether it could be written is nobody's
-/// concern. Any thread, also while runs of an earlier load complete.
-bool createRawLog(const std::string &directory);
+/// The times of one version, in microseconds; never infinite or NaN.
+using Samples = std::vector<double>;
 
-/// Writes the rows that could not be written yet, or makes a missing or empty
-/// log anew from the whole history. Does nothing if no row waits or another
-/// thread is writing to a log: waits for no lock. Failures leave no trace.
-///
-/// Hold the history's lock.
-void writeWaitingRows(LaunchHistory &history, const std::string &directory);
+/// The runs of one launch configuration, as they stand in the log.
+struct ConfigResults {
+  LaunchKey launchKey;
+  /// The samples of each version in the order of the log, by its name; ordered
+  /// by the bytes of the names.
+  std::map<std::string, Samples, std::less<>> versions;
+};
 
-/// Adds a row for the last timing of \p record to the log, or makes a missing
-/// or empty log anew from the whole history. Does nothing without autotuning or
-/// once the history is closed; failures leave no trace.
-///
-/// Hold the history's lock.
-void appendTiming(LaunchHistory &history, const LaunchRecord &record);
+/// Adds the configurations of a log to \p configs, in the order in which they
+/// first occur. Lines that are no rows give garbled configurations. After an
+/// error, what came before it has been added; a log that is missing is one.
+llvm::Error readRawLog(const std::string &path,
+                       std::vector<ConfigResults> &configs);
 
 } // namespace corvane

@@ -3,7 +3,6 @@
 #include "results/ResultsTable.h"
 
 #include "results/NumberText.h"
-#include "results/Statistics.h"
 
 using namespace corvane;
 
@@ -13,23 +12,12 @@ ResultsTable::ResultsTable(llvm::raw_ostream &stream) : out(stream) {
          "coarsed_kernel,time,outlier\n";
 }
 
-static std::string rowStart(const ConfigResults &config,
-                            const std::string &version) {
-  std::string start;
-  for (const std::string *field :
-       {&config.kernel, &config.xGlobal, &config.yGlobal, &config.zGlobal,
-        &config.xLocal, &config.yLocal, &config.zLocal, &version}) {
-    start += *field;
-    start += ',';
-  }
-  return start;
-}
-
-LineRange ResultsTable::addRows(const ConfigResults &config) {
+LineRange ResultsTable::addRows(const RankedConfig &config) {
   LineRange range;
   range.first = nextRow;
+  const std::string key = joinedFields(config.launchKey, ',');
   for (const auto &[version, stats] : config.ranking) {
-    const std::string start = rowStart(config, version);
+    const std::string start = key + ',' + version + ',';
     for (double sample : stats.samples) {
       out << start;
       writeGeneral(out, sample);

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "results/ConfigResults.h"
+#include "results/Statistics.h"
 
 #include "llvm/Support/raw_ostream.h"
 
@@ -23,9 +23,8 @@ public:
   /// Writes the header line.
   explicit ResultsTable(llvm::raw_ostream &stream);
 
-  /// Writes the rows of a configuration that has been ranked and returns where
-  /// they are.
-  LineRange addRows(const ConfigResults &config);
+  /// Writes the rows of a configuration and returns where they are.
+  LineRange addRows(const RankedConfig &config);
 
 private:
   llvm::raw_ostream &out;

@@ -9,8 +9,6 @@
 
 using namespace corvane;
 
-using Samples = std::vector<double>;
-
 // Of an even number of samples the upper one in the middle; the two are not
 // averaged, so that the median is always a time that was measured.
 static double upperMedian(const Samples &sorted) {
@@ -37,10 +35,10 @@ static double populationDeviation(const Samples &samples, double mean) {
   return std::sqrt(squares / static_cast<double>(samples.size()));
 }
 
-void corvane::computeStats(VersionStats &stats) {
-  Samples &samples = stats.samples;
+VersionStats corvane::computeStats(Samples samples) {
+  VersionStats stats;
   if (samples.empty())
-    return;
+    return stats;
   stats.arrival = samples;
   std::sort(samples.begin(), samples.end());
   stats.min = samples.front();
@@ -49,17 +47,34 @@ void corvane::computeStats(VersionStats &stats) {
   stats.outliers = findOutliers(samples);
   stats.mean = meanOf(samples);
   stats.stddev = populationDeviation(samples, stats.mean);
+  stats.samples = std::move(samples);
+  return stats;
 }
 
-void corvane::rankVersions(ConfigResults &config) {
-  config.ranking.reserve(config.versions.size());
-  for (auto &[name, stats] : config.versions) {
-    computeStats(stats);
-    // The figures are copied, the lists move.
-    config.ranking.emplace_back(name, std::move(stats));
-  }
-  std::stable_sort(config.ranking.begin(), config.ranking.end(),
+RankedConfig corvane::rankVersions(ConfigResults config) {
+  RankedConfig ranked;
+  ranked.launchKey = std::move(config.launchKey);
+  ranked.ranking.reserve(config.versions.size());
+  for (auto &[name, samples] : config.versions)
+    ranked.ranking.emplace_back(name, computeStats(std::move(samples)));
+  std::stable_sort(ranked.ranking.begin(), ranked.ranking.end(),
                    [](const auto &left, const auto &right) {
                      return left.second.mean < right.second.mean;
                    });
+  return ranked;
+}
+
+const VersionStats *RankedConfig::baseline() const {
+  const auto found =
+      std::find_if(ranking.begin(), ranking.end(), [](const auto &version) {
+        return version.first == baselineName;
+      });
+  return found == ranking.end() ? nullptr : &found->second;
+}
+
+std::size_t RankedConfig::sampleCount() const {
+  std::size_t fewest = ranking.empty() ? 0 : ranking[0].second.arrival.size();
+  for (const auto &[name, stats] : ranking)
+    fewest = std::min(fewest, stats.arrival.size());
+  return fewest;
 }

@@ -12,7 +12,7 @@
 #include "agent/entry/Records.h"
 #include "base/ForkedChild.h"
 #include "base/Platform.h"
-#include "results/Flush.h"
+#include "session/Flush.h"
 
 using namespace corvane;
 

@@ -7,9 +7,11 @@
 #include "agent/Environment.h"
 #include "agent/Flags.h"
 #include "base/Platform.h"
-#include "results/OutputDirectory.h"
-#include "results/RawTimingLog.h"
+#include "session/LaunchHistory.h"
+#include "session/LogAppender.h"
+#include "session/OutputDirectory.h"
 
+#include <optional>
 #include <string>
 
 using namespace corvane;
@@ -23,25 +25,31 @@ static void reportUnusable(const std::string &directory) {
 // A second load goes on with the history, and in the folder, of the first one.
 static std::string loadFolder() {
   const AgentState *state = agentState();
-  return state ? state->launchRecords->loadFolder : currentFolder();
+  return state ? state->launchRecords->loadFolder : platform::currentFolder();
+}
+
+// A build on another thread may have parked the variable.
+static std::optional<std::string> givenDirectory() {
+  const EnvironmentLook look;
+  const char *value = look ? resultsDir() : nullptr;
+  if (!value)
+    return std::nullopt;
+  return value;
 }
 
 void corvane::prepareOutput() {
   // Looked up and deliberately ignored: the name is reserved.
   (void)lookUp(variable::corvane);
 
-  // A build on another thread may have parked the variable.
-  const EnvironmentLook look;
-  const char *value = resultsDir();
-  if (!value) {
+  const std::optional<std::string> asGiven = givenDirectory();
+  const std::optional<std::string> directory = outputDirectory(loadFolder());
+  if (!asGiven || !directory) {
     setAutotuneOutput(false);
     return;
   }
-  const std::string asGiven = value;
-  const std::string directory = outputDirectory(loadFolder()).value_or("");
-  platform::createDirectory(directory.c_str());
-  const bool usable = createRawLog(directory);
+  platform::createDirectory(directory->c_str());
+  const bool usable = createRawLog(*directory);
   if (!usable)
-    reportUnusable(asGiven);
+    reportUnusable(*asGiven);
   setAutotuneOutput(usable);
 }

@@ -3,7 +3,7 @@
 #include "agent/entry/ProcessDetach.h"
 
 #include "base/ForkedChild.h"
-#include "results/Flush.h"
+#include "session/Flush.h"
 
 #include <new>
 

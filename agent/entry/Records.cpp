@@ -3,15 +3,17 @@
 #include "agent/entry/Records.h"
 
 #include "agent/AgentState.h"
+#include "base/Platform.h"
 #include "launch/KernelRecord.h"
 #include "programs/BufferRecord.h"
 #include "programs/ProgramRecord.h"
-#include "results/OutputDirectory.h"
+#include "session/LaunchHistory.h"
 
 using namespace corvane;
 
 AgentState::AgentState()
-    : launchRecords(std::make_shared<LaunchHistory>(currentFolder())) {}
+    : launchRecords(
+          std::make_shared<LaunchHistory>(platform::currentFolder())) {}
 
 AgentState::~AgentState() = default;
 

@@ -5,9 +5,8 @@
 #include "bench/results/Folder.h"
 #include "bench/results/PlainTable.h"
 #include "bench/results/SampleLog.h"
-#include "results/OutputFile.h"
-#include "results/ReportWriter.h"
-#include "results/ResultsReader.h"
+#include "results/Files.h"
+#include "results/Report.h"
 #include "results/ResultsTable.h"
 #include "results/Statistics.h"
 
@@ -16,6 +15,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 using namespace corvane;
 using namespace corvane::bench;
@@ -30,20 +30,18 @@ static ReportJob jobIn(const Folder &folder, const std::string &log) {
 // All of a flush but the pages.
 static void writeTable(const Folder &folder, const std::string &log) {
   ReportJob job = jobIn(folder, log);
-  readCSV(job);
+  llvm::cantFail(readRawLog(job.logPath, job.configs));
   OutputFile file(folder.file("autotune.csv"));
   ResultsTable table(file);
-  for (ConfigResults &config : job.configs) {
-    rankVersions(config);
-    table.addRows(config);
-    config = ConfigResults();
-  }
+  for (ConfigResults &config : job.configs)
+    table.addRows(rankVersions(std::exchange(config, ConfigResults())));
+  llvm::cantFail(file.finish());
 }
 
 static void writeAll(const Folder &folder, const std::string &log) {
   ReportJob job = jobIn(folder, log);
-  readCSV(job);
-  writeReport(job);
+  llvm::cantFail(readRawLog(job.logPath, job.configs));
+  llvm::cantFail(writeResultFiles(job));
 }
 
 static std::string bytesOf(const std::string &path) {

@@ -3,10 +3,9 @@
 
 #include "agent/Environment.h"
 #include "agent/Flags.h"
-#include "agent/LaunchRecord.h"
 #include "bench/results/Folder.h"
 #include "bench/results/SampleLog.h"
-#include "results/RawTimingLog.h"
+#include "session/LogAppender.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,19 +21,19 @@ using namespace corvane::bench;
 static constexpr const char *row = "k,1024,1024,,16,16,,g0S4,12.345\n";
 
 static std::shared_ptr<LaunchRecord> someLaunch(LaunchHistory &history) {
-  auto launch = std::make_shared<LaunchRecord>();
-  launch->key =
-      &history.shared(launchKey("k", 2, {1024, 1024, 0}, {16, 16, 0}));
+  auto launch =
+      history.makeRecord(makeLaunchKey("k", 2, {1024, 1024, 0}, {16, 16, 0}));
+  const std::lock_guard<std::mutex> lock(history.lock);
   launch->timings.push_back({&history.shared("g0S4"), 12345});
   return launch;
 }
 
 static void appendByAgent(benchmark::State &state, std::size_t launchesBefore) {
   LaunchHistory history;
-  const std::lock_guard<std::mutex> lock(history.lock);
   for (std::size_t i = 0; i != launchesBefore; ++i)
     history.records.push_back(someLaunch(history));
   const std::shared_ptr<LaunchRecord> launch = someLaunch(history);
+  const std::lock_guard<std::mutex> lock(history.lock);
   for (auto _ : state)
     appendTiming(history, *launch);
 }

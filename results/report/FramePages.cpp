@@ -1,5 +1,6 @@
 // The pages that only hold others together.
 
+#include "results/ResultFiles.h"
 #include "results/report/Pages.h"
 #include "results/report/SafeText.h"
 
@@ -10,11 +11,11 @@ void corvane::writeFramePage(llvm::raw_ostream &out, const std::string &base) {
          "<html>"
          "<frameset rows = \"50%,*\">\n"
          "<frame src=\""
-      << base
-      << "_table.html\">\n"
+      << base << resultFile::tablePage
+      << "\">\n"
          "<frame src=\""
-      << base
-      << "_graph.html\">\n"
+      << base << resultFile::graphPage
+      << "\">\n"
          "</frameset>\n"
          "</html>";
 }
@@ -39,8 +40,11 @@ void corvane::writeMainPage(llvm::raw_ostream &out,
          "<head><title>AUTOTUNE OUTPUT</title></head>\n"
          "<html>\n"
          "<frameset cols = \"20%,*\">\n"
-         "<frame src=\"html/index.html\" name=\"indexfrm\">\n"
-         "<frame src=\"html/"
+         "<frame src=\""
+      << resultFile::pageFolder << '/' << resultFile::indexPage
+      << "\" name=\"indexfrm\">\n"
+         "<frame src=\""
+      << resultFile::pageFolder << '/'
       << (entries.empty() ? "" : entries.front().page)
       << "\" name=\"basefrm\">\n"
          "</frameset>\n"

@@ -22,12 +22,12 @@ static void writeHead(llvm::raw_ostream &out,
 }
 
 // At first only the fastest version and the original are shown.
-static bool isVisible(const ConfigResults &config, std::size_t rank) {
+static bool isVisible(const RankedConfig &config, std::size_t rank) {
   return rank == 0 || config.ranking[rank].first == baselineName;
 }
 
 static void writeCheckboxes(llvm::raw_ostream &out,
-                            const ConfigResults &config) {
+                            const RankedConfig &config) {
   for (std::size_t i = 0; i != config.ranking.size(); ++i)
     out << "<input type=checkbox id=\"" << i
         << (isVisible(config, i) ? "\" checked" : "\"")
@@ -37,12 +37,12 @@ static void writeCheckboxes(llvm::raw_ostream &out,
 
 // A sum of string literals that make up a table with a column a version, as
 // many rows as the version with the fewest samples has.
-static void writeData(llvm::raw_ostream &out, const ConfigResults &config) {
+static void writeData(llvm::raw_ostream &out, const RankedConfig &config) {
   out << "\"iter";
   for (const auto &[name, stats] : config.ranking)
     out << "," << scriptText(name);
   out << "\\n\"\n";
-  const std::size_t count = sampleCount(config);
+  const std::size_t count = config.sampleCount();
   for (std::size_t i = 0; i != count; ++i) {
     out << "+ \"" << i + 1;
     for (const auto &[name, stats] : config.ranking) {
@@ -54,12 +54,12 @@ static void writeData(llvm::raw_ostream &out, const ConfigResults &config) {
 }
 
 static void writeVisibility(llvm::raw_ostream &out,
-                            const ConfigResults &config) {
+                            const RankedConfig &config) {
   for (std::size_t i = 0; i != config.ranking.size(); ++i)
     out << (i == 0 ? "" : ",") << (isVisible(config, i) ? "true" : "false");
 }
 
-static void writeScript(llvm::raw_ostream &out, const ConfigResults &config) {
+static void writeScript(llvm::raw_ostream &out, const RankedConfig &config) {
   out << "<script type=\"text/javascript\">\n"
          "g = new Dygraph(document.getElementById(\"graphdiv\"),";
   writeData(out, config);
@@ -73,8 +73,7 @@ static void writeScript(llvm::raw_ostream &out, const ConfigResults &config) {
          "</script>\n";
 }
 
-void corvane::writeGraphPage(llvm::raw_ostream &out,
-                             const ConfigResults &config,
+void corvane::writeGraphPage(llvm::raw_ostream &out, const RankedConfig &config,
                              const std::string &installLocation) {
   writeHead(out, installLocation);
   out << "<body>\n"

@@ -3,16 +3,31 @@
 #include "results/report/PageNames.h"
 
 #include "base/Platform.h"
+#include "results/ResultFiles.h"
 
 #include "llvm/ADT/STLExtras.h"
 #include "llvm/ADT/StringExtras.h"
 
 #include <algorithm>
+#include <string_view>
 
 using namespace corvane;
 
+static std::string dimension(const char *name, const std::string &global,
+                             const std::string &local) {
+  return global.empty() ? "" : name + global + "/" + local;
+}
+
+// The comma stands before "y" and "z" even if nothing stands before the comma.
+std::string corvane::configTitle(const LaunchKey &key) {
+  return key.kernel + " [ " + dimension("x:", key.xGlobal, key.xLocal) +
+         dimension(", y:", key.yGlobal, key.yLocal) +
+         dimension(", z:", key.zGlobal, key.zLocal) + " ] ";
+}
+
 // No file system has room for more in a name.
-static constexpr std::size_t mostBytes = 255 - sizeof("_graph.html") + 1;
+static constexpr std::size_t mostBytes =
+    255 - std::string_view(resultFile::graphPage).size();
 
 // What is left of a name that gets a number. Far below the limit: a path has
 // one as well.
@@ -26,22 +41,11 @@ static bool isSize(const std::string &text) {
   return llvm::all_of(text, [](char c) { return llvm::isDigit(c); });
 }
 
-static bool isOrdinary(const ConfigResults &config) {
-  return llvm::all_of(config.kernel, isNameCharacter) &&
-         isSize(config.xGlobal) && isSize(config.yGlobal) &&
-         isSize(config.zGlobal) && isSize(config.xLocal) &&
-         isSize(config.yLocal) && isSize(config.zLocal);
-}
-
-static std::string joinedKey(const ConfigResults &config) {
-  std::string joined = config.kernel;
-  for (const std::string *size :
-       {&config.xGlobal, &config.yGlobal, &config.zGlobal, &config.xLocal,
-        &config.yLocal, &config.zLocal}) {
-    joined += '_';
-    joined += *size;
-  }
-  return joined;
+static bool isOrdinary(const LaunchKey &key) {
+  return llvm::all_of(key.fields(), [&](const std::string *field) {
+    return field == &key.kernel ? llvm::all_of(*field, isNameCharacter)
+                                : isSize(*field);
+  });
 }
 
 // "-" is in no ordinary name, and the number in none of these twice.
@@ -53,10 +57,10 @@ static std::string numbered(std::string name, std::size_t number) {
   return name + "-" + std::to_string(number);
 }
 
-std::string PageNames::nameFor(const ConfigResults &config) {
+std::string PageNames::nameFor(const LaunchKey &key) {
   ++count;
-  std::string name = joinedKey(config);
-  if (isOrdinary(config) && name.size() <= mostBytes &&
+  std::string name = joinedFields(key, '_');
+  if (isOrdinary(key) && name.size() <= mostBytes &&
       taken.insert(platform::comparableFileName(name)).second)
     return name;
   return numbered(std::move(name), count);

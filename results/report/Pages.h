@@ -2,27 +2,18 @@
 //
 // All texts are part of the interface, byte for byte. Names from the log come
 // in as they are, and the pages see to it that they stay in their places.
-// Configurations must have been ranked.
 
 #pragma once
 
-#include "results/ConfigResults.h"
 #include "results/ResultsTable.h"
+#include "results/Statistics.h"
 
 #include "llvm/Support/raw_ostream.h"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace corvane {
-
-/// What a person calls a configuration: "k [ x:1024/64 ] ".
-std::string configTitle(const ConfigResults &config);
-
-/// The sample count that the report shows for all versions of a configuration:
-/// that of the version with the fewest.
-std::size_t sampleCount(const ConfigResults &config);
 
 /// One line of the list of configurations.
 struct IndexEntry {
@@ -32,12 +23,12 @@ struct IndexEntry {
 
 /// The statistics of a configuration; \p lines is where its samples are in the
 /// results table.
-void writeTablePage(llvm::raw_ostream &out, const ConfigResults &config,
+void writeTablePage(llvm::raw_ostream &out, const RankedConfig &config,
                     LineRange lines);
 
 /// The samples of a configuration as curves, drawn by a script that is loaded
 /// from \p installLocation.
-void writeGraphPage(llvm::raw_ostream &out, const ConfigResults &config,
+void writeGraphPage(llvm::raw_ostream &out, const RankedConfig &config,
                     const std::string &installLocation);
 
 /// The table page above the graph page, both called after \p base.

@@ -1,6 +1,8 @@
 // The table page: one row a version, coloured by whether it beats the original.
 
 #include "results/NumberText.h"
+#include "results/ResultFiles.h"
+#include "results/report/PageNames.h"
 #include "results/report/Pages.h"
 #include "results/report/SafeText.h"
 
@@ -13,14 +15,14 @@ enum class RowGroup { None, Lime, Faded, Orange };
 
 } // namespace
 
-static void writeCaption(llvm::raw_ostream &out, const ConfigResults &config,
+static void writeCaption(llvm::raw_ostream &out, const RankedConfig &config,
                          LineRange lines) {
   // The title begins with the kernel's name, which so stands there twice.
   out << "<thead> <th colspan = \"11\" align=\"left\">"
-      << htmlText(config.kernel + configTitle(config)) << "called "
-      << sampleCount(config) << " times"
-      << "<a href=\"../autotune.csv\"> (See details (line " << lines.first
-      << "-" << lines.last << ")) </a> </th> <tr> </thead>\n";
+      << htmlText(config.launchKey.kernel + configTitle(config.launchKey))
+      << "called " << config.sampleCount() << " times"
+      << "<a href=\"../" << resultFile::table << "\"> (See details (line "
+      << lines.first << "-" << lines.last << ")) </a> </th> <tr> </thead>\n";
 }
 
 static void writeColumnNames(llvm::raw_ostream &out) {
@@ -73,12 +75,11 @@ static void writeRow(llvm::raw_ostream &out, const std::string &name,
   out << "<td> " << fixedText(stats.stddev, 3) << " </td>";
 }
 
-static void writeRows(llvm::raw_ostream &out, const ConfigResults &config) {
-  const auto found = config.versions.find(baselineName);
+static void writeRows(llvm::raw_ostream &out, const RankedConfig &config) {
   const VersionStats none;
-  const VersionStats &baseline =
-      found == config.versions.end() ? none : found->second;
-  const std::size_t count = sampleCount(config);
+  const VersionStats *found = config.baseline();
+  const VersionStats &baseline = found ? *found : none;
+  const std::size_t count = config.sampleCount();
   RowGroup group = RowGroup::None;
   for (const auto &[name, stats] : config.ranking) {
     group = openGroup(out, group, name == baselineName);
@@ -86,8 +87,8 @@ static void writeRows(llvm::raw_ostream &out, const ConfigResults &config) {
   }
 }
 
-void corvane::writeTablePage(llvm::raw_ostream &out,
-                             const ConfigResults &config, LineRange lines) {
+void corvane::writeTablePage(llvm::raw_ostream &out, const RankedConfig &config,
+                             LineRange lines) {
   out << "<html><body>\n"
          "<table style=\"border:3px solid\" align=\"left\" cellpadding=\"5\" "
          "frame=\"border\" rules=\"groups\">\n"

@@ -2,6 +2,7 @@
 
 #include "tests/fuzz/Pages.h"
 
+#include "results/ResultFiles.h"
 #include "results/ResultsTable.h"
 #include "results/report/PageNames.h"
 #include "results/report/Pages.h"
@@ -22,15 +23,15 @@ template <typename Write> static std::string written(Write write) {
   return text;
 }
 
-static void addPages(Files &files, const ReportJob &job,
-                     const ConfigResults &config, const std::string &base,
+static void addPages(Files &files, const std::string &installLocation,
+                     const RankedConfig &config, const std::string &base,
                      LineRange lines) {
   const auto add = [&](const char *ending, const std::string &page) {
     check(files.try_emplace("html/" + base + ending, page).second,
           "no page has another one's name");
   };
   add("_graph.html", written([&](llvm::raw_ostream &out) {
-        writeGraphPage(out, config, job.installLocation);
+        writeGraphPage(out, config, installLocation);
       }));
   add("_table.html", written([&](llvm::raw_ostream &out) {
         writeTablePage(out, config, lines);
@@ -39,16 +40,17 @@ static void addPages(Files &files, const ReportJob &job,
       written([&](llvm::raw_ostream &out) { writeFramePage(out, base); }));
 }
 
-Files corvane::fuzz::makeFiles(const ReportJob &job) {
+Files corvane::fuzz::makeFiles(const std::vector<RankedConfig> &configs,
+                               const std::string &installLocation) {
   Files files;
   std::vector<IndexEntry> entries;
   PageNames names;
   files["autotune.csv"] = written([&](llvm::raw_ostream &out) {
     ResultsTable table(out);
-    for (const ConfigResults &config : job.configs) {
-      const std::string base = names.nameFor(config);
-      addPages(files, job, config, base, table.addRows(config));
-      entries.push_back({configTitle(config), base + ".html"});
+    for (const RankedConfig &config : configs) {
+      const std::string base = names.nameFor(config.launchKey);
+      addPages(files, installLocation, config, base, table.addRows(config));
+      entries.push_back({configTitle(config.launchKey), base + ".html"});
     }
   });
   files["html/index.html"] =
@@ -60,13 +62,12 @@ Files corvane::fuzz::makeFiles(const ReportJob &job) {
 
 // The same configuration with names that mean nothing anywhere. The number in
 // the kernel keeps their pages apart.
-static ConfigResults masked(const ConfigResults &config, std::size_t number) {
-  ConfigResults mask = config;
-  mask.kernel = "k" + std::to_string(number);
-  for (std::string *size : {&mask.xGlobal, &mask.yGlobal, &mask.zGlobal,
-                            &mask.xLocal, &mask.yLocal, &mask.zLocal})
-    if (!size->empty())
-      *size = "1";
+static RankedConfig masked(const RankedConfig &config, std::size_t number) {
+  RankedConfig mask = config;
+  for (std::string *field : mask.launchKey.fields())
+    if (!field->empty())
+      *field = "1";
+  mask.launchKey.kernel = "k" + std::to_string(number);
   for (auto &[name, stats] : mask.ranking)
     if (name != baselineName)
       name = "v";
@@ -112,22 +113,21 @@ static bool isFileName(const std::string &name) {
          });
 }
 
-void corvane::fuzz::checkNames(const ReportJob &job, const Files &files) {
-  ReportJob harmlessJob = job;
-  harmlessJob.configs.clear();
-  for (const ConfigResults &config : job.configs)
-    harmlessJob.configs.push_back(
-        masked(config, harmlessJob.configs.size() + 1));
-  const Files harmless = makeFiles(harmlessJob);
+void corvane::fuzz::checkNames(const std::vector<RankedConfig> &configs,
+                               const std::string &installLocation,
+                               const Files &files) {
+  std::vector<RankedConfig> masks;
+  for (const RankedConfig &config : configs)
+    masks.push_back(masked(config, masks.size() + 1));
+  const Files harmless = makeFiles(masks, installLocation);
 
   for (const char *page : {"main.html", "html/index.html"})
     checkPage(files.at(page), harmless.at(page));
   PageNames names;
   PageNames harmlessNames;
-  for (std::size_t i = 0; i != job.configs.size(); ++i) {
-    const std::string base = names.nameFor(job.configs[i]);
-    const std::string harmlessBase =
-        harmlessNames.nameFor(harmlessJob.configs[i]);
+  for (std::size_t i = 0; i != configs.size(); ++i) {
+    const std::string base = names.nameFor(configs[i].launchKey);
+    const std::string harmlessBase = harmlessNames.nameFor(masks[i].launchKey);
     for (const char *ending : {"_graph.html", "_table.html", ".html"}) {
       check(isFileName(base + ending), "a page's name is fit for a file");
       checkPage(files.at("html/" + base + ending),

@@ -2,22 +2,26 @@
 
 #pragma once
 
-#include "results/ConfigResults.h"
+#include "results/Statistics.h"
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace corvane::fuzz {
 
 /// Files by their path from the output directory.
 using Files = std::map<std::string, std::string>;
 
-/// What a report of \p job, which must have been ranked, consists of.
-Files makeFiles(const ReportJob &job);
+/// What a report of \p configs consists of, whose pages find their script in
+/// \p installLocation.
+Files makeFiles(const std::vector<RankedConfig> &configs,
+                const std::string &installLocation);
 
 /// Checks that every name is where it belongs: a page has the form of the page
 /// that harmless names make, its script has no escapes but ours, and each
 /// configuration has pages of its own.
-void checkNames(const ReportJob &job, const Files &files);
+void checkNames(const std::vector<RankedConfig> &configs,
+                const std::string &installLocation, const Files &files);
 
 } // namespace corvane::fuzz

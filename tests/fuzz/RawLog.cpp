@@ -4,8 +4,7 @@
 #include "tests/fuzz/OutputFolder.h"
 #include "tests/fuzz/Pages.h"
 
-#include "results/ReportWriter.h"
-#include "results/ResultsReader.h"
+#include "results/Report.h"
 #include "results/Statistics.h"
 
 #include <algorithm>
@@ -29,8 +28,8 @@ static std::string makeLog(Input &input) {
 static std::size_t sampleCount(const ReportJob &job) {
   std::size_t count = 0;
   for (const ConfigResults &config : job.configs)
-    for (const auto &[name, stats] : config.versions)
-      count += stats.samples.size();
+    for (const auto &[name, samples] : config.versions)
+      count += samples.size();
   return count;
 }
 
@@ -55,9 +54,8 @@ static void checkStatistics(const VersionStats &stats) {
         "outliers are some of the samples");
 }
 
-static void checkRanking(const ConfigResults &config) {
-  check(config.ranking.size() == config.versions.size(),
-        "each version has a rank");
+static void checkRanking(const RankedConfig &config, std::size_t versions) {
+  check(config.ranking.size() == versions, "each version has a rank");
   for (std::size_t i = 0; i != config.ranking.size(); ++i) {
     checkStatistics(config.ranking[i].second);
     check(i == 0 || config.ranking[i - 1].second.mean <=
@@ -78,7 +76,7 @@ static Files filesIn(const std::filesystem::path &folder) {
 
 static void checkFiles(ReportJob unranked, const Files &expected) {
   std::filesystem::create_directory(unranked.outputDirectory + "/html");
-  check(writeReport(unranked) == 0, "writing never fails");
+  check(!writeResultFiles(unranked), "all files can be written");
   check(filesIn(unranked.outputDirectory) == expected,
         "a report is all its pages, and nothing else anywhere");
 }
@@ -96,18 +94,18 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   job.logPath = folder.file(".auto.csv");
   job.installLocation = "/opt/x";
   check(writeBytes(job.logPath, log), "the log can be written");
-  check(readCSV(job) == 0, "reading never fails");
+  check(!readRawLog(job.logPath, job.configs), "a log can be read");
   check(sampleCount(job) == rowCount(log), "each row is a sample");
 
-  ReportJob ranked = job;
-  for (ConfigResults &config : ranked.configs) {
-    rankVersions(config);
-    checkRanking(config);
+  std::vector<RankedConfig> ranked;
+  for (const ConfigResults &config : job.configs) {
+    ranked.push_back(rankVersions(config));
+    checkRanking(ranked.back(), config.versions.size());
   }
-  const Files files = makeFiles(ranked);
+  const Files files = makeFiles(ranked, job.installLocation);
   check(lineFeeds(files.at("autotune.csv")) == 1 + rowCount(log),
         "each sample is a row of the table");
-  checkNames(ranked, files);
+  checkNames(ranked, job.installLocation, files);
   if (onDisk)
     checkFiles(std::move(job), files);
   return 0;

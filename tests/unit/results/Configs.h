@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include "results/ConfigResults.h"
 #include "results/Statistics.h"
 
 #include "llvm/Support/raw_ostream.h"
@@ -15,37 +14,25 @@ namespace corvane::test {
 
 using Versions = std::vector<std::pair<std::string, std::vector<double>>>;
 
-/// A launch in one dimension of 1024 items in groups of 64; not ranked yet.
+/// The key of a launch in one dimension of 1024 items in groups of 64.
+inline LaunchKey keyOf(const std::string &kernel) {
+  return {kernel, "1024", "", "", "64", "", ""};
+}
+
+/// The key of a launch of "k" with these sizes.
+inline LaunchKey sized(const std::vector<std::string> &global,
+                       const std::vector<std::string> &local) {
+  return {"k", global[0], global[1], global[2], local[0], local[1], local[2]};
+}
+
 inline ConfigResults config(const std::string &kernel,
                             const Versions &versions) {
-  ConfigResults result;
-  result.kernel = kernel;
-  result.xGlobal = "1024";
-  result.xLocal = "64";
-  for (const auto &[name, samples] : versions)
-    result.versions[name].samples = samples;
-  return result;
+  return {keyOf(kernel), {versions.begin(), versions.end()}};
 }
 
-/// A launch of "k" with these sizes; it has no versions.
-inline ConfigResults sized(const std::vector<std::string> &global,
-                           const std::vector<std::string> &local) {
-  ConfigResults result;
-  result.kernel = "k";
-  result.xGlobal = global[0];
-  result.yGlobal = global[1];
-  result.zGlobal = global[2];
-  result.xLocal = local[0];
-  result.yLocal = local[1];
-  result.zLocal = local[2];
-  return result;
-}
-
-inline ConfigResults rankedConfig(const std::string &kernel,
-                                  const Versions &versions) {
-  ConfigResults result = config(kernel, versions);
-  rankVersions(result);
-  return result;
+inline RankedConfig rankedConfig(const std::string &kernel,
+                                 const Versions &versions) {
+  return rankVersions(config(kernel, versions));
 }
 
 /// What \p write puts into the stream that it is given.

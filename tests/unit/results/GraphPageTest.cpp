@@ -11,7 +11,7 @@ using namespace corvane::test;
 using testing::HasSubstr;
 using testing::Not;
 
-static std::string pageOf(const ConfigResults &config) {
+static std::string pageOf(const RankedConfig &config) {
   return written([&](llvm::raw_ostream &out) {
     writeGraphPage(out, config, "C:/tools/x");
   });

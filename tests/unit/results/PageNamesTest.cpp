@@ -13,9 +13,9 @@ using namespace corvane::test;
 using testing::EndsWith;
 using testing::SizeIs;
 
-static std::string nameOf(const ConfigResults &config) {
+static std::string nameOf(const LaunchKey &key) {
   PageNames names;
-  return names.nameFor(config);
+  return names.nameFor(key);
 }
 
 // By hand: GoogleTest's expressions know no classes on Windows.
@@ -27,7 +27,7 @@ static bool isFit(const std::string &name) {
 }
 
 static std::string nameOf(const std::string &kernel) {
-  return nameOf(config(kernel, {}));
+  return nameOf(keyOf(kernel));
 }
 
 TEST(PageName, JoinsTheKeyWithUnderscores) {
@@ -81,7 +81,7 @@ TEST(PageName, IsAlwaysFitForALinkAndAFile) {
   for (int byte = 0; byte != 256; ++byte)
     for (const std::size_t length : {1U, 300U, 5000U}) {
       const std::string kernel(length, static_cast<char>(byte));
-      EXPECT_PRED1(isFit, names.nameFor(config(kernel, {})));
+      EXPECT_PRED1(isFit, names.nameFor(keyOf(kernel)));
     }
 }
 
@@ -89,18 +89,18 @@ TEST(PageName, IsNeverGivenTwice) {
   PageNames names;
   std::set<std::string> given;
   std::size_t count = 0;
-  const auto add = [&](const ConfigResults &config) {
-    given.insert(names.nameFor(config));
+  const auto add = [&](const LaunchKey &key) {
+    given.insert(names.nameFor(key));
     ++count;
   };
   for (const std::string kernel :
        {"a", "a_", "a_1", "a-1", "a/1", "a\\1", "a-b_1024___64__-1", "", "_"})
-    add(config(kernel, {}));
+    add(keyOf(kernel));
   for (const std::string size : {"", "1", "01", "1_2", "_1", "-1", "/1"})
     add(sized({size, "2", ""}, {size, "", ""}));
-  add(config("a", {}));
-  add(config(std::string(300, 'k') + "a", {}));
-  add(config(std::string(300, 'k') + "b", {}));
+  add(keyOf("a"));
+  add(keyOf(std::string(300, 'k') + "a"));
+  add(keyOf(std::string(300, 'k') + "b"));
   EXPECT_THAT(given, SizeIs(count));
 }
 
@@ -122,6 +122,20 @@ static constexpr const char *secondBlur = "BLUR_1024___64__";
 
 TEST(PageName, DiffersByMoreThanCapitalsWhereFilesMust) {
   PageNames names;
-  EXPECT_EQ(names.nameFor(config("blur", {})), "blur_1024___64__");
-  EXPECT_EQ(names.nameFor(config("BLUR", {})), secondBlur);
+  EXPECT_EQ(names.nameFor(keyOf("blur")), "blur_1024___64__");
+  EXPECT_EQ(names.nameFor(keyOf("BLUR")), secondBlur);
+}
+
+TEST(ConfigTitle, ListsTheDimensionsOfTheLaunch) {
+  EXPECT_EQ(configTitle(sized({"1024", "", ""}, {"64", "", ""})),
+            "k [ x:1024/64 ] ");
+  EXPECT_EQ(configTitle(sized({"1024", "8", ""}, {"64", "8", ""})),
+            "k [ x:1024/64, y:8/8 ] ");
+  EXPECT_EQ(configTitle(sized({"1", "2", "3"}, {"4", "5", "6"})),
+            "k [ x:1/4, y:2/5, z:3/6 ] ");
+}
+
+TEST(ConfigTitle, HasACommaBeforeTheSecondDimensionEvenWithoutAFirst) {
+  EXPECT_EQ(configTitle(sized({"", "8", ""}, {"", "8", ""})), "k [ , y:8/8 ] ");
+  EXPECT_EQ(configTitle(sized({"", "", ""}, {"1", "1", "1"})), "k [  ] ");
 }

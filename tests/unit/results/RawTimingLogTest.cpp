@@ -1,129 +1,232 @@
-// The raw timing log as it grows on disk, byte for byte.
+// The raw timing log read back into configurations.
 
 #include "results/RawTimingLog.h"
 
-#include "TestState.h"
-#include "agent/Flags.h"
-#include "tests/support/EnvGuard.h"
 #include "tests/support/TempFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <atomic>
 #include <limits>
-#include <thread>
 
 using namespace corvane;
 using namespace corvane::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
-namespace {
-
-constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
-                               "y_local,z_local,coarsed_kernel,time\n";
-
-struct RawTimingLog : testing::Test {
-  TempFolder folder{folderInMemory()};
-  EnvGuard directory{"CORVANE_AUTOTUNE", folder.text()};
-  TestState state;
-
-  std::string log() const { return folder.read(".auto.csv"); }
-};
-
-} // namespace
-
-TEST_F(RawTimingLog, LivesInTheDirectoryWhoseTextItKeeps) {
-  EXPECT_EQ(rawLogPath("out"), "out/.auto.csv");
-  EXPECT_EQ(rawLogPath("out/"), "out//.auto.csv");
-  EXPECT_EQ(rawLogPath("C:\\out dir "), "C:\\out dir /.auto.csv");
+static std::vector<ConfigResults> configsOf(const std::string &log) {
+  TempFolder folder;
+  EXPECT_TRUE(folder.write("log", log));
+  std::vector<ConfigResults> configs;
+  EXPECT_EQ(llvm::toString(readRawLog(folder.file("log"), configs)), "");
+  return configs;
 }
 
-TEST_F(RawTimingLog, OfAnEmptyDirectoryIsAtTheRoot) {
-  EXPECT_EQ(rawLogPath(""), "/.auto.csv");
+/// The configurations of a log with the usual header.
+static std::vector<ConfigResults> configsOfRows(const std::string &rows) {
+  return configsOf("kernel,x_global,y_global,z_global,x_local,y_local,z_local,"
+                   "coarsed_kernel,time\n" +
+                   rows);
 }
 
-TEST_F(RawTimingLog, IsCreatedWithItsHeaderOnly) {
-  EXPECT_TRUE(createRawLog(folder.text()));
-  EXPECT_EQ(log(), header);
+static std::vector<std::string> fieldsOf(const ConfigResults &config) {
+  std::vector<std::string> texts;
+  for (const std::string *field : config.launchKey.fields())
+    texts.push_back(*field);
+  return texts;
 }
 
-TEST_F(RawTimingLog, IsEmptiedByAnotherLoad) {
-  ASSERT_TRUE(folder.write(".auto.csv", std::string(5000, 'x')));
-  EXPECT_TRUE(createRawLog(folder.text()));
-  EXPECT_EQ(log(), header);
+static std::vector<std::string> versionNames(const ConfigResults &config) {
+  std::vector<std::string> names;
+  for (const auto &[name, samples] : config.versions)
+    names.push_back(name);
+  return names;
 }
 
-TEST_F(RawTimingLog, StaysWholeWhenLoadsEmptyItWhileRunsComplete) {
-  const std::string row = "a,2,,,1,,,baseline,1.000\n";
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  for (int round = 0; round != 500 && !HasFailure(); ++round) {
-    ASSERT_TRUE(createRawLog(folder.text()));
-    std::atomic<bool> begun{false};
-    std::thread runs([&] {
-      for (int i = 0; i != 8; ++i) {
-        begun = true;
-        state.complete(launch, "", 1000);
-      }
-    });
-    while (!begun)
-      std::this_thread::yield();
-    for (int i = 0; i != 8; ++i)
-      EXPECT_TRUE(createRawLog(folder.text()));
-    runs.join();
+TEST(ReadRawLog, FindsNoConfigurationWithoutALogAndSaysWhy) {
+  TempFolder folder;
+  std::vector<ConfigResults> configs;
+  const std::string missing = folder.file("missing");
+  EXPECT_EQ(llvm::toString(readRawLog(missing, configs)),
+            missing + ": cannot be opened");
+  EXPECT_THAT(configs, IsEmpty());
+}
 
-    const std::string written = log();
-    std::string whole = header;
-    while (whole.size() < written.size())
-      whole += row;
-    EXPECT_EQ(written, whole);
+TEST(ReadRawLog, EndsAtALineThatIsTooLongAndSaysSo) {
+  TempFolder folder;
+  const std::string log = folder.file("log");
+  ASSERT_TRUE(folder.write("log", "header\nk,1,,,1,,,baseline,1.000\n" +
+                                      std::string(20'000'000, 'x')));
+  std::vector<ConfigResults> configs;
+  EXPECT_EQ(llvm::toString(readRawLog(log, configs)),
+            log + ": has a line that is too long");
+  EXPECT_EQ(configs.size(), 1U);
+}
+
+TEST(ReadRawLog, FindsNoConfigurationAfterAHeaderAlone) {
+  EXPECT_THAT(configsOfRows(""), IsEmpty());
+  EXPECT_THAT(configsOf(""), IsEmpty());
+}
+
+TEST(ReadRawLog, DoesNotLookAtTheFirstLine) {
+  EXPECT_THAT(configsOf("k,1,,,1,,,baseline,1.000\n"), IsEmpty());
+  EXPECT_EQ(configsOf("\nk,1,,,1,,,baseline,1.000\n").size(), 1U);
+}
+
+TEST(ReadRawLog, SplitsARowIntoItsFields) {
+  const auto configs = configsOfRows("k,8,7,6,4,3,2,g0S4,12.345\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(fieldsOf(configs[0]),
+              ElementsAre("k", "8", "7", "6", "4", "3", "2"));
+  ASSERT_THAT(versionNames(configs[0]), ElementsAre("g0S4"));
+  EXPECT_THAT(configs[0].versions.at("g0S4"), ElementsAre(12.345));
+}
+
+TEST(ReadRawLog, KeepsConfigurationsInTheOrderInWhichTheyFirstOccur) {
+  const auto configs = configsOfRows("z,1,,,1,,,baseline,1.000\n"
+                                     "a,1,,,1,,,baseline,2.000\n"
+                                     "z,1,,,1,,,baseline,3.000\n"
+                                     "m,1,,,1,,,baseline,4.000\n");
+  ASSERT_EQ(configs.size(), 3U);
+  EXPECT_EQ(configs[0].launchKey.kernel, "z");
+  EXPECT_EQ(configs[1].launchKey.kernel, "a");
+  EXPECT_EQ(configs[2].launchKey.kernel, "m");
+}
+
+TEST(ReadRawLog, OrdersVersionsByTheirBytes) {
+  const auto configs = configsOfRows("k,1,,,1,,,g0S4,1.000\n"
+                                     "k,1,,,1,,,\xc3\xa4,1.000\n"
+                                     "k,1,,,1,,,g0S16,1.000\n"
+                                     "k,1,,,1,,,G0S4,1.000\n"
+                                     "k,1,,,1,,,baseline,1.000\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(versionNames(configs[0]),
+              ElementsAre("G0S4", "baseline", "g0S16", "g0S4", "\xc3\xa4"));
+}
+
+TEST(ReadRawLog, KeepsSamplesInTheOrderOfTheLog) {
+  const auto configs = configsOfRows("k,1,,,1,,,baseline,3.000\n"
+                                     "k,1,,,1,,,g0S4,9.000\n"
+                                     "k,1,,,1,,,baseline,1.000\n"
+                                     "k,1,,,1,,,baseline,2.000\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(configs[0].versions.at("baseline"), ElementsAre(3.0, 1.0, 2.0));
+  EXPECT_THAT(configs[0].versions.at("g0S4"), ElementsAre(9.0));
+}
+
+TEST(ReadRawLog, TellsLaunchesApartThatDifferInLocalSizeOnly) {
+  EXPECT_EQ(configsOfRows("k,64,,,8,,,baseline,1.000\n"
+                          "k,64,,,4,,,baseline,1.000\n")
+                .size(),
+            2U);
+}
+
+TEST(ReadRawLog, TellsSizesApartThatDifferInTheirTextOnly) {
+  EXPECT_EQ(configsOfRows("k,64,,,8,,,baseline,1.000\n"
+                          "k,064,,,8,,,baseline,1.000\n")
+                .size(),
+            2U);
+}
+
+TEST(ReadRawLog, DoesNotMixUpWhichFieldATextStandsIn) {
+  EXPECT_EQ(configsOfRows("k,1,,,,,,baseline,1.000\n"
+                          "k,,1,,,,,baseline,1.000\n"
+                          "k1,,,,,,,baseline,1.000\n")
+                .size(),
+            3U);
+}
+
+TEST(ReadRawLog, LetsTheLastFieldHaveCommas) {
+  const auto configs = configsOfRows("k,1,,,1,,,baseline,2.5,7,x\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(configs[0].versions.at("baseline"), ElementsAre(2.5));
+}
+
+TEST(ReadRawLog, TakesFieldsAsEmptyThatALineDoesNotHave) {
+  const auto configs = configsOfRows("k,1\n"
+                                     "k,1,,,,,,,2.000\n"
+                                     "k,1,,,,,,\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(fieldsOf(configs[0]), ElementsAre("k", "1", "", "", "", "", ""));
+  ASSERT_THAT(versionNames(configs[0]), ElementsAre(""));
+  EXPECT_THAT(configs[0].versions.at(""), ElementsAre(0.0, 2.0, 0.0));
+}
+
+TEST(ReadRawLog, TakesAnEmptyLineForARow) {
+  const auto configs = configsOfRows("k,1,,,1,,,baseline,1.000\n"
+                                     "\n"
+                                     "k,1,,,1,,,baseline,1.000\n");
+  ASSERT_EQ(configs.size(), 2U);
+  EXPECT_THAT(fieldsOf(configs[1]), ElementsAre("", "", "", "", "", "", ""));
+}
+
+TEST(ReadRawLog, TakesATimeThatIsNoNumberAsZero) {
+  const auto configs = configsOfRows("k,1,,,1,,,baseline,abc\n"
+                                     "k,1,,,1,,,baseline,\n"
+                                     "k,1,,,1,,,baseline,nan\n"
+                                     "k,1,,,1,,,baseline,1e999\n"
+                                     "k,1,,,1,,,baseline,inf\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(configs[0].versions.at("baseline"),
+              ElementsAre(0.0, 0.0, 0.0, 0.0, 0.0));
+}
+
+TEST(ReadRawLog, ReadsALogThatWasSavedWithCarriageReturns) {
+  const auto configs = configsOf("header\r\nk,1,,,1,,,baseline,1.500\r\n");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(configs[0].versions.at("baseline"), ElementsAre(1.5));
+}
+
+TEST(ReadRawLog, ReadsALastLineWithoutLineFeed) {
+  const auto configs = configsOfRows("k,1,,,1,,,baseline,1.000\n"
+                                     "k,1,,,1,,,baseline,2.0");
+  ASSERT_EQ(configs.size(), 1U);
+  EXPECT_THAT(configs[0].versions.at("baseline"), ElementsAre(1.0, 2.0));
+}
+
+TEST(ReadRawLog, TakesAnyBytes) {
+  using namespace std::string_literals;
+  const auto configs = configsOfRows("a\0b,\xff,,,1,,,v\0,1.000\n"s
+                                     "a,\xff,,,1,,,v\0,1.000\n"s);
+  ASSERT_EQ(configs.size(), 2U);
+  EXPECT_EQ(configs[0].launchKey.kernel, "a\0b"s);
+  EXPECT_THAT(versionNames(configs[0]), ElementsAre("v\0"s));
+}
+
+TEST(ReadRawLog, TakesALineOfAnyLength) {
+  const std::string kernel(700'000, 'k');
+  const auto configs = configsOfRows(kernel + ",1,,,1,,,baseline,1.000\n" +
+                                     std::string(700'000, ',') + "\n");
+  ASSERT_EQ(configs.size(), 2U);
+  EXPECT_EQ(configs[0].launchKey.kernel, kernel);
+  EXPECT_EQ(configs[1].launchKey.kernel, "");
+}
+
+TEST(ReadRawLog, AddsToTheConfigurationsThatAreThere) {
+  TempFolder folder;
+  ASSERT_TRUE(folder.write("log", "header\nk,1,,,1,,,baseline,1.000\n"));
+  std::vector<ConfigResults> configs(1);
+  EXPECT_EQ(llvm::toString(readRawLog(folder.file("log"), configs)), "");
+  ASSERT_EQ(configs.size(), 2U);
+  EXPECT_EQ(configs[1].launchKey.kernel, "k");
+}
+
+TEST(ReadRawLog, KeepsManyConfigurationsApart) {
+  std::string rows;
+  for (int round = 0; round != 3; ++round)
+    for (int i = 0; i != 5000; ++i)
+      rows += "k," + std::to_string(i) + ",,,1,,,baseline," +
+              std::to_string(i + round) + "\n";
+  const auto configs = configsOfRows(rows);
+  ASSERT_EQ(configs.size(), 5000U);
+  for (std::size_t i = 0; i != configs.size(); ++i) {
+    const double time = static_cast<double>(i);
+    ASSERT_EQ(configs[i].launchKey.xGlobal, std::to_string(i));
+    ASSERT_THAT(configs[i].versions.at("baseline"),
+                ElementsAre(time, time + 1, time + 2));
   }
 }
 
-TEST_F(RawTimingLog, CannotBeCreatedInAFolderThatDoesNotExist) {
-  EXPECT_FALSE(createRawLog(folder.file("missing/deeper")));
-  EXPECT_FALSE(folder.has("missing"));
-}
-
-TEST_F(RawTimingLog, CannotBeCreatedWhereAFolderHasItsName) {
-  std::filesystem::create_directory(folder.file(".auto.csv"));
-  EXPECT_FALSE(createRawLog(folder.text()));
-}
-
-TEST_F(RawTimingLog, NamesTheOriginalBaseline) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
-  state.complete(launch, "", 12345);
-  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,baseline,12.345\n");
-}
-
-TEST_F(RawTimingLog, NamesAVariantByItsSpecText) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
-  state.complete(launch, "g0S4", 9500);
-  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,g0S4,9.500\n");
-}
-
-TEST_F(RawTimingLog, LeavesDimensionsEmptyThatTheLaunchDoesNotHave) {
-  const auto key = [](std::uint32_t workDim) {
-    return launchKey("k", workDim, {8, 7, 6}, {4, 3, 2});
-  };
-  EXPECT_EQ(key(0), "k,,,,,,");
-  EXPECT_EQ(key(1), "k,8,,,4,,");
-  EXPECT_EQ(key(2), "k,8,7,,4,3,");
-  EXPECT_EQ(key(3), "k,8,7,6,4,3,2");
-  EXPECT_EQ(key(std::numeric_limits<std::uint32_t>::max()), "k,8,7,6,4,3,2");
-}
-
-TEST_F(RawTimingLog, WritesZeroForLocalSizesThatWereNotGiven) {
-  EXPECT_EQ(launchKey("k", 2, {8, 7, 0}, {}), "k,8,7,,0,0,");
-}
-
-TEST_F(RawTimingLog, WritesSizesOfAnyMagnitude) {
-  const std::size_t huge = std::numeric_limits<std::size_t>::max();
-  EXPECT_EQ(launchKey("k", 1, {huge, 0, 0}, {1, 0, 0}),
-            "k,18446744073709551615,,,1,,");
-}
-
-TEST_F(RawTimingLog, WritesDurationsInMicrosecondsWithThreeDecimals) {
+TEST(TimeText, HasMicrosecondsWithThreeDecimals) {
   EXPECT_EQ(timeText(0), "0.000");
   EXPECT_EQ(timeText(7), "0.007");
   EXPECT_EQ(timeText(999), "0.999");
@@ -134,114 +237,9 @@ TEST_F(RawTimingLog, WritesDurationsInMicrosecondsWithThreeDecimals) {
             "18446744073709552.000"); // as C's "%.3f" has it
 }
 
-TEST_F(RawTimingLog, GetsOneRowForEachCompletedRunInOrderOfCompletion) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &first = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  LaunchRecord &second = state.addLaunch("b", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(second, "", 3000);
-  state.complete(first, "g0S4", 1000);
-  state.complete(first, "", 2000);
-  EXPECT_EQ(log(), std::string(header) + "b,2,,,1,,,baseline,3.000\n"
-                                         "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n");
-}
-
-TEST_F(RawTimingLog, IsRecreatedWithEveryRowAfterItWasDeleted) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &first = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  LaunchRecord &second = state.addLaunch("b", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(second, "", 3000);
-  state.complete(first, "g0S4", 1000);
-  std::filesystem::remove(folder.file(".auto.csv"));
-
-  state.complete(first, "", 2000);
-
-  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n"
-                                         "b,2,,,1,,,baseline,3.000\n");
-}
-
-TEST_F(RawTimingLog, IsRecreatedAfterItWasEmptied) {
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "g0S4", 1000);
-  ASSERT_TRUE(folder.write(".auto.csv", ""));
-  state.complete(launch, "", 2000);
-  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n");
-}
-
-TEST_F(RawTimingLog, IsNotLookedAtBehindItsFirstByte) {
-  ASSERT_TRUE(folder.write(".auto.csv", "#\n"));
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "", 1000);
-  EXPECT_EQ(log(), "#\na,2,,,1,,,baseline,1.000\n");
-}
-
-TEST_F(RawTimingLog, FollowsTheVariableToAnotherDirectory) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  TempFolder other;
-  directory.set(other.text());
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "", 1000);
-  EXPECT_EQ(log(), header);
-  EXPECT_EQ(other.read(".auto.csv"),
-            std::string(header) + "a,2,,,1,,,baseline,1.000\n");
-}
-
-TEST_F(RawTimingLog, GetsNothingWhileTheVariableIsAway) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  directory.set(nullptr);
-  state.complete(launch, "", 1000);
-  EXPECT_EQ(log(), header);
-}
-
-TEST_F(RawTimingLog, IsNotTouchedWithoutAutotuning) {
-  setAutotuneOutput(false);
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "", 1000);
-  EXPECT_FALSE(folder.has(".auto.csv"));
-}
-
-TEST_F(RawTimingLog, IsNotTouchedOnceTheHistoryIsClosed) {
-  state.history().open = false;
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "", 1000);
-  EXPECT_FALSE(folder.has(".auto.csv"));
-}
-
-TEST_F(RawTimingLog, IsLostInSilenceWithItsDirectoryAndComesBackWithIt) {
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  directory.set(folder.file("later"));
-  testing::internal::CaptureStderr();
-  state.complete(launch, "g0S4", 1000);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  EXPECT_FALSE(folder.has("later"));
-
-  std::filesystem::create_directory(folder.file("later"));
-  state.complete(launch, "", 2000);
-  EXPECT_EQ(folder.read("later/.auto.csv"), std::string(header) +
-                                                "a,2,,,1,,,g0S4,1.000\n"
-                                                "a,2,,,1,,,baseline,2.000\n");
-}
-
-TEST_F(RawTimingLog, ThatIsAFolderIsLeftAlone) {
-  std::filesystem::create_directory(folder.file(".auto.csv"));
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  state.complete(launch, "", 1000);
-  EXPECT_TRUE(std::filesystem::is_empty(folder.file(".auto.csv")));
-}
-
-TEST_F(RawTimingLog, KeepsNamesOfAnyBytes) {
-  ASSERT_TRUE(createRawLog(folder.text()));
-  LaunchRecord &launch = state.addLaunch("\xff %s\"<,", 0, {}, {});
-  state.complete(launch, "%n", 1);
-  EXPECT_EQ(log(), std::string(header) + "\xff %s\"<,,,,,,,,%n,0.001\n");
-}
-
-TEST_F(RawTimingLog, GetsNoRowFromALaunchWithoutTimings) {
-  LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
-  const std::lock_guard<std::mutex> lock(state.history().lock);
-  appendTiming(state.history(), launch);
-  EXPECT_FALSE(folder.has(".auto.csv"));
+TEST(RawLogRow, NamesTheOriginalBaselineAndAVariantByItsSpecText) {
+  EXPECT_EQ(rawLogRow("k,1024,,,64,,", "", 12345),
+            "k,1024,,,64,,,baseline,12.345\n");
+  EXPECT_EQ(rawLogRow("k,1024,,,64,,", "g0S4", 9500),
+            "k,1024,,,64,,,g0S4,9.500\n");
 }

@@ -14,7 +14,7 @@ static constexpr const char *header =
     "time,outlier\n";
 
 /// The rows of one ranked configuration.
-static std::string rowsOf(const ConfigResults &config) {
+static std::string rowsOf(const RankedConfig &config) {
   const std::string text = written([&](llvm::raw_ostream &out) {
     ResultsTable table(out);
     table.addRows(config);
@@ -60,10 +60,10 @@ TEST(ResultsTable, WritesTimesWithSixSignificantDigits) {
 }
 
 TEST(ResultsTable, RepeatsTheKeyAsItWasRead) {
-  ConfigResults config = rankedConfig("a b", {{"baseline", {1}}});
-  config.xGlobal = "0064";
-  config.yGlobal = "y";
-  config.zLocal = "\xff";
+  RankedConfig config = rankedConfig("a b", {{"baseline", {1}}});
+  config.launchKey.xGlobal = "0064";
+  config.launchKey.yGlobal = "y";
+  config.launchKey.zLocal = "\xff";
   EXPECT_EQ(rowsOf(config), "a b,0064,y,,64,,\xff,baseline,1, \n");
 }
 

@@ -12,14 +12,7 @@ using namespace corvane::test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-static VersionStats statsOf(const std::vector<double> &samples) {
-  VersionStats stats;
-  stats.samples = samples;
-  computeStats(stats);
-  return stats;
-}
-
-static std::vector<std::string> rankedNames(const ConfigResults &config) {
+static std::vector<std::string> rankedNames(const RankedConfig &config) {
   std::vector<std::string> names;
   for (const auto &[name, stats] : config.ranking)
     names.push_back(name);
@@ -27,7 +20,7 @@ static std::vector<std::string> rankedNames(const ConfigResults &config) {
 }
 
 TEST(ComputeStats, AgreesWithTheFiguresOfThreeSamples) {
-  const VersionStats stats = statsOf({10, 11, 40});
+  const VersionStats stats = computeStats({10, 11, 40});
   EXPECT_EQ(stats.min, 10);
   EXPECT_EQ(stats.max, 40);
   EXPECT_EQ(stats.median, 11);
@@ -37,7 +30,8 @@ TEST(ComputeStats, AgreesWithTheFiguresOfThreeSamples) {
 }
 
 TEST(ComputeStats, AgreesWithTheFiguresOfAnOddLot) {
-  const VersionStats stats = statsOf({103.25, 0.007, 55.5, 1999.125, 55.5});
+  const VersionStats stats =
+      computeStats({103.25, 0.007, 55.5, 1999.125, 55.5});
   EXPECT_EQ(stats.min, 0.007);
   EXPECT_EQ(stats.max, 1999.125);
   EXPECT_EQ(stats.median, 55.5);
@@ -47,25 +41,25 @@ TEST(ComputeStats, AgreesWithTheFiguresOfAnOddLot) {
 }
 
 TEST(ComputeStats, DividesThePopulationByItsSize) {
-  const VersionStats stats = statsOf({2, 4, 4, 4, 5, 5, 7, 9});
+  const VersionStats stats = computeStats({2, 4, 4, 4, 5, 5, 7, 9});
   EXPECT_DOUBLE_EQ(stats.mean, 5);
   EXPECT_DOUBLE_EQ(stats.stddev, 2);
 }
 
 TEST(ComputeStats, TakesTheUpperMiddleOfTwo) {
-  const VersionStats stats = statsOf({10, 30});
+  const VersionStats stats = computeStats({10, 30});
   EXPECT_EQ(stats.median, 30);
   EXPECT_EQ(stats.mean, 20);
   EXPECT_EQ(stats.stddev, 10);
 }
 
 TEST(ComputeStats, MarksOnlyWhatIsMoreThanThreeTimesTheMinimum) {
-  EXPECT_THAT(statsOf({10, 30}).outliers, IsEmpty());
-  EXPECT_THAT(statsOf({10, 30.001}).outliers, ElementsAre(30.001));
+  EXPECT_THAT(computeStats({10, 30}).outliers, IsEmpty());
+  EXPECT_THAT(computeStats({10, 30.001}).outliers, ElementsAre(30.001));
 }
 
 TEST(ComputeStats, OfASingleSampleIsThatSample) {
-  const VersionStats stats = statsOf({7.5});
+  const VersionStats stats = computeStats({7.5});
   EXPECT_EQ(stats.min, 7.5);
   EXPECT_EQ(stats.max, 7.5);
   EXPECT_EQ(stats.median, 7.5);
@@ -75,25 +69,25 @@ TEST(ComputeStats, OfASingleSampleIsThatSample) {
 }
 
 TEST(ComputeStats, SortsTheSamplesAndKeepsTheirArrival) {
-  const VersionStats stats = statsOf({3, 1, 2});
+  const VersionStats stats = computeStats({3, 1, 2});
   EXPECT_THAT(stats.samples, ElementsAre(1, 2, 3));
   EXPECT_THAT(stats.arrival, ElementsAre(3, 1, 2));
 }
 
 TEST(ComputeStats, DoesNothingWithoutSamples) {
-  const VersionStats stats = statsOf({});
+  const VersionStats stats = computeStats({});
   EXPECT_EQ(stats.mean, 0);
   EXPECT_THAT(stats.arrival, IsEmpty());
 }
 
 TEST(RankVersions, PutsTheLowestMeanFirst) {
-  const ConfigResults ranked =
+  const RankedConfig ranked =
       rankedConfig("k", {{"a", {30}}, {"baseline", {20}}, {"c", {10}}});
   EXPECT_THAT(rankedNames(ranked), ElementsAre("c", "baseline", "a"));
 }
 
 TEST(RankVersions, RanksByTheMeanAndNotByAnotherFigure) {
-  const ConfigResults ranked =
+  const RankedConfig ranked =
       rankedConfig("k", {{"a", {1, 1, 100}}, {"b", {20, 20, 20}}});
   EXPECT_THAT(rankedNames(ranked), ElementsAre("b", "a"));
 }
@@ -115,16 +109,28 @@ TEST(RankVersions, KeepsManyEqualMeansInTheOrderOfTheirNames) {
   EXPECT_EQ(rankedNames(rankedConfig("k", versions)), expected);
 }
 
-TEST(RankVersions, RanksCopiesOfTheVersions) {
-  const ConfigResults ranked = rankedConfig("k", {{"baseline", {3, 1}}});
-  EXPECT_EQ(ranked.versions.at("baseline").mean, 2);
+TEST(RankVersions, KnowsTheFiguresOfTheBaseline) {
+  const RankedConfig ranked = rankedConfig("k", {{"baseline", {3, 1}}});
+  ASSERT_NE(ranked.baseline(), nullptr);
+  EXPECT_EQ(ranked.baseline()->mean, 2);
   EXPECT_EQ(ranked.ranking[0].second.mean, 2);
   EXPECT_THAT(ranked.ranking[0].second.samples, ElementsAre(1, 3));
   EXPECT_THAT(ranked.ranking[0].second.arrival, ElementsAre(3, 1));
 }
 
 TEST(RankVersions, WorksWithoutABaseline) {
-  const ConfigResults ranked = rankedConfig("k", {{"b", {2}}, {"a", {1}}});
+  const RankedConfig ranked = rankedConfig("k", {{"b", {2}}, {"a", {1}}});
   EXPECT_THAT(rankedNames(ranked), ElementsAre("a", "b"));
-  EXPECT_EQ(ranked.versions.count("baseline"), 0U);
+  EXPECT_EQ(ranked.baseline(), nullptr);
+}
+
+TEST(SampleCount, IsThatOfTheVersionWithTheFewest) {
+  EXPECT_EQ(
+      rankedConfig("k", {{"a", {1, 2, 3}}, {"b", {1, 2}}, {"c", {9, 9, 9, 9}}})
+          .sampleCount(),
+      2U);
+}
+
+TEST(SampleCount, IsZeroWithoutVersions) {
+  EXPECT_EQ(rankedConfig("k", {}).sampleCount(), 0U);
 }

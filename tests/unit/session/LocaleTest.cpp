@@ -1,8 +1,8 @@
 // Whatever locale the application sets, our files stay the same.
 
 #include "TestState.h"
-#include "results/Flush.h"
-#include "results/RawTimingLog.h"
+#include "session/Flush.h"
+#include "session/LogAppender.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/TempFolder.h"
 

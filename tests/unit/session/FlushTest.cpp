@@ -1,10 +1,10 @@
 // From the log to the report, and the end of the state.
 
-#include "results/Flush.h"
+#include "session/Flush.h"
 
 #include "TestState.h"
 #include "agent/Flags.h"
-#include "results/RawTimingLog.h"
+#include "session/LogAppender.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/TempFolder.h"
 

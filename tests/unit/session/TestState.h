@@ -3,6 +3,7 @@
 #pragma once
 
 #include "agent/AgentState.h"
+#include "session/LaunchHistory.h"
 
 #include <memory>
 #include <string>

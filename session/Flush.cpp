@@ -1,17 +1,16 @@
 // Reads the log back, writes the report, and lets the state go.
 
-#include "results/Flush.h"
+#include "session/Flush.h"
 
 #include "agent/AgentState.h"
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
 #include "agent/Flags.h"
-#include "base/Platform.h"
-#include "results/InstallLocation.h"
-#include "results/OutputDirectory.h"
-#include "results/RawTimingLog.h"
-#include "results/ReportWriter.h"
-#include "results/ResultsReader.h"
+#include "agent/RefusedFiles.h"
+#include "results/Files.h"
+#include "results/ResultFiles.h"
+#include "session/LogAppender.h"
+#include "session/OutputDirectory.h"
 
 #include <memory>
 #include <mutex>
@@ -20,12 +19,35 @@
 
 using namespace corvane;
 
+// The user is told of files that were refused, and of no other failure.
+static void reportRefused(llvm::Error errors) {
+  llvm::handleAllErrors(
+      std::move(errors),
+      [](const FileError &error) {
+        if (error.reason() == FileError::Reason::Refused)
+          reportRefusedFile(error.path());
+      },
+      [](const llvm::ErrorInfoBase &) {});
+}
+
+static bool failed(llvm::Error error) {
+  return llvm::errorToBool(std::move(error));
+}
+
 int corvane::ensureOutputDir(const ReportJob &job) {
-  if (!platform::createDirectory(job.outputDirectory.c_str()))
+  if (failed(createOutputFolder(job)))
     return 1;
-  const std::string html =
-      job.outputDirectory + platform::directorySeparator + "html";
-  return platform::createDirectory(html.c_str()) ? 0 : 2;
+  return failed(createPageFolder(job)) ? 2 : 0;
+}
+
+int corvane::readCSV(ReportJob &job) {
+  reportRefused(readRawLog(job.logPath, job.configs));
+  return 0;
+}
+
+int corvane::writeReport(ReportJob &job) {
+  reportRefused(writeResultFiles(job));
+  return 0;
 }
 
 namespace {
@@ -91,7 +113,7 @@ static void produceResults(ClosedHistory &history) {
   // If it was removed since the load, no directory can be created for it.
   job.outputDirectory = history.directory().value_or("");
   job.installLocation = *location;
-  job.logPath = rawLogPath(job.outputDirectory);
+  job.logPath = resultPath(job.outputDirectory, resultFile::rawLog);
   runJob(job, history);
 }
 

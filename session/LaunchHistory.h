@@ -1,9 +1,10 @@
-// What one autotuning launch was, and how long each version of it took.
+// What this process has launched in autotuning mode, and how long it took.
 
 #pragma once
 
+#include "results/LaunchKey.h"
+
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -21,17 +22,17 @@ struct TimingEntry {
   std::uint64_t nanoseconds = 0; ///< device time
 };
 
-/// One launch by the application in autotuning mode. Small, because every
-/// launch leaves one: what repeats belongs to the history.
+/// One launch by the application. Small, because every launch leaves one: what
+/// repeats belongs to the history.
 struct LaunchRecord {
-  const std::string *key = nullptr; ///< how the rows of the launch begin
-  std::vector<TimingEntry> timings; ///< guarded by the history's lock
+  const std::string *fields = nullptr; ///< its launch key, joined with commas
+  std::vector<TimingEntry> timings;    ///< guarded by the history's lock
 };
 
 /// All launches since the load, in the order of launching.
 ///
 /// Runs complete on threads of the runtime, without the agent lock and perhaps
-/// after a flush; so whoever waits for a run shares the history.
+/// after a flush; so each run under way shares the history.
 struct LaunchHistory {
   LaunchHistory() = default;
   explicit LaunchHistory(std::string folder) : loadFolder(std::move(folder)) {}
@@ -39,22 +40,26 @@ struct LaunchHistory {
   /// The folder that was current at the load, from which a relative output
   /// directory is found; empty if it is unknown.
   const std::string loadFolder;
-  /// Guards the records' timings, the list, the texts, the rows and the log
-  /// file. A leaf lock: never held across a call into the runtime.
+
+  /// Guards all that follows but open, and the log file. A leaf lock: never
+  /// held across a call into the runtime.
   std::mutex lock;
   std::vector<std::shared_ptr<LaunchRecord>> records;
+  /// Rows that could not be written to the log yet, each with its line feed.
+  std::string unwrittenRows;
+  std::unordered_set<std::string> texts;
+
+  /// False once the results are being written: later runs leave no trace.
+  std::atomic<bool> open{true};
 
   /// The one copy of \p text that all records share; lasts as long as the
   /// history. Hold the lock.
   const std::string &shared(std::string text) {
     return *texts.insert(std::move(text)).first;
   }
-  std::unordered_set<std::string> texts;
 
-  /// Rows that could not be written to the log yet, each with its line feed.
-  std::string unwrittenRows;
-  /// False once the results are being written: later runs leave no trace.
-  std::atomic<bool> open{true};
+  /// A record that is not listed yet. Takes the lock.
+  std::shared_ptr<LaunchRecord> makeRecord(const LaunchKey &key);
 };
 
 } // namespace corvane

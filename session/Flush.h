@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "results/ConfigResults.h"
+#include "results/Report.h"
 
 namespace corvane {
 
@@ -10,11 +10,19 @@ namespace corvane {
 /// exist. Returns 0, or 1 or 2 for the one that could not be created.
 int ensureOutputDir(const ReportJob &job);
 
+/// Adds the configurations of the job's log to the job. A log that cannot be
+/// read has none. Always returns 0.
+int readCSV(ReportJob &job);
+
+/// Writes the table and all pages of the job; files that cannot be written are
+/// left out. Always returns 0.
+int writeReport(ReportJob &job);
+
 /// Takes the state, writes the results if autotuning is on, and gives the state
 /// up. Does nothing without a state: of several callers one has all the work.
 ///
-/// Waits for no lock but a moment, because it also runs while the process ends
-/// and whoever holds a lock may be dead by then.
+/// Waits for no lock that another thread may hold for long, because it also
+/// runs while the process ends and such a thread may be dead by then.
 void flushAutotuneResults();
 
 } // namespace corvane

@@ -3,7 +3,7 @@
 #include "TestState.h"
 
 #include "agent/Flags.h"
-#include "results/RawTimingLog.h"
+#include "session/LogAppender.h"
 
 struct corvane::BufferRecord {};
 struct corvane::KernelRecord {};
@@ -40,10 +40,9 @@ LaunchRecord &TestState::addLaunch(const std::string &kernel,
                                    std::uint32_t workDim,
                                    std::array<std::size_t, 3> globalSize,
                                    std::array<std::size_t, 3> localSize) {
-  auto record = std::make_shared<LaunchRecord>();
+  const std::shared_ptr<LaunchRecord> record = launches->makeRecord(
+      makeLaunchKey(kernel, workDim, globalSize, localSize));
   const std::lock_guard<std::mutex> lock(launches->lock);
-  record->key =
-      &launches->shared(launchKey(kernel, workDim, globalSize, localSize));
   launches->records.push_back(record);
   return *record;
 }

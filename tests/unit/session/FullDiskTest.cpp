@@ -1,7 +1,7 @@
 // Files that take only a part of what they are given.
 
 #include "TestState.h"
-#include "results/OutputFile.h"
+#include "results/Files.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/TempFolder.h"

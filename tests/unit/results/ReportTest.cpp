@@ -1,6 +1,6 @@
 // Which files a report consists of, and that none of them needs the others.
 
-#include "results/ReportWriter.h"
+#include "results/Report.h"
 
 #include "Configs.h"
 #include "tests/support/TempFolder.h"
@@ -19,15 +19,18 @@ using testing::StartsWith;
 
 namespace {
 
-struct WriteReport : testing::Test {
+struct Report : testing::Test {
   TempFolder folder;
   ReportJob job;
 
-  WriteReport() {
+  Report() {
     job.outputDirectory = folder.text();
     job.installLocation = "/opt/x";
     std::filesystem::create_directory(folder.file("html"));
   }
+
+  /// Writes it and returns what could not be written, one line a file.
+  std::string write() { return llvm::toString(writeResultFiles(job)); }
 
   /// All files in the folder, as paths from it.
   std::vector<std::string> files() const {
@@ -44,10 +47,10 @@ struct WriteReport : testing::Test {
 
 } // namespace
 
-TEST_F(WriteReport, WritesThreePagesAConfigurationBesideTheCommonFiles) {
+TEST_F(Report, WritesThreePagesAConfigurationBesideTheCommonFiles) {
   job.configs = {config("b", {{"baseline", {1}}}),
                  config("a", {{"baseline", {1}}})};
-  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(files(), ElementsAre("autotune.csv", "html/a_1024___64__.html",
                                    "html/a_1024___64___graph.html",
                                    "html/a_1024___64___table.html",
@@ -57,9 +60,9 @@ TEST_F(WriteReport, WritesThreePagesAConfigurationBesideTheCommonFiles) {
                                    "html/index.html", "main.html"));
 }
 
-TEST_F(WriteReport, PutsEachPageUnderItsName) {
+TEST_F(Report, PutsEachPageUnderItsName) {
   job.configs = {config("k", {{"baseline", {1}}})};
-  writeReport(job);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(folder.read("html/k_1024___64___graph.html"),
               HasSubstr("src=\"file:///opt/x/dygraph-combined.js\""));
   EXPECT_THAT(folder.read("html/k_1024___64___table.html"),
@@ -73,8 +76,8 @@ TEST_F(WriteReport, PutsEachPageUnderItsName) {
               HasSubstr("<frame src=\"html/k_1024___64__.html\" "));
 }
 
-TEST_F(WriteReport, WritesOnlyTheCommonFilesWithoutConfigurations) {
-  EXPECT_EQ(writeReport(job), 0);
+TEST_F(Report, WritesOnlyTheCommonFilesWithoutConfigurations) {
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(files(),
               ElementsAre("autotune.csv", "html/index.html", "main.html"));
   EXPECT_EQ(folder.read("autotune.csv"),
@@ -85,60 +88,60 @@ TEST_F(WriteReport, WritesOnlyTheCommonFilesWithoutConfigurations) {
               HasSubstr("<frame src=\"html/\" name=\"basefrm\">"));
 }
 
-TEST_F(WriteReport, LinksEachTableToItsRows) {
+TEST_F(Report, LinksEachTableToItsRows) {
   job.configs = {config("a", {{"baseline", {1, 2, 3}}, {"g0S4", {1, 2}}}),
                  config("b", {{"baseline", {1, 2}}})};
-  writeReport(job);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(folder.read("html/a_1024___64___table.html"),
               HasSubstr("(line 1-5)"));
   EXPECT_THAT(folder.read("html/b_1024___64___table.html"),
               HasSubstr("(line 6-7)"));
 }
 
-TEST_F(WriteReport, WorksForAConfigurationWithoutABaseline) {
+TEST_F(Report, WorksForAConfigurationWithoutABaseline) {
   job.configs = {config("k", {{"g0S4", {1}}})};
-  writeReport(job);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(folder.read("html/k_1024___64___table.html"),
               HasSubstr("<td> 1.000 </td><td> 0.0x </td>"));
   EXPECT_THAT(folder.read("html/k_1024___64___graph.html"),
               HasSubstr("\"iter,g0S4\\n\"\n+ \"1,1\\n\"\n"));
 }
 
-TEST_F(WriteReport, ReplacesAnOlderReportAndKeepsOtherPages) {
+TEST_F(Report, ReplacesAnOlderReportAndKeepsOtherPages) {
   ASSERT_TRUE(folder.write("main.html", std::string(9999, 'x')));
   ASSERT_TRUE(folder.write("html/old_1___1__.html", "old"));
-  writeReport(job);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(folder.read("main.html"), StartsWith("<!DOCTYPE html>\n<head>"));
   EXPECT_EQ(folder.read("html/old_1___1__.html"), "old");
 }
 
-TEST_F(WriteReport, LeavesOutWhatCannotBeCreatedAndWritesTheRest) {
+TEST_F(Report, LeavesOutWhatCannotBeCreatedAndWritesTheRest) {
   job.configs = {config("k", {{"baseline", {1}}})};
   std::filesystem::create_directory(folder.file("autotune.csv"));
   std::filesystem::create_directory(
       folder.file("html/k_1024___64___graph.html"));
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(writeReport(job), 0);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(write(), folder.file("html/k_1024___64___graph.html") +
+                         ": cannot be opened\n" + folder.file("autotune.csv") +
+                         ": cannot be opened");
   EXPECT_THAT(files(),
               ElementsAre("html/index.html", "html/k_1024___64__.html",
                           "html/k_1024___64___table.html", "main.html"));
 }
 
-TEST_F(WriteReport, WritesNothingWhereThereIsNoDirectory) {
+TEST_F(Report, WritesNothingWhereThereIsNoDirectory) {
   job.outputDirectory = folder.file("missing");
   job.configs = {config("k", {{"baseline", {1}}})};
-  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_THAT(write(), HasSubstr("missing/main.html: cannot be opened"));
   EXPECT_THAT(files(), IsEmpty());
 }
 
-TEST_F(WriteReport, WritesNoPageOutsideOfTheReport) {
+TEST_F(Report, WritesNoPageOutsideOfTheReport) {
   using namespace std::string_literals;
   std::filesystem::create_directory(folder.file("html/sub"));
   for (const std::string &name :
        {"../up"s, "sub/page"s, "/corvane-absolute"s, "nul\0byte"s})
     job.configs.push_back(config(name, {{"baseline", {1}}}));
-  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_EQ(write(), "");
   EXPECT_THAT(files(),
               ElementsAre("autotune.csv", "html/---up_1024___64__-1.html",
                           "html/---up_1024___64__-1_graph.html",
@@ -155,10 +158,10 @@ TEST_F(WriteReport, WritesNoPageOutsideOfTheReport) {
                           "main.html"));
 }
 
-TEST_F(WriteReport, HasPagesForANameThatIsTooLongForAFile) {
+TEST_F(Report, HasPagesForANameThatIsTooLongForAFile) {
   const std::string longName(5000, 'k');
   job.configs = {config(longName, {{"baseline", {1}}})};
-  EXPECT_EQ(writeReport(job), 0);
+  EXPECT_EQ(write(), "");
   const std::string page = std::string(150, 'k') + "-1.html";
   EXPECT_TRUE(folder.has("html/" + page));
   EXPECT_THAT(folder.read("html/index.html"),
@@ -167,10 +170,10 @@ TEST_F(WriteReport, HasPagesForANameThatIsTooLongForAFile) {
   EXPECT_THAT(folder.read("main.html"), HasSubstr("\"html/" + page + "\""));
 }
 
-TEST_F(WriteReport, LinksEveryConfigurationToPagesOfItsOwn) {
+TEST_F(Report, LinksEveryConfigurationToPagesOfItsOwn) {
   for (const char *name : {"k", "k/", "k\\", "k\"", "k<"})
     job.configs.push_back(config(name, {{"baseline", {1}}}));
-  writeReport(job);
+  EXPECT_EQ(write(), "");
   const std::string index = folder.read("html/index.html");
   EXPECT_THAT(files(), SizeIs(3 + 3 * job.configs.size()));
   for (const std::string page :
@@ -180,4 +183,29 @@ TEST_F(WriteReport, LinksEveryConfigurationToPagesOfItsOwn) {
     EXPECT_THAT(folder.read("html/" + page + ".html"),
                 HasSubstr("<frame src=\"" + page + "_graph.html\">"));
   }
+}
+
+TEST(InstallLocation, TurnsEveryBackslash) {
+  EXPECT_EQ(normalizedLocation("C:\\a\\\\b\\"), "C:/a//b/");
+}
+
+TEST(InstallLocation, LosesTheQuotesAroundIt) {
+  EXPECT_EQ(normalizedLocation("\"C:\\tools\\x\""), "C:/tools/x");
+}
+
+TEST(InstallLocation, LosesOneQuoteAtEitherEnd) {
+  EXPECT_EQ(normalizedLocation("\"a"), "a");
+  EXPECT_EQ(normalizedLocation("a\""), "a");
+  EXPECT_EQ(normalizedLocation("\"\"a\"b\"\""), "\"a\"b\"");
+}
+
+TEST(InstallLocation, SurvivesBeingShort) {
+  EXPECT_EQ(normalizedLocation(""), "");
+  EXPECT_EQ(normalizedLocation("\""), "");
+  EXPECT_EQ(normalizedLocation("\"\""), "");
+  EXPECT_EQ(normalizedLocation("\\"), "/");
+}
+
+TEST(InstallLocation, IsKeptOtherwise) {
+  EXPECT_EQ(normalizedLocation(" /opt/x y/ "), " /opt/x y/ ");
 }

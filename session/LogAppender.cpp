@@ -1,0 +1,139 @@
+// Writes whole lines only, each in one go: a process that is killed at any
+// moment leaves a log that can be read.
+
+#include "session/LogAppender.h"
+
+#include "agent/Flags.h"
+#include "agent/RefusedFiles.h"
+#include "base/Platform.h"
+#include "results/RawTimingLog.h"
+#include "results/ResultFiles.h"
+#include "session/OutputDirectory.h"
+
+#include <limits>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+using namespace corvane;
+using platform::FileHandle;
+using platform::FileUse;
+
+// A leaf lock below the histories': a second load empties the log for which the
+// runs of the first one have another history's lock.
+static std::mutex fileLock;
+
+static FileHandle openLog(const std::string &directory, FileUse use) {
+  const std::string path = resultPath(directory, resultFile::rawLog);
+  platform::OpenedFile log = platform::openRegularFile(path, use);
+  if (log.refused)
+    reportRefusedFile(path);
+  return std::move(log.file);
+}
+
+static std::string rowOf(const LaunchRecord &record, const TimingEntry &entry) {
+  return rawLogRow(*record.fields, *entry.version, entry.nanoseconds);
+}
+
+// A full disk may take the first part of a line; the log, which was \p before
+// bytes long if that is known, must not keep it.
+static bool writeLine(std::FILE *log, std::string_view line, long before) {
+  if (platform::writeBytes(log, line.data(), line.size()) == line.size())
+    return true;
+  if (before >= 0)
+    platform::cutFile(log, before);
+  return false;
+}
+
+bool corvane::createRawLog(const std::string &directory) {
+  const std::lock_guard<std::mutex> guard(fileLock);
+  const FileHandle log = openLog(directory, FileUse::Replace);
+  if (!log)
+    return false;
+  writeLine(log.get(), rawLogHeader, 0);
+  return true;
+}
+
+// The length of a log that was \p length long, and got so many bytes since;
+// negative if it is not known or does not fit.
+static long lengthAfter(long length, std::size_t bytes) {
+  const auto most =
+      static_cast<unsigned long>(std::numeric_limits<long>::max());
+  if (length < 0 || bytes > most - static_cast<unsigned long>(length))
+    return -1;
+  return length + static_cast<long>(bytes);
+}
+
+// Writes as many whole lines as the disk takes behind the \p length bytes that
+// are there; the others stay in rows.
+static void writeRows(std::FILE *log, std::string &rows, long length) {
+  std::size_t written = 0;
+  while (written < rows.size()) {
+    const std::size_t next = rows.find('\n', written) + 1;
+    if (!writeLine(log, {rows.data() + written, next - written},
+                   lengthAfter(length, written)))
+      break;
+    written = next;
+  }
+  rows.erase(0, written);
+}
+
+static std::string allRows(const LaunchHistory &history) {
+  std::string rows;
+  for (const std::shared_ptr<LaunchRecord> &record : history.records)
+    for (const TimingEntry &entry : record->timings)
+      rows += rowOf(*record, entry);
+  return rows;
+}
+
+// \p log is empty.
+static void writeAnew(std::FILE *log, LaunchHistory &history) {
+  // A full disk takes not even the header; a long history is not made into rows
+  // for each try.
+  if (!writeLine(log, rawLogHeader, 0))
+    return;
+  try {
+    history.unwrittenRows = allRows(history);
+  } catch (const std::bad_alloc &) {
+    platform::cutFile(log, 0); // the next row tries again
+    throw;
+  }
+  writeRows(log, history.unwrittenRows, static_cast<long>(rawLogHeader.size()));
+}
+
+// Each time anew, for anybody may have moved, emptied or deleted the log. One
+// handle is enough to look at it and to add to it: opened like this a missing
+// log is an empty one. A log that can be written but not read is made anew.
+static void updateLog(const std::string &directory, LaunchHistory &history) {
+  FileHandle log = openLog(directory, FileUse::Append);
+  if (!log)
+    log = openLog(directory, FileUse::Replace);
+  if (!log)
+    return;
+  // Negative where it does not fit: such a log is not empty.
+  const long length =
+      std::fseek(log.get(), 0, SEEK_END) == 0 ? std::ftell(log.get()) : -1;
+  if (length == 0)
+    writeAnew(log.get(), history);
+  else
+    writeRows(log.get(), history.unwrittenRows, length);
+}
+
+void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
+  const std::lock_guard<std::mutex> guard(fileLock);
+  if (!autotuneOutput() || !history.open || record.timings.empty())
+    return;
+  history.unwrittenRows += rowOf(record, record.timings.back());
+  if (const std::optional<std::string> directory =
+          outputDirectory(history.loadFolder))
+    updateLog(*directory, history);
+}
+
+void corvane::writeWaitingRows(LaunchHistory &history,
+                               const std::string &directory) {
+  const std::unique_lock<std::mutex> guard(fileLock, std::try_to_lock);
+  if (guard && !history.unwrittenRows.empty())
+    updateLog(directory, history);
+}
