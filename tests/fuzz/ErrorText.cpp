@@ -3,7 +3,7 @@
 #include "tests/fuzz/ErrorText.h"
 
 #include "tests/fuzz/Input.h"
-#include "tests/support/Descriptor.h"
+#include "tests/support/Platform.h"
 #include "tests/support/TempFolder.h"
 
 #include <cstdio>

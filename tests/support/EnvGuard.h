@@ -2,14 +2,13 @@
 
 #pragma once
 
+#include "tests/support/Platform.h"
+
 #include <cstdlib>
 #include <optional>
 #include <string>
 
 namespace corvane::test {
-
-/// Defines a variable, be it empty, or removes it if \p value is null.
-void assignVariable(const char *name, const char *value);
 
 /// Defines or removes an environment variable and puts it back at the end.
 /// Not for tests in which other threads look at the environment meanwhile.

@@ -2,7 +2,7 @@
 
 #include "tests/support/ErrorCapture.h"
 
-#include "tests/support/Descriptor.h"
+#include "tests/support/Platform.h"
 
 #include "gtest/gtest.h"
 

@@ -3,7 +3,6 @@
 #include "agent/DispatchTable.h"
 #include "tests/support/TempFolder.h"
 #include "tests/windows/Library.h"
-#include "tests/windows/NarrowText.h"
 
 #include "gtest/gtest.h"
 

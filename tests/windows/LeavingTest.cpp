@@ -66,7 +66,7 @@ TEST(Leaving, WithTheProcessWaitsForNoThreadThatWasEndedWithALock) {
   expectReport(folder);
 }
 
-// The length of the log goes to a stream whose lock nobody gives back. A system
+// The length of the log goes to a stream whose lock is never released. A system
 // that ends the process there does so with the report written.
 TEST(Leaving, WithTheProcessWritesTheReportBeforeTheLog) {
   TempFolder folder;

@@ -4,17 +4,33 @@
 #include "tests/support/FakeRuntime.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TempFolder.h"
-#include "tests/windows/NarrowText.h"
 
 #include "gtest/gtest.h"
 
 #include <filesystem>
+#include <string>
+
+#include <windows.h>
 
 using namespace corvane::test;
 
 // The letters are in the character set of Western Europe and the Americas.
 static const wchar_t *const folderName =
     L"r\u00e9sultats \u00e0 c\u00f4t\u00e9";
+
+// In the character set of the system, as a variable of the environment has it;
+// empty if it lacks one of the letters.
+static std::string narrow(const std::wstring &text) {
+  std::string bytes(4 * text.size(), '\0');
+  BOOL lacking = FALSE;
+  const int length = WideCharToMultiByte(
+      CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()),
+      bytes.data(), static_cast<int>(bytes.size()), nullptr, &lacking);
+  if (lacking)
+    return "";
+  bytes.resize(static_cast<std::size_t>(length));
+  return bytes;
+}
 
 TEST(OutputDirectory, MayHaveBlanksAndLettersOutsideAscii) {
   ASSERT_NE(narrow(folderName), "");

@@ -6,15 +6,15 @@
 
 using corvane::test::playedTable;
 
-cl_int CL_API_CALL clGetPlatformIDs(cl_uint room, cl_platform_id *platforms,
+cl_int CL_API_CALL clGetPlatformIDs(cl_uint capacity, cl_platform_id *platforms,
                                     cl_uint *count) {
-  return playedTable().clGetPlatformIDs(room, platforms, count);
+  return playedTable().clGetPlatformIDs(capacity, platforms, count);
 }
 
 cl_int CL_API_CALL clGetDeviceIDs(cl_platform_id platform, cl_device_type type,
-                                  cl_uint room, cl_device_id *devices,
+                                  cl_uint capacity, cl_device_id *devices,
                                   cl_uint *count) {
-  return playedTable().clGetDeviceIDs(platform, type, room, devices, count);
+  return playedTable().clGetDeviceIDs(platform, type, capacity, devices, count);
 }
 
 cl_int CL_API_CALL clGetDeviceInfo(cl_device_id device, cl_device_info info,

@@ -59,7 +59,7 @@ static std::string sizesText(cl_uint count, const std::size_t *sizes) {
   return sizes ? text : "none";
 }
 
-static void note(cl_kernel kernel, const std::string &sizes) {
+static void record(cl_kernel kernel, const std::string &sizes) {
   const char *path = std::getenv("PLAYED_LAUNCHES");
   std::FILE *file = path ? std::fopen(path, "ab") : nullptr;
   if (!file)
@@ -76,7 +76,7 @@ static cl_int CL_API_CALL launch(cl_command_queue queue, cl_kernel kernel,
                                  const std::size_t *global,
                                  const std::size_t *local, cl_uint waitCount,
                                  const cl_event *waitList, cl_event *event) {
-  note(kernel, sizesText(workDim, global) + " " + sizesText(workDim, local));
+  record(kernel, sizesText(workDim, global) + " " + sizesText(workDim, local));
   return real.clEnqueueNDRangeKernel(queue, kernel, workDim, offset, global,
                                      local, waitCount, waitList, event);
 }

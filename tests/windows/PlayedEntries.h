@@ -9,7 +9,7 @@ namespace corvane::test {
 /// Puts our own entries into \p table, which keeps the real functions below:
 ///  - clSetEventCallback and clSetMemObjectDestructorCallback, which Wine's
 ///    opencl.dll does not offer;
-///  - clEnqueueNDRangeKernel, which notes each launch in the file that
+///  - clEnqueueNDRangeKernel, which records each launch in the file that
 ///    PLAYED_LAUNCHES names: "matmul 512x512 16x16".
 void replaceEntries(DispatchTable &table);
 

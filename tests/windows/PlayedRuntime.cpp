@@ -4,7 +4,6 @@
 
 #include "tests/host/AgentHost.h"
 #include "tests/windows/Library.h"
-#include "tests/windows/OpenClLibrary.h"
 #include "tests/windows/PlayedEntries.h"
 
 #include <cstdio>
@@ -20,6 +19,9 @@ static void *agentLibrary;
 static AgentHost &host() {
   static AgentHost theHost;
   return theHost;
+}
+
+return table;
 }
 
 static void endAgent() {

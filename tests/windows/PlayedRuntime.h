@@ -11,7 +11,7 @@ namespace corvane::test {
 /// beside the program.
 ///
 /// The agent leaves when the program ends, in the way that PLAYED_END says:
-/// "unload" (with the library freed behind it), "free" (the library alone), or
+/// "unload" (with the library freed after it), "free" (the library alone), or
 /// "exit" (by nothing but the end of the process).
 const DispatchTable &playedTable();
 

@@ -1,7 +1,7 @@
 // Tests of arguments that may be memory of which the agent has no record.
 
 #include "tests/behaviour/launch/Application.h"
-#include "tests/support/LowMemory.h"
+#include "tests/support/Platform.h"
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"

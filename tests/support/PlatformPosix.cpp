@@ -1,12 +1,22 @@
-// The standard error stream on Linux and its relatives.
+// What tests need of Linux and its relatives.
 
-#include "tests/support/Descriptor.h"
+#include "tests/support/Platform.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
+
+void corvane::test::assignVariable(const char *name, const char *value) {
+  if (value)
+    setenv(name, value, 1);
+  else
+    unsetenv(name);
+}
 
 // A sanitizer's last words are for whoever runs the test, not for the test.
 extern "C" __attribute__((weak)) void
@@ -34,3 +44,16 @@ void corvane::test::restoreErrorStream(int before) {
         reinterpret_cast<void *>(static_cast<std::intptr_t>(STDERR_FILENO)));
   close(before);
 }
+
+static constexpr std::size_t pageSize = 4096;
+
+char *corvane::test::mapLowPage() {
+  // The address is a wish, which is granted unless something lies there.
+  constexpr std::uintptr_t wish = 0x30000000;
+  void *page = mmap(reinterpret_cast<void *>(wish), pageSize, PROT_READ,
+                    MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  const bool isLow = reinterpret_cast<std::uintptr_t>(page) >> 32 == 0;
+  return page != MAP_FAILED && isLow ? static_cast<char *>(page) : nullptr;
+}
+
+void corvane::test::unmapLowPage(char *page) { munmap(page, pageSize); }
