@@ -1,4 +1,4 @@
-"""One run of somebody's OpenCL program, and what it looked like from outside."""
+"""One run of an OpenCL program, and what it looked like from outside."""
 
 import os
 import re
@@ -42,7 +42,7 @@ class Way:
 
 
 @dataclass
-class Ground:
+class Folders:
     """Where programs run, and what they find there."""
 
     folder: Path
@@ -82,14 +82,14 @@ def without_noise(text, case):
     return text
 
 
-def start(case, way, ground, scratch):
+def start(case, way, folders, scratch):
     """Exit code, output and error stream."""
     work, results = Path(scratch, "work"), Path(scratch, "results")
     work.mkdir()
     results.mkdir()
     try:
         done = subprocess.run(
-            case.command, env=ground.environment_of(case, way, str(results)),
+            case.command, env=folders.environment_of(case, way, str(results)),
             cwd=work, stdin=subprocess.DEVNULL, capture_output=True, timeout=LIMIT,
             check=False)
         return str(done.returncode), done.stdout, done.stderr
@@ -97,10 +97,10 @@ def start(case, way, ground, scratch):
         return f"none after {LIMIT} s", late.stdout or b"", late.stderr or b""
 
 
-def run(case, way, ground, keep):
+def run(case, way, folders, keep):
     """Runs the case once; its whole output is left in the files `keep`.*"""
     with tempfile.TemporaryDirectory() as scratch:
-        code, *streams = start(case, way, ground, scratch)
+        code, *streams = start(case, way, folders, scratch)
         log = Path(scratch, "results", ".auto.csv")
         rows = log.read_text(encoding="utf-8").splitlines() if log.exists() else []
     keep.parent.mkdir(parents=True, exist_ok=True)

@@ -15,7 +15,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 from opencl_programs import PROGRAMS
-from opencl_runs import Ground, Way, file_name, run
+from opencl_runs import Folders, Way, file_name, run
 from run_examples import print_table
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -59,15 +59,15 @@ def sort_tests(alone, layered):
     return equal, flaky, different
 
 
-def judge(case, ways, ground, keep):
+def judge(case, ways, folders, keep):
     """Runs a case in all ways and compares."""
     bare, *with_layer = ways
     folder = keep / file_name(case.name)
     shutil.rmtree(folder, ignore_errors=True)
-    alone = [run(case, bare, ground, folder / f"{bare.name}-{i}") for i in (1, 2)]
-    layered = [run(case, way, ground, folder / way.name) for way in with_layer]
+    alone = [run(case, bare, folders, folder / f"{bare.name}-{i}") for i in (1, 2)]
+    layered = [run(case, way, folders, folder / way.name) for way in with_layer]
     if sort_tests(alone, layered)[2]:
-        alone += [run(case, bare, ground, folder / f"{bare.name}-{i}")
+        alone += [run(case, bare, folders, folder / f"{bare.name}-{i}")
                   for i in range(3, 3 + DOUBTS)]
     equal, flaky, different = sort_tests(alone, layered)
     if any(one.missing for one in layered):
@@ -77,7 +77,7 @@ def judge(case, ways, ground, keep):
                     sum(one.reports for one in layered))
 
 
-def judge_program(key, options, ground):
+def judge_program(key, options, folders):
     program, began = PROGRAMS[key], time.monotonic()
     cases = [case for case in program.cases(options.whole)
              if re.search(options.cases, case.name)]
@@ -87,7 +87,7 @@ def judge_program(key, options, ground):
     ways = (Way("alone"), Way("normal", options.layer), Way("autotuning", options.layer, True))
     verdicts = Verdicts()
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        for one in pool.map(lambda case: judge(case, ways, ground, options.folder / key), cases):
+        for one in pool.map(lambda case: judge(case, ways, folders, options.folder / key), cases):
             verdicts.add(one)
     print(f"    {verdicts.equal} equal, {len(verdicts.flaky)} flaky, "
           f"{len(verdicts.different)} different; {time.monotonic() - began:.0f} s",
@@ -115,12 +115,12 @@ def print_markdown(rows):
         print("| " + " | ".join(cells) + " |")
 
 
-def print_lists(found, ground_folder):
+def print_lists(found, folders_folder):
     for key, verdicts in found.items():
         for word in ("flaky", "different"):
             for test in getattr(verdicts, word):
                 print(f"{word}: {PROGRAMS[key].name}, {test}")
-    print(f"\nEverything that was printed: {ground_folder}")
+    print(f"\nEverything that was printed: {folders_folder}")
 
 
 def read_arguments():
@@ -150,8 +150,8 @@ def main():
     if options.packages:
         print("\n".join(name for key in options.programs for name in PROGRAMS[key].packages))
         return
-    ground = Ground(options.folder, options.build.resolve() / "share/corvane")
-    found = {key: judge_program(key, options, ground) for key in options.programs}
+    folders = Folders(options.folder, options.build.resolve() / "share/corvane")
+    found = {key: judge_program(key, options, folders) for key in options.programs}
     print()
     rows = [row(key, verdicts) for key, verdicts in found.items()]
     print(f"PoCL {version_of('pocl-opencl-icd')}, ocl-icd {version_of('ocl-icd-libopencl1')}\n")

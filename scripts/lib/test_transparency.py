@@ -5,7 +5,7 @@ import unittest
 from pathlib import Path
 
 from opencl_programs import Case, pytest_results, routine_results
-from opencl_runs import Ground, Way, without_noise
+from opencl_runs import Folders, Way, without_noise
 from run_transparency import judge
 
 ALONE = Way("alone")
@@ -17,7 +17,7 @@ def verdicts(command, ways=(ALONE, LAYERED), **case):
     with tempfile.TemporaryDirectory() as folder:
         place = Path(folder)
         return judge(Case("it", ("sh", "-c", command), **case), ways,
-                     Ground(place, place), place / "kept")
+                     Folders(place, place), place / "kept")
 
 
 class Verdicts(unittest.TestCase):
