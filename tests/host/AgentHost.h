@@ -13,7 +13,7 @@ namespace corvane::test {
 
 /// What a host passes to `clAgent_OnLoad`, and the table that its applications
 /// call through. For programs that play a runtime in a process of their own;
-/// the scripted runtime has a FakeAgent, which also notes and answers the
+/// the scripted runtime has a FakeAgent, which also records and answers the
 /// calls.
 ///
 /// Lives from the load to the unload. No lock: nothing may call through the

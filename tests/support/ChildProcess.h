@@ -8,7 +8,7 @@
 
 namespace corvane::test {
 
-/// What a child process has left behind.
+/// What remains of a child process.
 struct Ended {
   std::string diagnosticLog; ///< the text of the file, "" without one
   std::string errorText;     ///< all that it wrote on standard error

@@ -36,10 +36,10 @@ ErrorPieces::~ErrorPieces() {
 
 std::vector<std::string> ErrorPieces::read() {
   std::vector<std::string> pieces;
-  std::array<char, 1024> room{};
+  std::array<char, 1024> capacity{};
   ssize_t size = 0;
-  while ((size = recv(unpack(channel), room.data(), room.size(),
+  while ((size = recv(unpack(channel), capacity.data(), capacity.size(),
                       MSG_DONTWAIT)) > 0)
-    pieces.emplace_back(room.data(), static_cast<std::size_t>(size));
+    pieces.emplace_back(capacity.data(), static_cast<std::size_t>(size));
   return pieces;
 }

@@ -20,11 +20,11 @@ static std::string pipeName() {
 
 // Reading returns at once, with or without a message.
 static HANDLE makePipe() {
-  constexpr DWORD room = 65536;
+  constexpr DWORD capacity = 65536;
   return CreateNamedPipeA(pipeName().c_str(), PIPE_ACCESS_INBOUND,
                           PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE |
                               PIPE_NOWAIT,
-                          1, room, room, 0, nullptr);
+                          1, capacity, capacity, 0, nullptr);
 }
 
 ErrorPieces::ErrorPieces() {
@@ -49,10 +49,10 @@ ErrorPieces::~ErrorPieces() {
 
 std::vector<std::string> ErrorPieces::read() {
   std::vector<std::string> pieces;
-  std::array<char, 1024> room{};
+  std::array<char, 1024> capacity{};
   DWORD size = 0;
-  while (ReadFile(channel, room.data(), static_cast<DWORD>(room.size()), &size,
-                  nullptr))
-    pieces.emplace_back(room.data(), size);
+  while (ReadFile(channel, capacity.data(), static_cast<DWORD>(capacity.size()),
+                  &size, nullptr))
+    pieces.emplace_back(capacity.data(), size);
   return pieces;
 }

@@ -63,7 +63,7 @@ ProgramScript FakeRuntime::addProgram() {
   return ProgramScript(program);
 }
 
-// A program that nobody holds before the runtime hands it out.
+// A program without references before the runtime hands it out.
 static ProgramScript prepare(World &world,
                              std::deque<std::shared_ptr<Program>> &prepared) {
   Lock guard(world.lock);

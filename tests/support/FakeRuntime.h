@@ -38,7 +38,7 @@ public:
   FakeAgent &agent() { return agentObject; }
   DispatchTable &ownTable() { return agentObject.current; }
 
-  // --- objects, made behind the agent's back ---
+  // --- objects, made without the agent's knowledge ---
 
   cl_device_id device(unsigned number = 1) { return world.device(number); }
   cl_context context();     ///< always the same
@@ -52,7 +52,7 @@ public:
   /// The bytes of a buffer, and other bytes for it.
   std::vector<unsigned char> bytes(cl_mem buffer);
   void setBytes(cl_mem buffer, const std::vector<unsigned char> &bytes);
-  /// The same bytes for as long as one looks, behind the end of the buffer too.
+  /// The same bytes at every call, past the end of the buffer too.
   std::shared_ptr<const std::vector<unsigned char>> look(cl_mem buffer);
 
   /// Objects that the application still holds: "event", "kernel", "program",

@@ -17,7 +17,7 @@ const std::array<const char *, entryCount> corvane::test::entryNames = {
 };
 
 [[noreturn]] static void stopAt(int index) {
-  std::fprintf(stderr, "Nobody scripted %s, but it was called.\n",
+  std::fprintf(stderr, "%s was called, but no answer was scripted.\n",
                entryNames[static_cast<std::size_t>(index)]);
   std::abort();
 }

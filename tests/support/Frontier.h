@@ -1,4 +1,4 @@
-// The border around the agent, with a note of everything that crosses it.
+// The border around the agent; records everything that crosses it.
 
 #pragma once
 
@@ -48,7 +48,7 @@ public:
   /// Every way in which an entry has failed so far.
   std::set<std::pair<std::string, cl_int>> failures() const;
 
-  /// Notes a call and returns its place, for the answer to come.
+  /// Records a call and returns its place, for the answer to come.
   std::size_t noteCall(const char *entry);
   void noteAnswer(std::size_t place, cl_int status);
 

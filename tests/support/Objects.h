@@ -13,7 +13,7 @@
 
 namespace corvane::test {
 
-/// Gives handles out, finds objects and notes who uses one after its end. Not
+/// Gives handles out, finds objects and records who uses one after its end. Not
 /// locked.
 class Objects {
 public:
@@ -46,7 +46,7 @@ public:
     return nameOfObject(handle, ObjectOf<Handle>::kind);
   }
 
-  /// Ends the life of \p object if nobody needs it any more, and returns
+  /// Ends the life of \p object if no reference to it is left, and returns
   /// whether it did.
   bool buryIfUnused(const Object &object);
 

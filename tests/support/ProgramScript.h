@@ -71,7 +71,7 @@ public:
   explicit ProgramScript(std::shared_ptr<Program> described)
       : program(std::move(described)) {}
 
-  /// The build has one kernel more, behind those that it has already.
+  /// The build has one kernel more, after those that it has already.
   ProgramScript &kernel(const std::string &name, cl_uint argumentCount = 0,
                         KernelBody body = {});
 

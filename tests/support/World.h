@@ -42,7 +42,7 @@ public:
   /// call to \p entry.
   static World &current(const char *entry);
 
-  /// Notes a call and asks for its failure.
+  /// Records a call and asks for its failure.
   std::optional<cl_int> begin(const std::string &entry,
                               const std::vector<std::string> &arguments) {
     transcript.add(entry, arguments);
@@ -70,7 +70,7 @@ public:
   cl_device_id device(unsigned number);
   unsigned numberOf(cl_device_id device) const;
 
-  /// Ends \p object if nobody needs it.
+  /// Ends \p object if no reference to it is left.
   void settle(const Object &object);
 
   /// The times of the next run of the kernel called \p name.

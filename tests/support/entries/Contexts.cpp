@@ -50,13 +50,13 @@ cl_int CL_API_CALL fake::clReleaseCommandQueue(cl_command_queue queue) {
 
 cl_int CL_API_CALL fake::clGetCommandQueueInfo(cl_command_queue handle,
                                                cl_command_queue_info what,
-                                               size_t room, void *value,
+                                               size_t capacity, void *value,
                                                size_t *size) {
   World &world = World::current("clGetCommandQueueInfo");
   if (const auto failure =
           world.begin("clGetCommandQueueInfo",
                       {world.say(handle), queueInfoName(what),
-                       std::to_string(room), place(value), place(size)}))
+                       std::to_string(capacity), place(value), place(size)}))
     return *failure;
   std::lock_guard<std::recursive_mutex> guard(world.lock);
   const auto queue = world.objects.find(handle);
@@ -64,9 +64,9 @@ cl_int CL_API_CALL fake::clGetCommandQueueInfo(cl_command_queue handle,
     return CL_INVALID_COMMAND_QUEUE;
   switch (what) {
   case CL_QUEUE_PROPERTIES:
-    return answerValue(Wanted{room, value, size}, queue->properties);
+    return answerValue(Wanted{capacity, value, size}, queue->properties);
   case CL_QUEUE_REFERENCE_COUNT:
-    return answerValue(Wanted{room, value, size}, queue->references);
+    return answerValue(Wanted{capacity, value, size}, queue->references);
   default:
     return CL_INVALID_VALUE;
   }

@@ -21,7 +21,7 @@ struct Enqueued {
   cl_event *event; ///< null: not wanted
 };
 
-/// Makes a command out of a call to \p entry, notes the call and runs the
+/// Makes a command out of a call to \p entry, records the call and runs the
 /// command, or leaves it for later. \p words are the arguments before the wait
 /// list; \p plan fills in what the command needs and does, with the world's
 /// lock held, or returns a failure. Returns the runtime's status.

@@ -25,14 +25,14 @@ inline void setStatus(cl_int *slot, cl_int status) {
 
 /// Where a query wants its answer.
 struct Wanted {
-  std::size_t room;
+  std::size_t capacity;
   void *value;       ///< may be null
   std::size_t *size; ///< may be null
 };
 
 /// Answers a query as OpenCL asks for it: a null value asks for the size alone.
 inline cl_int answer(Wanted wanted, const void *data, std::size_t size) {
-  if (wanted.value && wanted.room < size)
+  if (wanted.value && wanted.capacity < size)
     return CL_INVALID_VALUE;
   if (wanted.value && size != 0)
     std::memcpy(wanted.value, data, size);

@@ -20,12 +20,13 @@ cl_int CL_API_CALL fake::clReleaseEvent(cl_event event) {
 }
 
 cl_int CL_API_CALL fake::clGetEventInfo(cl_event handle, cl_event_info what,
-                                        size_t room, void *value,
+                                        size_t capacity, void *value,
                                         size_t *size) {
   World &world = World::current("clGetEventInfo");
-  if (const auto failure = world.begin(
-          "clGetEventInfo", {world.say(handle), eventInfoName(what),
-                             std::to_string(room), place(value), place(size)}))
+  if (const auto failure =
+          world.begin("clGetEventInfo",
+                      {world.say(handle), eventInfoName(what),
+                       std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto event = world.objects.find(handle);
@@ -33,9 +34,9 @@ cl_int CL_API_CALL fake::clGetEventInfo(cl_event handle, cl_event_info what,
     return CL_INVALID_EVENT;
   switch (what) {
   case CL_EVENT_COMMAND_EXECUTION_STATUS:
-    return answerValue(Wanted{room, value, size}, event->status);
+    return answerValue(Wanted{capacity, value, size}, event->status);
   case CL_EVENT_REFERENCE_COUNT:
-    return answerValue(Wanted{room, value, size}, event->references);
+    return answerValue(Wanted{capacity, value, size}, event->references);
   default:
     return CL_INVALID_VALUE;
   }
@@ -65,13 +66,13 @@ cl_int CL_API_CALL fake::clSetEventCallback(
 
 cl_int CL_API_CALL fake::clGetEventProfilingInfo(cl_event handle,
                                                  cl_profiling_info what,
-                                                 size_t room, void *value,
+                                                 size_t capacity, void *value,
                                                  size_t *size) {
   World &world = World::current("clGetEventProfilingInfo");
   if (const auto failure =
           world.begin("clGetEventProfilingInfo",
                       {world.say(handle), profilingInfoName(what),
-                       std::to_string(room), place(value), place(size)}))
+                       std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto event = world.objects.findInUse(handle);
@@ -81,9 +82,9 @@ cl_int CL_API_CALL fake::clGetEventProfilingInfo(cl_event handle,
     return CL_PROFILING_INFO_NOT_AVAILABLE;
   switch (what) {
   case CL_PROFILING_COMMAND_START:
-    return answerValue(Wanted{room, value, size}, event->start);
+    return answerValue(Wanted{capacity, value, size}, event->start);
   case CL_PROFILING_COMMAND_END:
-    return answerValue(Wanted{room, value, size}, event->end);
+    return answerValue(Wanted{capacity, value, size}, event->end);
   default:
     return CL_INVALID_VALUE;
   }

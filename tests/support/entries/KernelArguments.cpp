@@ -66,13 +66,13 @@ static cl_int tell(const Declaration &declaration, cl_kernel_arg_info what,
 
 cl_int CL_API_CALL fake::clGetKernelArgInfo(cl_kernel handle, cl_uint index,
                                             cl_kernel_arg_info what,
-                                            size_t room, void *value,
+                                            size_t capacity, void *value,
                                             size_t *size) {
   World &world = World::current("clGetKernelArgInfo");
   if (const auto failure = world.begin(
           "clGetKernelArgInfo",
           {world.say(handle), std::to_string(index), argumentInfoName(what),
-           std::to_string(room), place(value), place(size)}))
+           std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto kernel = world.objects.find(handle);
@@ -84,5 +84,5 @@ cl_int CL_API_CALL fake::clGetKernelArgInfo(cl_kernel handle, cl_uint index,
   const auto declaration = declarations.find(index);
   return declaration == declarations.end()
              ? CL_KERNEL_ARG_INFO_NOT_AVAILABLE
-             : tell(declaration->second, what, {room, value, size});
+             : tell(declaration->second, what, {capacity, value, size});
 }

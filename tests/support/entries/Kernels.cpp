@@ -55,7 +55,7 @@ cl_kernel CL_API_CALL fake::clCreateKernel(cl_program program, const char *name,
   return kernel;
 }
 
-static cl_int createAll(World &world, cl_program handle, cl_uint room,
+static cl_int createAll(World &world, cl_program handle, cl_uint capacity,
                         cl_kernel *kernels, cl_uint *count) {
   Lock guard(world.lock);
   const auto program = world.objects.find(handle);
@@ -64,7 +64,7 @@ static cl_int createAll(World &world, cl_program handle, cl_uint room,
   if (!program->latest())
     return CL_INVALID_PROGRAM_EXECUTABLE;
   const std::vector<KernelScript> &scripts = program->latest()->kernels;
-  if (kernels && room < scripts.size())
+  if (kernels && capacity < scripts.size())
     return CL_INVALID_VALUE;
   if (kernels)
     std::transform(scripts.begin(), scripts.end(), kernels,
@@ -78,15 +78,16 @@ static cl_int createAll(World &world, cl_program handle, cl_uint room,
 }
 
 cl_int CL_API_CALL fake::clCreateKernelsInProgram(cl_program program,
-                                                  cl_uint room,
+                                                  cl_uint capacity,
                                                   cl_kernel *kernels,
                                                   cl_uint *count) {
   World &world = World::current("clCreateKernelsInProgram");
-  if (const auto failure = world.begin(
-          "clCreateKernelsInProgram", {world.say(program), std::to_string(room),
-                                       place(kernels), place(count)}))
+  if (const auto failure =
+          world.begin("clCreateKernelsInProgram",
+                      {world.say(program), std::to_string(capacity),
+                       place(kernels), place(count)}))
     return *failure;
-  return createAll(world, program, room, kernels, count);
+  return createAll(world, program, capacity, kernels, count);
 }
 
 cl_int CL_API_CALL fake::clRetainKernel(cl_kernel kernel) {
@@ -100,18 +101,19 @@ cl_int CL_API_CALL fake::clReleaseKernel(cl_kernel kernel) {
 }
 
 cl_int CL_API_CALL fake::clGetKernelInfo(cl_kernel handle, cl_kernel_info what,
-                                         size_t room, void *value,
+                                         size_t capacity, void *value,
                                          size_t *size) {
   World &world = World::current("clGetKernelInfo");
-  if (const auto failure = world.begin(
-          "clGetKernelInfo", {world.say(handle), kernelInfoName(what),
-                              std::to_string(room), place(value), place(size)}))
+  if (const auto failure =
+          world.begin("clGetKernelInfo",
+                      {world.say(handle), kernelInfoName(what),
+                       std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto kernel = world.objects.find(handle);
   if (!kernel)
     return CL_INVALID_KERNEL;
-  const Wanted wanted{room, value, size};
+  const Wanted wanted{capacity, value, size};
   switch (what) {
   case CL_KERNEL_FUNCTION_NAME:
     return answer(wanted, kernel->script.name);

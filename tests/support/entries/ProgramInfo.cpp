@@ -52,19 +52,19 @@ static cl_int tell(World &world, const Program &program, cl_program_info what,
 }
 
 cl_int CL_API_CALL fake::clGetProgramInfo(cl_program handle,
-                                          cl_program_info what, size_t room,
+                                          cl_program_info what, size_t capacity,
                                           void *value, size_t *size) {
   World &world = World::current("clGetProgramInfo");
   if (const auto failure =
           world.begin("clGetProgramInfo",
                       {world.say(handle), programInfoName(what),
-                       std::to_string(room), place(value), place(size)}))
+                       std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto program = world.objects.find(handle);
   if (!program)
     return CL_INVALID_PROGRAM;
-  return tell(world, *program, what, {room, value, size});
+  return tell(world, *program, what, {capacity, value, size});
 }
 
 static std::string logOf(const Program &program, unsigned device) {
@@ -77,13 +77,13 @@ static std::string logOf(const Program &program, unsigned device) {
 cl_int CL_API_CALL fake::clGetProgramBuildInfo(cl_program handle,
                                                cl_device_id device,
                                                cl_program_build_info what,
-                                               size_t room, void *value,
+                                               size_t capacity, void *value,
                                                size_t *size) {
   World &world = World::current("clGetProgramBuildInfo");
   if (const auto failure = world.begin(
           "clGetProgramBuildInfo",
           {world.say(handle), world.say(device), programInfoName(what),
-           std::to_string(room), place(value), place(size)}))
+           std::to_string(capacity), place(value), place(size)}))
     return *failure;
   Lock guard(world.lock);
   const auto program = world.objects.find(handle);
@@ -92,7 +92,7 @@ cl_int CL_API_CALL fake::clGetProgramBuildInfo(cl_program handle,
   if (what != CL_PROGRAM_BUILD_LOG)
     return CL_INVALID_VALUE;
   const cl_int status =
-      answer({room, value, size}, logOf(*program, world.numberOf(device)));
+      answer({capacity, value, size}, logOf(*program, world.numberOf(device)));
   if (size && world.lies.buildLogSize)
     *size = *world.lies.buildLogSize;
   return status;

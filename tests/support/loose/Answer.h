@@ -11,12 +11,12 @@ namespace corvane::test::loose {
 
 /// Where the caller wants an answer; a null place is not wanted.
 struct Wanted {
-  std::size_t room;
+  std::size_t capacity;
   void *value;
   std::size_t *size;
 
   cl_int give(const void *data, std::size_t length) const {
-    if (value && room < length)
+    if (value && capacity < length)
       return CL_INVALID_VALUE;
     if (value)
       std::memcpy(value, data, length);

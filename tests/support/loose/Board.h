@@ -1,4 +1,4 @@
-// What the entries of the loose runtime share, none of it behind a lock.
+// What the entries of the loose runtime share, without a lock.
 
 #pragma once
 
@@ -38,7 +38,7 @@ inline constexpr std::size_t kinds = 6;
 /// A run whose completion the agent has been told of.
 struct ToldRun {
   std::string row;  ///< what the raw timing log should say, without line feed
-  bool beforeFlush; ///< told to the end before anybody asked for a flush
+  bool beforeFlush; ///< told to the end before a flush was asked for
 };
 
 class Board {
@@ -73,7 +73,7 @@ public:
     return living[static_cast<std::size_t>(kind)].load();
   }
 
-  /// Notes what the agent or the application should not have done.
+  /// Records what the agent or the application should not have done.
   void blame(const char *what) { blames.add(what); }
   std::vector<std::string> takeBlames() { return blames.take(); }
 

@@ -6,7 +6,7 @@
 
 namespace corvane::test::loose {
 
-/// Entries that nobody plays stop the process with their name.
+/// Entries without a function stop the process with their name.
 DispatchTable makeTable();
 
 // One file a theme; each puts its entries into the table.

@@ -16,11 +16,12 @@ static cl_int CL_API_CALL setCallback(cl_event event, cl_int,
 }
 
 static cl_int CL_API_CALL tellTimes(cl_event handle, cl_profiling_info what,
-                                    size_t room, void *value, size_t *size) {
+                                    size_t capacity, void *value,
+                                    size_t *size) {
   const Event &event = *objectOf(handle);
   if (!event.isOver())
     return CL_PROFILING_INFO_NOT_AVAILABLE;
-  const Wanted wanted{room, value, size};
+  const Wanted wanted{capacity, value, size};
   return wanted.give(what == CL_PROFILING_COMMAND_START ? event.started
                                                         : event.ended);
 }

@@ -34,11 +34,11 @@ static cl_kernel CL_API_CALL create(cl_program handle, const char *name,
   return exists ? make(program, *found) : nullptr;
 }
 
-static cl_int CL_API_CALL createAll(cl_program handle, cl_uint room,
+static cl_int CL_API_CALL createAll(cl_program handle, cl_uint capacity,
                                     cl_kernel *kernels, cl_uint *count) {
   Program &program = *objectOf(handle);
   const auto &declared = program.source.kernels;
-  if (kernels && room < declared.size())
+  if (kernels && capacity < declared.size())
     return CL_INVALID_VALUE;
   if (kernels)
     for (const KernelType &type : declared)
@@ -48,7 +48,7 @@ static cl_int CL_API_CALL createAll(cl_program handle, cl_uint room,
   return CL_SUCCESS;
 }
 
-// Two threads that set an argument at the same time are somebody's mistake.
+// It is a mistake if two threads set an argument at the same time.
 static cl_int CL_API_CALL setArgument(cl_kernel handle, cl_uint index,
                                       size_t size, const void *value) {
   Kernel &kernel = *objectOf(handle);
@@ -60,9 +60,9 @@ static cl_int CL_API_CALL setArgument(cl_kernel handle, cl_uint index,
 }
 
 static cl_int CL_API_CALL tell(cl_kernel handle, cl_kernel_info what,
-                               size_t room, void *value, size_t *size) {
+                               size_t capacity, void *value, size_t *size) {
   const Kernel &kernel = *objectOf(handle);
-  const Wanted wanted{room, value, size};
+  const Wanted wanted{capacity, value, size};
   switch (what) {
   case CL_KERNEL_FUNCTION_NAME:
     return wanted.giveText(kernel.type.name);
@@ -75,7 +75,7 @@ static cl_int CL_API_CALL tell(cl_kernel handle, cl_kernel_info what,
   }
 }
 
-// Tells of nothing, so memory that nobody knows may be written to.
+// Tells of nothing, so unknown memory may be written to.
 static cl_int CL_API_CALL tellOfArgument(cl_kernel, cl_uint, cl_kernel_arg_info,
                                          size_t, void *, size_t *) {
   return CL_KERNEL_ARG_INFO_NOT_AVAILABLE;

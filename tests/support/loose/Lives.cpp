@@ -35,7 +35,7 @@ static cl_mem CL_API_CALL createBuffer(cl_context context, cl_mem_flags,
   return handleOf<cl_mem>(new Buffer(objectOf(context)->board, size));
 }
 
-// Nobody but the creator knows of the buffer yet.
+// Only the creator knows of the buffer yet.
 static cl_int CL_API_CALL setDestructor(
     cl_mem buffer, void(CL_CALLBACK *callback)(cl_mem, void *), void *data) {
   objectOf(buffer)->destructors.emplace_back(callback, data);

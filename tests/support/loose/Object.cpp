@@ -15,7 +15,7 @@ void Object::release() {
 void Object::letGo() {
   if (holders.fetch_sub(1, std::memory_order_release) != 1)
     return;
-  // Behind the last use of all other threads. A load, because the thread
+  // After the last use by all other threads. A load, because the thread
   // sanitizer does not know fences.
   (void)holders.load(std::memory_order_acquire);
   end();

@@ -98,7 +98,7 @@ struct Event : Object {
   std::atomic<cl_int> status{CL_QUEUED};
   cl_ulong started = 0; ///< nanoseconds
   cl_ulong ended = 0;
-  std::string row; ///< of a run, if somebody wants to know
+  std::string row; ///< of a run, if it is asked for
 
 private:
   struct Waiting;

@@ -52,9 +52,9 @@ static cl_device_id theDevice() {
 }
 
 static cl_int CL_API_CALL tell(cl_program handle, cl_program_info what,
-                               size_t room, void *value, size_t *size) {
+                               size_t capacity, void *value, size_t *size) {
   const Program &program = *objectOf(handle);
-  const Wanted wanted{room, value, size};
+  const Wanted wanted{capacity, value, size};
   switch (what) {
   case CL_PROGRAM_NUM_DEVICES:
     return wanted.give(cl_uint{1});
@@ -70,11 +70,12 @@ static cl_int CL_API_CALL tell(cl_program handle, cl_program_info what,
 }
 
 static cl_int CL_API_CALL tellOfBuild(cl_program program, cl_device_id,
-                                      cl_program_build_info what, size_t room,
-                                      void *value, size_t *size) {
+                                      cl_program_build_info what,
+                                      size_t capacity, void *value,
+                                      size_t *size) {
   if (what != CL_PROGRAM_BUILD_LOG)
     return CL_INVALID_VALUE;
-  return Wanted{room, value, size}.giveText(objectOf(program)->source.log);
+  return Wanted{capacity, value, size}.giveText(objectOf(program)->source.log);
 }
 
 void corvane::test::loose::addPrograms(DispatchTable &table) {

@@ -15,7 +15,7 @@
 namespace corvane::test::loose {
 
 /// The runtime of a test that looks for races or runs for long. The scripted
-/// one writes every call down behind one lock, which puts all calls in an order
+/// one writes every call down under one lock, which puts all calls in an order
 /// and grows; this one does neither. See README.md.
 class Runtime {
 public:

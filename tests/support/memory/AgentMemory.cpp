@@ -51,7 +51,7 @@ static bool isGranted() {
   return false;
 }
 
-// Calls get() for memory and notes it, if the agent wants it and may have it.
+// Calls get() for memory and records it, if the agent wants it and may have it.
 template <typename Get> static void *serve(std::size_t size, Get get) {
   if (sideOfThread() == Side::Outside)
     return get();

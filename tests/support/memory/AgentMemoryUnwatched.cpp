@@ -1,4 +1,5 @@
-// Where nobody can take the allocator's place: nothing is counted or refused.
+// For systems where the allocator cannot be replaced: nothing is counted or
+// refused.
 
 #include "tests/support/AgentMemory.h"
 

@@ -1,4 +1,4 @@
-// An open-addressed table of fixed size, behind a spinning lock.
+// An open-addressed table of fixed size, with a spinning lock.
 
 #include "tests/support/memory/LiveBlocks.h"
 

@@ -1,4 +1,5 @@
-// The blocks of memory that the agent has got and nobody has given back.
+// The blocks of memory that the agent has got and that have not been given
+// back.
 
 #pragma once
 
