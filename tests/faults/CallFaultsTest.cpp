@@ -125,7 +125,7 @@ static std::string nameOf(const testing::TestParamInfo<Parameters> &info) {
 }
 
 // One code that means something everywhere, one that a query gets for too
-// little room, and one that has no name.
+// little capacity, and one that has no name.
 INSTANTIATE_TEST_SUITE_P(
     , CallFaults,
     testing::Combine(testing::Bool(),

@@ -115,7 +115,7 @@ void Caller::expectAnswer(const std::string &entry, cl_int status) const {
     EXPECT_EQ(status, answers.back().status);
     return;
   }
-  // Offered room for more kernels than it knows of, the agent refuses on its
+  // With place for more kernels than it knows of, the agent refuses on its
   // own.
   if (entry == "clCreateKernelsInProgram" && status == CL_INVALID_VALUE &&
       wasRefused(entry.c_str()))
@@ -130,7 +130,7 @@ void Caller::expectAnswer(const std::string &entry, cl_int status) const {
 
 // Whoever gets an exception instead of an answer will call again.
 void Caller::expectNothingDone(const std::string &entry) const {
-  EXPECT_FALSE(kernelRan()) << entry << " threw behind its launch";
+  EXPECT_FALSE(kernelRan()) << entry << " threw after its launch";
 }
 
 // The lock is recursive, so only another thread can tell.
@@ -141,7 +141,6 @@ void Caller::expectFreeLock() {
   auto answer = std::async(std::launch::async, setNothing);
   if (answer.wait_for(std::chrono::seconds(60)) == std::future_status::ready)
     return;
-  std::fputs("The agent's lock was not released behind an exception.\n",
-             stderr);
+  std::fputs("The agent's lock was not released by an exception.\n", stderr);
   std::abort(); // the other thread cannot be joined
 }

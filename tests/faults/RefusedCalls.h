@@ -39,7 +39,7 @@ protected:
   const DispatchTable &cl() const { return frontier.table(); }
 
   /// Refuses the first request of the call, then its second alone, and so on
-  /// until nothing is refused any more. Behind each exception everything is as
+  /// until nothing is refused any more. After each exception everything is as
   /// it was before. What the agent can do without it may do without; then
   /// \p undo undoes the call. So many times, \p shared, the call may leave what
   /// all later ones share.

@@ -36,7 +36,7 @@ protected:
                                        &global, nullptr, 0, nullptr, nullptr);
   }
 
-  // Behind an exception nothing has been enqueued.
+  // After an exception nothing has been enqueued.
   // The memory for a buffer's contents stays for the next launch.
   void refuseEachLaunch() {
     refuseEach(

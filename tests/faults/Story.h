@@ -53,7 +53,7 @@ public:
   const std::set<std::string> &calls() const { return caller.calls(); }
 
   /// Rows of the raw timing log, and the runs that the agent has watched to
-  /// their end: those behind the unload leave no trace.
+  /// their end: those after the unload leave no trace.
   std::size_t rows() const;
   std::size_t rowsExpected() const;
 
@@ -122,8 +122,8 @@ private:
   /// False if the runtime refused a variant what it had accepted for the
   /// kernel: in normal mode the variant is launched all the same.
   bool variantsWhole = true;
-  /// Whether the runtime refused every attempt to restore a buffer: nobody else
-  /// can do it.
+  /// Whether the runtime refused every attempt to restore a buffer: then it
+  /// stays as the variant left it.
   bool unrestored = false;
   bool tunes = false; ///< without memory for its log the agent does not
   bool directoryHidden = false;

@@ -25,7 +25,7 @@ static void sum(const Launch &launch) {
                                         launch.value<unsigned char>(3));
 }
 
-// Variants that are timed may leave behind what they like.
+// Variants that are timed may leave any contents in their buffers.
 static void spoil(const Launch &launch) {
   for (const std::size_t index : {0, 1})
     std::fill(launch.buffer(index).begin(), launch.buffer(index).end(), 0xEE);
@@ -73,7 +73,7 @@ void Story::build(cl_program program) {
   noteWhatIsKnown();
 }
 
-// Behind a build or a link.
+// After a build or a link.
 void Story::noteWhatIsKnown() {
   directoryHidden = how.tuning && !std::getenv(variable::autotune);
   if (caller.wasRefused("clGetKernelInfo"))
@@ -129,7 +129,7 @@ cl_kernel Story::create(cl_program program, const char *name) {
   return kernel;
 }
 
-// Offered more room than it knows of kernels, the agent refuses; what it has
+// With place for more kernels than it knows of, the agent refuses; what it has
 // written all the same is there. What has no name it takes for a kernel.
 void Story::createAll(cl_program program) {
   for (int attempt = 0; program && attempt != 2; ++attempt) {
