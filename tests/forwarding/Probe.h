@@ -17,7 +17,7 @@ namespace corvane::test {
 /// A status that no hook would make up.
 inline constexpr cl_int unlikelyStatus = -1234;
 
-/// A pointer that nobody may follow, different for each \p number.
+/// A pointer that must not be followed, different for each \p number.
 template <typename Pointer> Pointer nonsense(std::uintptr_t number) {
   return reinterpret_cast<Pointer>(number * 0x1010);
 }

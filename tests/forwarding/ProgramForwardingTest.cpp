@@ -105,10 +105,10 @@ TEST_P(ForwardingPrograms, GetProgramInfoAsksForNamesWithoutAPlaceForThem) {
             unlikelyStatus);
 
   ASSERT_EQ(Entry::calls.size(), 1U);
-  const auto [asked, what, room, place, sizePlace] = Entry::calls[0];
+  const auto [asked, what, capacity, place, sizePlace] = Entry::calls[0];
   EXPECT_EQ(asked, program);
   EXPECT_EQ(what, names);
-  EXPECT_EQ(room, hasState() ? 0U : 77U);
+  EXPECT_EQ(capacity, hasState() ? 0U : 77U);
   EXPECT_EQ(place, hasState() ? nullptr : value);
   if (!hasState()) {
     EXPECT_EQ(sizePlace, size);

@@ -84,7 +84,7 @@ void Story::launch() {
   const int variants = variantRuns - variantsBefore;
   if (!hasState)
     check(kernels == (tuning ? 0 : 1) && variants == 0,
-          "after a flush nobody is in between");
+          "after a flush calls go straight to the runtime");
   else if (tuning)
     check(kernels == 1 && variants <= 1, "the kernel runs last, and once");
   else

@@ -41,7 +41,7 @@ public:
   /// Text up to \p end, which is taken as well, or up to the end of the input.
   std::string_view textUntil(char end);
 
-  /// The next \p size bytes, or what there is.
+  /// The next \p size bytes, or all that are left.
   std::string_view bytes(std::size_t size);
 
   /// All that is left.

@@ -8,7 +8,7 @@
 
 namespace corvane::fuzz {
 
-/// Lives as long as the process; a search that is killed leaves it behind.
+/// Lives as long as the process; a search that is killed does not remove it.
 class OutputFolder {
 public:
   OutputFolder() = default;

@@ -1,5 +1,5 @@
-// Tries the inputs that are kept, one after the other, where nobody searches
-// for new ones: <target> FILE_OR_FOLDER...
+// Tries the inputs that are kept, one after the other, in builds that do not
+// search for new ones: <target> FILE_OR_FOLDER...
 
 #include "tests/fuzz/Input.h"
 

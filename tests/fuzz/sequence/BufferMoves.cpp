@@ -17,8 +17,9 @@ static constexpr cl_mem_flags flags[] = {
     CL_MEM_READ_WRITE | CL_MEM_HOST_READ_ONLY,
     CL_MEM_READ_WRITE | CL_MEM_HOST_WRITE_ONLY};
 
-// Memory that did not come through the agent: an image, a buffer of somebody
-// else's. Real runtimes place no object at the start of a page.
+// Memory that did not come through the agent: an image, or a buffer
+// that another library made. Real runtimes place no object at the start of a
+// page.
 static cl_mem makeUnseen(Play &play, std::size_t size) {
   std::vector<cl_mem> made;
   do

@@ -7,7 +7,7 @@
 using namespace corvane;
 using namespace corvane::fuzz;
 
-// The count is the runtime's word for it, which nobody has told to fail.
+// The runtime was not told to fail, so its count is right.
 static void hold(Play &play, cl_kernel handle) {
   HeldKernel kernel;
   kernel.handle = handle;
@@ -44,7 +44,7 @@ static std::size_t givenBack(const Play &play,
 
 void corvane::fuzz::createKernelsInProgram(Play &play) {
   const cl_program program = play.pickHandle(play.programs);
-  // There is room for all: how much the application says it has is another
+  // There is place for all: how much the application says it has is another
   // matter, which is not looked at as OpenCL would have it.
   std::vector<cl_kernel> kernels(64);
   const bool wanted = play.input.flag();
@@ -66,7 +66,7 @@ void corvane::fuzz::createKernelsInProgram(Play &play) {
   if (play.hasState && !play.failing && wanted)
     check(filled == givenBack(play, calls.back().made),
           "what is not handed out is given back");
-  // Without a place for them nobody will ever release them.
+  // Without a place for their handles they could never be released.
   play.kernelsLost |= !wanted && !calls.back().made.empty();
   for (auto kernel = kernels.begin(); kernel != end; ++kernel)
     hold(play, *kernel);

@@ -58,7 +58,7 @@ public:
   std::vector<HeldKernel> kernels;
   std::vector<HeldBuffer> buffers;
   std::vector<cl_event> events;     ///< from launches
-  std::vector<cl_event> userEvents; ///< that nobody has ended yet
+  std::vector<cl_event> userEvents; ///< that have not been ended yet
   std::vector<cl_command_queue> queues;
 
   /// One of a list, or null if it is empty.
@@ -94,7 +94,7 @@ public:
   /// Variants as well, so a run too many or too few shows, whoever ran.
   static void runKernel(const test::Launch &launch);
 
-  /// Notes what a flush that is about to be will change.
+  /// Remembers what a flush that is about to be will change.
   void flushed();
   void loadAgain();
   void define(const char *name, const char *value);

@@ -79,9 +79,9 @@ static std::size_t countOf(const std::string &names) {
 
 // Count and names of a program that builds, as an application asks for them.
 static void checkNames(Play &play, cl_program program) {
-  const auto ask = [&](cl_program_info what, std::size_t room, void *value,
+  const auto ask = [&](cl_program_info what, std::size_t capacity, void *value,
                        std::size_t *size) {
-    return play.cl().clGetProgramInfo(program, what, room, value, size);
+    return play.cl().clGetProgramInfo(program, what, capacity, value, size);
   };
   std::size_t count = 0;
   std::size_t size = 0;
@@ -106,14 +106,15 @@ void corvane::fuzz::queryProgram(Play &play) {
       CL_PROGRAM_REFERENCE_COUNT, 0};
   std::array<char, 64> value;
   value.fill('!');
-  const std::size_t room = play.input.below(32);
+  const std::size_t capacity = play.input.below(32);
   std::size_t size = 0;
   play.cl().clGetProgramInfo(program, what[play.input.below(std::size(what))],
-                             room, play.input.flag() ? value.data() : nullptr,
+                             capacity,
+                             play.input.flag() ? value.data() : nullptr,
                              play.input.flag() ? &size : nullptr);
-  check(std::all_of(value.begin() + static_cast<std::ptrdiff_t>(room),
+  check(std::all_of(value.begin() + static_cast<std::ptrdiff_t>(capacity),
                     value.end(), [](char c) { return c == '!'; }),
-        "no answer is larger than its room");
+        "no answer is larger than its place");
   if (program)
     checkNames(play, program);
 }

@@ -1,4 +1,4 @@
-// An ear for each entry: it calls on and notes the answer.
+// Puts a recorder in the place of each entry: it calls on and keeps the answer.
 
 #include "tests/fuzz/sequence/Recorder.h"
 
@@ -34,11 +34,11 @@ static void noteLaunch(Heard &call, cl_command_queue, cl_kernel kernel, cl_uint,
   call.event = event ? *event : nullptr;
 }
 
-static void noteKernels(Heard &call, cl_program, cl_uint room,
-                        cl_kernel *kernels, cl_uint *count) {
+static void recordKernels(Heard &call, cl_program, cl_uint capacity,
+                          cl_kernel *kernels, cl_uint *count) {
   // The count may be a lie.
   if (call.status == CL_SUCCESS && kernels && count)
-    call.made.assign(kernels, kernels + std::min(room, *count));
+    call.made.assign(kernels, kernels + std::min(capacity, *count));
 }
 
 namespace {
@@ -59,7 +59,7 @@ struct Ear<Entry> {
       noteLaunch(heard, arguments...);
     if constexpr (std::is_same_v<
                       Type, decltype(DispatchTable::clCreateKernelsInProgram)>)
-      noteKernels(heard, arguments...);
+      recordKernels(heard, arguments...);
     recorder.add(std::move(heard));
     return result;
   }

@@ -20,8 +20,8 @@ struct Heard {
   std::vector<cl_kernel> made;  ///< by clCreateKernelsInProgram
 };
 
-/// Notes calls to the entries that the agent hooks and to a few others. One at
-/// a time.
+/// Records calls to the entries that the agent hooks and to a few others. One
+/// at a time.
 class Recorder {
 public:
   /// Takes the place of the entries; do this before the agent gets the table.
