@@ -82,7 +82,7 @@ void Application::useKernel() {
 }
 
 // The first is "sum". Asked for their number, the agent would create them all,
-// and nobody could release them. Behind a flush there is not room enough for
+// and they could not be released. After a flush there is not place enough for
 // all.
 void Application::useAllKernels() {
   std::array<cl_kernel, ordinaryKernels> kernels{};
@@ -103,7 +103,7 @@ void Application::useOwnProgram(const char *source) {
   EXPECT_EQ(
       round.cl().clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr),
       CL_SUCCESS);
-  // In normal mode nobody looks for variants behind a log that tells of spills.
+  // In normal mode no variants are looked for after a log that tells of spills.
   const bool found = source[0] == 'o' || round.plan.tuning;
   expectKernels(program, found ? 1 : 2, 2);
   cl_kernel kernel = round.cl().clCreateKernel(program, "own", nullptr);
@@ -131,7 +131,7 @@ void Application::useOwnQueue() {
   EXPECT_EQ(round.cl().clReleaseKernel(kernel), CL_SUCCESS);
 }
 
-// One with a launch under way, which nobody waits for; and one that another
+// One with a launch under way, which is not waited for; and one that another
 // thread releases.
 void Application::throwBuffersAway() {
   cl_mem buffer = createBuffer();
@@ -150,7 +150,7 @@ void Application::throwBuffersAway() {
   }
 }
 
-// All threads at the same time, which is right as long as nobody sets its
+// All threads at the same time, which is right as long as no thread sets its
 // arguments.
 void Application::launchSharedKernel() {
   const std::array<std::size_t, 2> global{64, 2};
@@ -180,7 +180,7 @@ void Application::launchOn(cl_kernel kernel, cl_command_queue queue,
     out.words[i] = out.words[i] * 31 + source.words[i] + factor;
 }
 
-// Behind the latest launch. Whether it runs shows by its event: after a flush
+// After the latest launch. Whether it runs shows by its event: after a flush
 // in autotuning mode nothing does.
 bool Application::launch(cl_kernel kernel, cl_command_queue queue) {
   const std::size_t global = 64;

@@ -19,8 +19,8 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-/// Threads that do nothing but what goes without the lock, from before the
-/// flush until behind it.
+/// Threads that make only calls that take no lock, from before the flush until
+/// after it.
 class EndOfState : public testing::Test {
 protected:
   EndOfState() {

@@ -117,7 +117,7 @@ std::size_t Round::check() {
   for (const loose::Kind kind :
        {loose::Kind::Queue, loose::Kind::Buffer, loose::Kind::Event})
     EXPECT_EQ(runtime.board.alive(kind), 0) << static_cast<int>(kind);
-  // A kernel that the agent has forgotten leaves its variants behind.
+  // A kernel that the agent has forgotten keeps its variants alive.
   if (plan.turn == Turn::None || plan.turn == Turn::SecondLoad)
     for (const loose::Kind kind : {loose::Kind::Kernel, loose::Kind::Program}) {
       EXPECT_EQ(runtime.board.alive(kind), 0) << static_cast<int>(kind);

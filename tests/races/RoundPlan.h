@@ -13,7 +13,7 @@ enum class Turn {
   ContextReleases, ///< releases of the context flush, from any thread
   Unload,
   SecondLoad,       ///< the runtime loads the agent once more
-  UnloadAndLoad,    ///< one behind the other
+  UnloadAndLoad,    ///< one after the other
   ContextAndUnload, ///< two flushes at the same time
 };
 inline constexpr unsigned turns = 6;

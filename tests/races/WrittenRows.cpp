@@ -35,7 +35,7 @@ std::size_t corvane::test::expectRows(const std::string &log,
   const std::set<std::string> runs = rowsOf(told);
   std::set<std::string> written;
   while (std::getline(lines, line)) {
-    EXPECT_EQ(runs.count(line), 1U) << "nobody ran this: " << line;
+    EXPECT_EQ(runs.count(line), 1U) << "no launch made this row: " << line;
     EXPECT_TRUE(written.insert(line).second) << "written twice: " << line;
   }
   for (const loose::ToldRun &run : told)

@@ -1,5 +1,5 @@
-// Tests of what stays behind after very many launches over a runtime that keeps
-// nothing itself.
+// Tests of what stays in memory after very many launches over a runtime that
+// keeps nothing itself.
 
 #include "agent/Environment.h"
 #include "tests/soak/Process.h"
@@ -116,7 +116,7 @@ std::size_t wantedLaunches() {
   return value ? std::strtoull(value, nullptr, 10) : SOAK_LAUNCHES;
 }
 
-// What a launch may leave behind, so that a lost log can be written anew: a
+// What a launch may keep in memory, so that a lost log can be written anew: a
 // record, its times, and its place in the list, which grows by doubling.
 constexpr std::size_t bytesPerLaunch = 200;
 

@@ -1,4 +1,4 @@
-// Tests of what stays behind after many launches on a real OpenCL runtime,
+// Tests of what stays in memory after many launches on a real OpenCL runtime,
 // through the layer.
 
 #include "tests/system/autotune/HostRun.h"
