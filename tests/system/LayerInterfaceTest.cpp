@@ -217,14 +217,14 @@ TEST_F(InspectedLayer, TellsItsName) {
 }
 
 TEST_F(InspectedLayer, RefusesAQuestionItDoesNotKnowOrHasNoRoomToAnswer) {
-  char room[64] = "untouched";
+  char capacity[64] = "untouched";
   size_t size = 7;
-  EXPECT_EQ(layer.getLayerInfo(0x4242, sizeof(room), room, &size),
+  EXPECT_EQ(layer.getLayerInfo(0x4242, sizeof(capacity), capacity, &size),
             CL_INVALID_VALUE);
-  EXPECT_EQ(layer.getLayerInfo(CL_LAYER_API_VERSION, 3, room, &size),
+  EXPECT_EQ(layer.getLayerInfo(CL_LAYER_API_VERSION, 3, capacity, &size),
             CL_INVALID_VALUE);
-  EXPECT_EQ(layer.getLayerInfo(CL_LAYER_NAME, 12, room, &size),
+  EXPECT_EQ(layer.getLayerInfo(CL_LAYER_NAME, 12, capacity, &size),
             CL_INVALID_VALUE);
-  EXPECT_STREQ(room, "untouched");
+  EXPECT_STREQ(capacity, "untouched");
   EXPECT_EQ(size, 7u);
 }

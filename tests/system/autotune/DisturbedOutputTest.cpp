@@ -1,4 +1,4 @@
-// What becomes of the results when somebody spoils the output directory while
+// What becomes of the results when the output directory is spoilt while
 // the program runs. Nothing is said, and no result of the program's changes.
 
 #include "tests/system/autotune/HostRun.h"
@@ -52,7 +52,7 @@ protected:
     EXPECT_EQ(tuned.errors(), said);
   }
 
-  /// The log finds no room for another whole line.
+  /// The disk has no space for another whole line.
   void fillDisk() { tuned.limitFiles(std::filesystem::file_size(log()) + 20); }
   void makeRoomOnDisk() { tuned.limitFiles(RLIM_INFINITY); }
 
@@ -112,7 +112,7 @@ TEST_F(DisturbedOutput, GetsEveryRowOnceItIsBack) {
   EXPECT_TRUE(std::filesystem::exists(directory() + "/main.html"));
 }
 
-// Nobody, not even a user who may do everything, can write to a log whose name
+// No user, not even root, can write to a log whose name
 // a folder has.
 TEST_F(DisturbedOutput, GetsEveryRowOnceItCanBeWrittenToAgain) {
   std::filesystem::remove(log());

@@ -26,10 +26,11 @@ static bool startAgent(const cl_icd_dispatch &loaders) {
 }
 
 // The loader asks for nothing else.
-extern "C" cl_int CL_API_CALL clGetLayerInfo(cl_layer_info name, size_t room,
-                                             void *value, size_t *length) {
+extern "C" cl_int CL_API_CALL clGetLayerInfo(cl_layer_info name,
+                                             size_t capacity, void *value,
+                                             size_t *length) {
   const cl_layer_api_version version = CL_LAYER_API_VERSION_100;
-  if (name != CL_LAYER_API_VERSION || (value && room < sizeof version))
+  if (name != CL_LAYER_API_VERSION || (value && capacity < sizeof version))
     return CL_INVALID_VALUE;
   if (value)
     std::memcpy(value, &version, sizeof version);

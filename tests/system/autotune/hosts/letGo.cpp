@@ -1,4 +1,4 @@
-// Releases each kernel right behind its launch, as C++ wrappers do, so that the
+// Releases each kernel right after its launch, as C++ wrappers do, so that the
 // launch may not have run yet and the next kernel may get the same handle.
 
 #include "tests/system/autotune/hosts/Host.h"

@@ -18,7 +18,7 @@ int main(int argumentCount, char **arguments) {
   setAccumulate(kernel, y.get(), x.get(), 3);
   for (long i = 1; i <= launches; ++i) {
     launch(queue.get(), kernel, count, 16);
-    // Nobody should have to remember a million launches at once.
+    // A million launches at once would need much memory.
     if (i % 16 == 0)
       check(clFinish(queue.get()), "clFinish");
   }
