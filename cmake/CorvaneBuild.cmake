@@ -68,7 +68,8 @@ target_include_directories(corvane_llvm SYSTEM INTERFACE ${LLVM_INCLUDE_DIRS})
 target_compile_definitions(corvane_llvm INTERFACE ${LLVM_DEFINITIONS_LIST})
 target_link_libraries(corvane_llvm INTERFACE LLVMSupport)
 
-# Code that is loaded into somebody's process runs nothing before it is asked.
+# A library that is loaded into an application's process runs no constructors: it
+# works only when it is called.
 function(corvane_no_constructors target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(${target} PRIVATE -Wglobal-constructors)
