@@ -59,14 +59,14 @@ void SourceScanner::skipLiteral(char quote) {
 
 // Skips one thing that is no token; false if a token follows.
 bool SourceScanner::skipOne() {
-  if (rest.startswith("\\\n"))
-    rest = rest.drop_front(2);
-  else if (llvm::isSpace(rest.front()))
+  if (rest.consume_front("\\\n"))
+    return true;
+  if (llvm::isSpace(rest.front()))
     rest = rest.drop_front();
-  else if (rest.startswith("//"))
+  else if (rest.take_front(2) == "//")
     rest = rest.drop_until([](char c) { return c == '\n'; });
-  else if (rest.startswith("/*"))
-    rest = rest.drop_front(2).split("*/").second;
+  else if (rest.consume_front("/*"))
+    rest = rest.split("*/").second;
   else if (rest.front() == '"' || rest.front() == '\'')
     skipLiteral(rest.front());
   else
@@ -88,7 +88,7 @@ llvm::StringRef SourceScanner::next() {
   std::size_t length =
       rest.take_while([](char c) { return llvm::isAlnum(c) || c == '_'; })
           .size();
-  if (directivesAre == Directives::Whole && rest.startswith("#"))
+  if (directivesAre == Directives::Whole && rest.take_front() == "#")
     length = directiveLength();
   const llvm::StringRef token =
       rest.take_front(std::max<std::size_t>(length, 1));
@@ -157,7 +157,7 @@ llvm::StringRef corvane::obstacleInSource(llvm::StringRef source) {
   ProgramScope scope;
   for (llvm::StringRef token = scanner.next(); !token.empty();
        token = scanner.next()) {
-    if (token.startswith("#")) {
+    if (token.front() == '#') {
       if (const llvm::StringRef obstacle = obstacleInDirective(token);
           !obstacle.empty())
         return obstacle;
