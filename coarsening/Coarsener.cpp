@@ -2,6 +2,7 @@
 #include "coarsening/Coarsener.h"
 
 #include "coarsening/Identifiers.h"
+#include "coarsening/Inline.h"
 #include "coarsening/KernelText.h"
 #include "coarsening/Preprocess.h"
 
@@ -111,11 +112,37 @@ static std::string join(llvm::StringRef source, llvm::StringRef variants,
                         const Preprocessed &preprocessed) {
   const std::string flag = "CORVANE_VARIANTS_FIT";
   std::string program = "#if " + preprocessed.condition + "\n#define " + flag +
-                        "\n#endif\n#line 1\n" + source.str() + "\n#ifdef " +
+                        "\n#endif\n#line 1\n" + source.str() + "\n\n#ifdef " +
                         flag + "\n";
   for (const std::string &macro : preprocessed.macros)
     program += "#undef " + macro + "\n";
   return program + variants.str() + "#endif\n";
+}
+
+/// Calls inside calls are put in from the inside, one level at a time.
+constexpr unsigned deepestCalls = 8;
+
+/// Makes the variants of a preprocessed program; their text is the result.
+static std::string makeVariants(std::string text, const BuildOptions &options,
+                                llvm::ArrayRef<Plan> plans, Coarsened &result,
+                                std::optional<ProgramError> &error) {
+  std::string variants;
+  for (unsigned depth = 0; depth <= deepestCalls && !error; ++depth) {
+    std::optional<std::string> inlined;
+    error = parseProgram(text, options, [&](clang::ASTContext &context) {
+      if (depth < deepestCalls)
+        inlined = inlineBarriers(context);
+      if (inlined)
+        return;
+      Run run(context, result);
+      run.make(plans);
+      variants = std::move(run.text);
+    });
+    if (!inlined)
+      break;
+    text = std::move(*inlined);
+  }
+  return variants;
 }
 
 Coarsened coarsen(llvm::StringRef source, const BuildOptions &options,
@@ -124,16 +151,10 @@ Coarsened coarsen(llvm::StringRef source, const BuildOptions &options,
   result.program = source.str();
   std::optional<ProgramError> error;
   const Preprocessed preprocessed = preprocess(source, options, error);
+  result.included = preprocessed.included;
   std::string variants;
-  if (!error) {
-    result.included = preprocessed.included;
-    error = parseProgram(preprocessed.text, options,
-                         [&](clang::ASTContext &context) {
-                           Run run(context, result);
-                           run.make(plans);
-                           variants = std::move(run.text);
-                         });
-  }
+  if (!error)
+    variants = makeVariants(preprocessed.text, options, plans, result, error);
   if (error)
     result.error = error->message;
   else if (!result.variants.empty())

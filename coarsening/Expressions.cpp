@@ -28,6 +28,12 @@ public:
   void visit(const clang::Stmt &node) {
     if (const auto *element = llvm::dyn_cast<clang::ArraySubscriptExpr>(&node))
       return visitElement(*element);
+    if (const std::optional<unsigned> dim =
+            expressions.functions().globalIdForm(node))
+      if (expressions.isRewritten({BuiltinKind::GlobalId, *dim})) {
+        facts.differs = true;
+        return;
+      }
     visitNode(node);
     visitChildren(node);
   }

@@ -76,9 +76,13 @@ filesWith(llvm::StringRef text) {
 std::optional<ProgramError> runClang(llvm::StringRef text,
                                      llvm::ArrayRef<std::string> options,
                                      clang::FrontendAction &action) {
-  std::vector<const char *> words = {"-x",          "cl",
-                                     "-triple",     "spir64-unknown-unknown",
-                                     "-w",          "-resource-dir",
+  std::vector<const char *> words = {"-x",
+                                     "cl",
+                                     "-triple",
+                                     "spir64-unknown-unknown",
+                                     "-w",
+                                     "-fno-caret-diagnostics",
+                                     "-resource-dir",
                                      resourceFolder};
   for (const std::string &option : options)
     words.push_back(option.c_str());

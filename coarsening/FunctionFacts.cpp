@@ -1,6 +1,7 @@
 // Looks through the bodies of functions.
 #include "coarsening/FunctionFacts.h"
 
+#include "coarsening/GlobalIds.h"
 #include "coarsening/Walk.h"
 
 namespace corvane::coarsening {
@@ -29,6 +30,16 @@ std::optional<IdUse> idUseOf(const clang::CallExpr &call,
   const llvm::APSInt dim = value.Val.getInt();
   const bool small = dim.getActiveBits() <= 16 && !dim.isNegative();
   return IdUse{kind, small ? static_cast<unsigned>(dim.getZExtValue()) : 3U};
+}
+
+std::vector<const clang::VarDecl *>
+inOrder(const std::set<const clang::VarDecl *> &variables) {
+  std::vector<const clang::VarDecl *> ordered(variables.begin(),
+                                              variables.end());
+  llvm::sort(ordered, [](const clang::VarDecl *a, const clang::VarDecl *b) {
+    return a->getLocation() < b->getLocation();
+  });
+  return ordered;
 }
 
 bool isLocal(const clang::VarDecl &variable) {
@@ -132,8 +143,12 @@ namespace {
 /// Collects the facts of one body.
 class Collector {
 public:
-  Collector(FunctionTable &functions, const clang::ASTContext &ast)
-      : table(functions), context(ast) {}
+  Collector(FunctionTable &functions, const clang::ASTContext &ast,
+            const GlobalIdForms &globalIds)
+      : table(functions), context(ast), forms(globalIds) {
+    for (const auto &[expr, dim] : forms.forms)
+      facts.ids.insert({BuiltinKind::GlobalId, dim});
+  }
 
   FunctionFacts collect(const clang::Stmt &body) {
     forEachNode(&body, [this](const clang::Stmt &node) { visit(node); });
@@ -213,7 +228,8 @@ private:
     const std::optional<IdUse> use = idUseOf(call, context);
     if (!use)
       return verdict.refuse(Reason::ComputedDimension, name);
-    facts.ids.insert(*use);
+    if (!forms.spent.count(&call))
+      facts.ids.insert(*use);
   }
 
   void visitDeclaration(const clang::DeclStmt &statement) {
@@ -225,8 +241,6 @@ private:
                             clang::LangAS::opencl_constant;
       if (variable->isStaticLocal() && !isLocal(*variable) && !constant)
         verdict.refuse(Reason::StaticVariable, variable->getName());
-      if (variable->getType()->isVariablyModifiedType())
-        verdict.refuse(Reason::VariableArray, variable->getName());
     }
   }
 
@@ -246,6 +260,7 @@ private:
 
   FunctionTable &table;
   const clang::ASTContext &context;
+  const GlobalIdForms &forms;
   FunctionFacts facts;
   Verdict verdict;
 };
@@ -264,10 +279,18 @@ FunctionTable::factsOf(const clang::FunctionDecl &function) {
   }();
   if (!unfinished.insert(&function).second)
     return recursive;
-  Collector collector(*this, function.getASTContext());
+  const GlobalIdForms forms = findGlobalIds(function);
+  globalIds.insert(forms.forms.begin(), forms.forms.end());
+  Collector collector(*this, function.getASTContext(), forms);
   FunctionFacts collected = collector.collect(*function.getBody());
   unfinished.erase(&function);
   return facts.emplace(&function, std::move(collected)).first->second;
+}
+
+std::optional<unsigned>
+FunctionTable::globalIdForm(const clang::Stmt &node) const {
+  const auto found = globalIds.find(&node);
+  return found == globalIds.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace corvane::coarsening

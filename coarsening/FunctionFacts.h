@@ -36,9 +36,14 @@ public:
   /// table.
   const FunctionFacts &factsOf(const clang::FunctionDecl &function);
 
+  /// The dimension of an expression that works out a global id, in a function
+  /// whose facts were asked for.
+  std::optional<unsigned> globalIdForm(const clang::Stmt &node) const;
+
 private:
   std::map<const clang::FunctionDecl *, FunctionFacts> facts;
   std::set<const clang::FunctionDecl *> unfinished;
+  std::map<const clang::Stmt *, unsigned> globalIds;
 };
 
 /// The function with a body that a call reaches, or null.
@@ -58,6 +63,10 @@ const clang::VarDecl *namedVariable(const clang::Expr &lvalue,
 /// What an expression changes, or null: the left side of an assignment, or what
 /// is incremented. `readsFirst` tells whether the old value matters.
 const clang::Expr *changedBy(const clang::Stmt &node, bool &readsFirst);
+
+/// The variables in the order in which the program declares them.
+std::vector<const clang::VarDecl *>
+inOrder(const std::set<const clang::VarDecl *> &variables);
 
 /// Whether this is a variable, or an array of them, in local memory.
 bool isLocal(const clang::VarDecl &variable);

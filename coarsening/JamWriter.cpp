@@ -229,7 +229,7 @@ JamWriter::copy(const Voice &lane,
   voice.end = lanes.newNames().numbered("end", labelCount++);
   std::string words;
   if (voice.shadows)
-    for (const clang::VarDecl *variable : *voice.shadows)
+    for (const clang::VarDecl *variable : inOrder(*voice.shadows))
       words += lanes.copyOf(*variable, lanes.nameOf(*variable, voice));
   words += write(voice);
   if (lanes.tookEnd())

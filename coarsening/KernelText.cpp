@@ -226,7 +226,7 @@ private:
     unsigned labels = 0;
     JamWriter jam(kernel, variance, plan, lanes, labels);
 
-    std::string body = jam.localMemory();
+    std::string body = jams ? jam.localMemory() : localMemory(lanes);
     if (plan.mode == Mode::Padded)
       body += declareCounts();
     const std::string together = jams ? jam.body() : "";
@@ -248,6 +248,15 @@ private:
       body += together;
     verdict.refuse(lanes.refusal());
     return helpers.text() + signature() + "{\n" + body + "}\n";
+  }
+
+  /// One declaration of local memory for all lanes: they use it in turn.
+  std::string localMemory(LaneText &lanes) const {
+    std::string words;
+    for (const clang::Stmt *statement : statementsOf(kernel))
+      if (declaresLocal(*statement))
+        words += lanes.statement(*statement, {Voice::Loop, 0, nullptr, ""});
+    return words;
   }
 
   std::string limitOf(const Axis &axis) const {

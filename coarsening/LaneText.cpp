@@ -2,7 +2,6 @@
 #include "coarsening/LaneText.h"
 
 #include "coarsening/Helpers.h"
-#include "coarsening/Walk.h"
 
 namespace corvane::coarsening {
 
@@ -89,34 +88,56 @@ std::string LaneText::idText(const IdUse &use, const Voice &voice) {
   }
 }
 
-void LaneText::editCall(const clang::CallExpr &call, const Voice &voice,
+/// Calls, and whether their arguments need no look any more.
+bool LaneText::editCall(const clang::CallExpr &call, const Voice &voice,
                         std::vector<Edit> &edits) {
   if (const clang::FunctionDecl *called = calledFunction(call)) {
-    const FunctionFacts &facts = expressions.functions().factsOf(*called);
-    const auto rewritten = [&](const IdUse &use) {
-      return expressions.isRewritten(use);
-    };
-    if (llvm::none_of(facts.ids, rewritten))
-      return;
-    const Span name =
-        text.spanOfName(call.getCallee()->getBeginLoc(), called->getName());
-    std::string arguments;
-    for (const IdUse &use : helpers.parametersOf(*called)) {
-      const bool count = use.kind == BuiltinKind::GroupCount;
-      countsUsed |= count;
-      arguments += (arguments.empty() ? "" : ", ") +
-                   (count ? names.id(use, std::nullopt) : need(use, voice));
-    }
-    if (!arguments.empty() && call.getNumArgs() != 0)
-      arguments += ", ";
-    edits.push_back({{name.begin, text.find('(', name.end) + 1},
-                     helpers.cloneOf(*called, *this) + "(" + arguments});
-    return;
+    editHelperCall(call, *called, voice, edits);
+    return false;
   }
   const std::optional<IdUse> use = idUseOf(call, text.context());
   const std::string words = use ? idText(*use, voice) : "";
   if (!words.empty())
     edits.push_back({text.spanOf(call), words});
+  return use.has_value();
+}
+
+/// A function that asks for ids becomes its clone, which is given them.
+void LaneText::editHelperCall(const clang::CallExpr &call,
+                              const clang::FunctionDecl &called,
+                              const Voice &voice, std::vector<Edit> &edits) {
+  const FunctionFacts &facts = expressions.functions().factsOf(called);
+  if (llvm::none_of(facts.ids, [&](const IdUse &use) {
+        return expressions.isRewritten(use);
+      }))
+    return;
+  const Span name =
+      text.spanOfName(call.getCallee()->getBeginLoc(), called.getName());
+  std::string arguments;
+  for (const IdUse &use : helpers.parametersOf(called)) {
+    const bool count = use.kind == BuiltinKind::GroupCount;
+    countsUsed |= count;
+    arguments += (arguments.empty() ? "" : ", ") +
+                 (count ? names.id(use, std::nullopt) : need(use, voice));
+  }
+  if (!arguments.empty() && call.getNumArgs() != 0)
+    arguments += ", ";
+  edits.push_back({{name.begin, text.find('(', name.end) + 1},
+                   helpers.cloneOf(called, *this) + "(" + arguments});
+}
+
+/// An expression that works out the global id is the lane's, offset aside.
+bool LaneText::editGlobalId(const clang::Expr &expr, unsigned dim,
+                            const Voice &voice, std::vector<Edit> &edits) {
+  const IdUse use{BuiltinKind::GlobalId, dim};
+  if (!expressions.differs(use))
+    return false;
+  const clang::PrintingPolicy policy(text.context().getLangOpts());
+  edits.push_back(
+      {text.spanOf(expr), "((" + expr.getType().getAsString(policy) + ")(" +
+                              need(use, voice) + " - get_global_offset(" +
+                              std::to_string(dim) + ")))"});
+  return true;
 }
 
 /// Two lanes' pointers may lead to the same memory, which `restrict` denies.
@@ -153,31 +174,44 @@ void LaneText::editDeclaration(const clang::DeclStmt &declaration,
   }
 }
 
-void LaneText::editNode(const clang::Stmt &node, const Voice &voice,
+/// The edits for one node, and whether they cover everything inside it.
+bool LaneText::editNode(const clang::Stmt &node, const Voice &voice,
                         std::vector<Edit> &edits) {
-  if (const auto *name = llvm::dyn_cast<clang::DeclRefExpr>(&node)) {
-    const auto *variable = llvm::dyn_cast<clang::VarDecl>(name->getDecl());
-    if (!variable)
-      return;
-    const std::string spoken = nameOf(*variable, voice);
-    if (spoken != variable->getName())
-      edits.push_back(
-          {text.spanOfName(name->getLocation(), variable->getName()), spoken});
-  } else if (const auto *declaration = llvm::dyn_cast<clang::DeclStmt>(&node)) {
+  if (const std::optional<unsigned> dim =
+          expressions.functions().globalIdForm(node))
+    return editGlobalId(llvm::cast<clang::Expr>(node), *dim, voice, edits);
+  if (const auto *call = llvm::dyn_cast<clang::CallExpr>(&node))
+    return editCall(*call, voice, edits);
+  if (const auto *declaration = llvm::dyn_cast<clang::DeclStmt>(&node))
     editDeclaration(*declaration, voice, edits);
-  } else if (const auto *call = llvm::dyn_cast<clang::CallExpr>(&node)) {
-    editCall(*call, voice, edits);
-  } else if (llvm::isa<clang::ReturnStmt>(node) && !voice.end.empty()) {
+  if (llvm::isa<clang::ReturnStmt>(node) && !voice.end.empty()) {
     edits.push_back({text.spanOf(node), "goto " + voice.end});
     endUsed = true;
   }
+  const auto *name = llvm::dyn_cast<clang::DeclRefExpr>(&node);
+  const auto *variable =
+      name ? llvm::dyn_cast<clang::VarDecl>(name->getDecl()) : nullptr;
+  if (!variable)
+    return false;
+  const std::string spoken = nameOf(*variable, voice);
+  if (spoken != variable->getName())
+    edits.push_back(
+        {text.spanOfName(name->getLocation(), variable->getName()), spoken});
+  return false;
+}
+
+void LaneText::editTree(const clang::Stmt *root, const Voice &voice,
+                        std::vector<Edit> &edits) {
+  if (!root || editNode(*root, voice, edits))
+    return;
+  for (const clang::Stmt *child : root->children())
+    editTree(child, voice, edits);
 }
 
 std::string LaneText::piece(Span span, const clang::Stmt &node,
                             const Voice &voice) {
   std::vector<Edit> edits;
-  forEachNode(&node,
-              [&](const clang::Stmt &inner) { editNode(inner, voice, edits); });
+  editTree(&node, voice, edits);
   return text.edited(span, std::move(edits));
 }
 
@@ -293,9 +327,7 @@ std::string LaneText::declare(const Declaration &declaration,
     edits.push_back({span, name});
     dropRestrict({declarator.span.begin, span.begin}, edits);
   }
-  if (const clang::Expr *init = variable.getInit())
-    forEachNode(
-        init, [&](const clang::Stmt &inner) { editNode(inner, voice, edits); });
+  editTree(variable.getInit(), voice, edits);
   return text.words(declaration.specifiers).rtrim().str() + " " +
          llvm::StringRef(text.edited(declarator.span, std::move(edits)))
              .trim()

@@ -98,10 +98,17 @@ public:
 private:
   friend class Helpers;
 
-  void editNode(const clang::Stmt &node, const Voice &voice,
+  void editTree(const clang::Stmt *root, const Voice &voice,
                 std::vector<Edit> &edits);
-  void editCall(const clang::CallExpr &call, const Voice &voice,
+  bool editNode(const clang::Stmt &node, const Voice &voice,
                 std::vector<Edit> &edits);
+  bool editCall(const clang::CallExpr &call, const Voice &voice,
+                std::vector<Edit> &edits);
+  void editHelperCall(const clang::CallExpr &call,
+                      const clang::FunctionDecl &called, const Voice &voice,
+                      std::vector<Edit> &edits);
+  bool editGlobalId(const clang::Expr &expr, unsigned dim, const Voice &voice,
+                    std::vector<Edit> &edits);
   void editDeclaration(const clang::DeclStmt &declaration, const Voice &voice,
                        std::vector<Edit> &edits);
   std::string idText(const IdUse &use, const Voice &voice);

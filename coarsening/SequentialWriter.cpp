@@ -39,7 +39,7 @@ writeSequential(const clang::FunctionDecl &kernel, const Plan &plan,
   const Voice voice{Voice::Loop, 0, &parameters,
                     lanes.newNames().numbered("end", labels++)};
   std::string body;
-  for (const clang::VarDecl *parameter : parameters)
+  for (const clang::VarDecl *parameter : inOrder(parameters))
     body += lanes.copyOf(*parameter, lanes.nameOf(*parameter, voice));
   for (const clang::Stmt *statement : statementsOf(kernel))
     if (!declaresLocal(*statement))
