@@ -102,6 +102,10 @@ static bool readLine(const std::string &line, KernelFile &file) {
     file.options = trimmed(rest);
     return true;
   }
+  if (word == "partly") {
+    file.partly = true;
+    return true;
+  }
   if (word == "kernel") {
     file.kernels.push_back({trimmed(rest), {}, {}});
     return true;

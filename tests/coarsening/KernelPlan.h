@@ -38,12 +38,14 @@ struct KernelPlan {
 
 struct KernelFile {
   std::string options; ///< for clBuildProgram
+  bool partly = false; ///< not every kernel has variants that take its launches
   std::vector<KernelPlan> kernels;
 };
 
 /// Reads the lines of `source` that begin with "//!":
 ///
 ///   //! options -D N=16
+///   //! partly
 ///   //! kernel name
 ///   //! arguments buffer float 1024, buffer int 64 below 16, local float 32,
 ///   int 7

@@ -4,7 +4,7 @@
 //   compareVariants PLANS FILE.cl...
 //
 // Prints one line for each difference. Every variant must have been launched by
-// one of the launches that the file names.
+// one of the launches that the file names, unless the file says "partly".
 #include "tests/coarsening/Comparison.h"
 
 #include <iostream>
