@@ -108,7 +108,7 @@ std::vector<Story> stories() {
        "",
        withoutVariants,
        3,
-       {{"triple,1024,,,64,,", {{"baseline", 3}, {"g0S4", 3}}}},
+       {}, // launches that wait for the application are not tuned
        {}},
       {"SecondContextWithoutFlush",
        "secondContext",
