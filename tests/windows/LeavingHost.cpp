@@ -4,7 +4,8 @@
 //   free    frees the library when the runtime has refused its table
 //   kept    frees the library, which stays: the runtime has its table
 //   exit    returns from main
-//   locked  ends the process while other threads hold, until the end, the agent lock
+//   locked  ends the process while other threads hold, until the end, the agent
+//   lock
 //           (in the creation of a kernel) and the C runtime's locks of the
 //           standard streams
 
@@ -28,7 +29,8 @@ static AgentHost host;
 static std::atomic<unsigned> threadsAtWork{0};
 
 // The agent holds its lock over this call.
-static cl_kernel CL_API_CALL createWithoutEnd(cl_program, const char *, cl_int *) {
+static cl_kernel CL_API_CALL createWithoutEnd(cl_program, const char *,
+                                              cl_int *) {
   ++threadsAtWork;
   Sleep(INFINITE);
   return nullptr;
