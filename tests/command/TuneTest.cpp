@@ -4,6 +4,8 @@
 
 #include "results/profile/ProfileFile.h"
 
+#include "llvm/Support/Program.h"
+
 #include <algorithm>
 
 using namespace corvane;
@@ -61,7 +63,8 @@ TEST_F(Tune, AddsTheLayerToThoseThatAreThere) {
             "OPENCL_LAYERS=" LAYER_FILE "\n");
   define("OPENCL_LAYERS", "/opt/other.so");
   EXPECT_EQ(tuned({"print", "OPENCL_LAYERS"}).out,
-            "OPENCL_LAYERS=/opt/other.so" LAYER_SEPARATOR LAYER_FILE "\n");
+            std::string("OPENCL_LAYERS=/opt/other.so") +
+                llvm::sys::EnvPathSeparator + LAYER_FILE "\n");
   define("OPENCL_LAYERS", LAYER_FILE);
   EXPECT_EQ(tuned({"print", "OPENCL_LAYERS"}).out,
             "OPENCL_LAYERS=" LAYER_FILE "\n");

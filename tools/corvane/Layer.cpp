@@ -9,6 +9,7 @@
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
 #include "llvm/Support/Process.h"
+#include "llvm/Support/Program.h"
 
 using namespace corvane;
 namespace fs = llvm::sys::fs;
@@ -36,11 +37,12 @@ void corvane::addLayer(const std::string &layer) {
   const auto variable = llvm::sys::Process::GetEnv(layersVariable);
   const std::string present = variable ? *variable : std::string();
   llvm::SmallVector<llvm::StringRef, 4> layers;
-  llvm::StringRef(present).split(layers, CORVANE_LAYER_SEPARATOR, -1, false);
+  llvm::StringRef(present).split(layers, llvm::sys::EnvPathSeparator, -1,
+                                 false);
   if (!llvm::is_contained(layers, llvm::StringRef(layer)))
     layers.push_back(layer);
   setVariable(layersVariable,
-              llvm::join(layers, std::string(1, CORVANE_LAYER_SEPARATOR)));
+              llvm::join(layers, std::string(1, llvm::sys::EnvPathSeparator)));
 }
 
 std::optional<std::string> corvane::requireLayer() {
