@@ -21,7 +21,14 @@ static AgentHost &host() {
   return theHost;
 }
 
-return table;
+// The real OpenCL functions.
+static DispatchTable openClTable() {
+  void *library = loadOrEnd("opencl.dll");
+  DispatchTable table{};
+#define ENTRY(index, name)                                                     \
+  table.name = findFunction<decltype(table.name)>(library, #name);
+#include "agent/DispatchEntries.def"
+  return table;
 }
 
 static void endAgent() {
