@@ -42,14 +42,13 @@ static bool isLink(DWORD attributes) {
 }
 
 static HANDLE openHandle(const char *path, FileUse use) {
-  const bool reads = use == FileUse::Read;
-  return CreateFileA(path,
-                     (use == FileUse::Replace ? 0 : GENERIC_READ) |
-                         (reads ? 0 : GENERIC_WRITE),
-                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                     reads ? OPEN_EXISTING : OPEN_ALWAYS,
-                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT,
-                     nullptr);
+  const bool isRead = use == FileUse::Read || use == FileUse::Append;
+  const bool isWritten = use != FileUse::Read;
+  return CreateFileA(
+      path, (isRead ? GENERIC_READ : 0) | (isWritten ? GENERIC_WRITE : 0),
+      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+      isWritten ? OPEN_ALWAYS : OPEN_EXISTING,
+      FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
 // A link in the file's own name is opened as itself, and so can be told.
@@ -60,19 +59,38 @@ static bool isRefusedKind(HANDLE handle) {
          isLink(information.dwFileAttributes);
 }
 
+namespace {
+/// How the C runtime is told of a use, for a descriptor and for a file object.
+struct RuntimeUse {
+  int flags;
+  const char *mode;
+};
+} // namespace
+
+static RuntimeUse runtimeUse(FileUse use) {
+  switch (use) {
+  case FileUse::Read:
+    return {_O_RDONLY, "rb"};
+  case FileUse::Replace:
+    return {_O_WRONLY, "wb"};
+  case FileUse::Append:
+    return {_O_APPEND | _O_RDWR, "ab+"};
+  case FileUse::AddOnly:
+    return {_O_APPEND | _O_WRONLY, "ab"};
+  }
+  return {};
+}
+
 // The new file object owns the handle. No buffer, and bytes as they are.
 static FileHandle fileOver(SystemHandle &handle, FileUse use) {
-  const int flags = _O_BINARY | _O_NOINHERIT |
-                    (use == FileUse::Append ? _O_APPEND | _O_RDWR : 0) |
-                    (use == FileUse::Read ? _O_RDONLY : 0);
+  const RuntimeUse known = runtimeUse(use);
+  const int flags = _O_BINARY | _O_NOINHERIT | known.flags;
   const int descriptor =
       _open_osfhandle(reinterpret_cast<std::intptr_t>(handle.get()), flags);
   if (descriptor < 0)
     return nullptr;
   (void)handle.release();
-  FileHandle file(_fdopen(descriptor, use == FileUse::Read      ? "rb"
-                                      : use == FileUse::Replace ? "wb"
-                                                                : "ab+"));
+  FileHandle file(_fdopen(descriptor, known.mode));
   if (!file)
     _close(descriptor);
   else

@@ -77,13 +77,18 @@ class Arrows:
                 return str(parent)
         return None
 
+    def has_any_in(self, top):
+        """False for a folder of the root that this build leaves out whole."""
+        return any(folder.split("/")[0] == top for folder in self.folders)
+
     def allows(self, source, included):
         here, there = self.folder_of(source), self.folder_of(included)
         parent = pathlib.PurePosixPath(included).parent
         if here is None:
             return True
         if there is None:
-            return parent in pathlib.PurePosixPath(source).parents
+            return (parent in pathlib.PurePosixPath(source).parents
+                    or not self.has_any_in(included.split("/")[0]))
         return here == there or there in self.uses[here]
 
 

@@ -30,6 +30,15 @@ static int exitCodeOf(int status) {
 #endif
 }
 
+// Text streams of Windows end lines with a carriage return and a line feed.
+static std::string withoutReturns(std::string text) {
+#ifdef _WIN32
+  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;)
+    text.erase(at, 1);
+#endif
+  return text;
+}
+
 CorvaneTest::Outcome
 CorvaneTest::runProgram(const std::vector<std::string> &command) const {
   std::string line;
@@ -43,8 +52,8 @@ CorvaneTest::runProgram(const std::vector<std::string> &command) const {
 #endif
   Outcome outcome;
   outcome.exitCode = exitCodeOf(std::system(line.c_str()));
-  outcome.out = folder.read("out");
-  outcome.err = folder.read("err");
+  outcome.out = withoutReturns(folder.read("out"));
+  outcome.err = withoutReturns(folder.read("err"));
   return outcome;
 }
 

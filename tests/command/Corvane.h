@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <list>
 #include <string>
 #include <vector>
@@ -49,6 +50,12 @@ protected:
 
   std::string output() const { return folder.file("tuned"); }
   std::string profile() const { return folder.read("tuned/profile.json"); }
+
+  /// A path as corvane writes those that it makes: with "/" on every system.
+  static std::string written(const std::string &path) {
+    return std::filesystem::absolute(path).generic_string();
+  }
+  static std::string layer() { return written(LAYER_FILE); }
 
   TempFolder folder;
 

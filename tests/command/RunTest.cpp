@@ -33,8 +33,8 @@ TEST_F(Run, SetsTheVariables) {
   const Outcome outcome =
       ran({"print", "CORVANE_PROFILE", "print", "OPENCL_LAYERS", "print",
            "CORVANE_TUNE", "print", "CORVANE_SUMMARY"});
-  EXPECT_EQ(outcome.out, "CORVANE_PROFILE=" + output() +
-                             "\nOPENCL_LAYERS=" LAYER_FILE
+  EXPECT_EQ(outcome.out, "CORVANE_PROFILE=" + written(output()) +
+                             "\nOPENCL_LAYERS=" + layer() +
                              "\nno CORVANE_TUNE\nno CORVANE_SUMMARY\n");
 }
 

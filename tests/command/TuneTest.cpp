@@ -60,14 +60,14 @@ TEST_F(Tune, LeavesVariablesAsTheyAreOtherwise) {
 
 TEST_F(Tune, AddsTheLayerToThoseThatAreThere) {
   EXPECT_EQ(tuned({"print", "OPENCL_LAYERS"}).out,
-            "OPENCL_LAYERS=" LAYER_FILE "\n");
+            "OPENCL_LAYERS=" + layer() + "\n");
   define("OPENCL_LAYERS", "/opt/other.so");
   EXPECT_EQ(tuned({"print", "OPENCL_LAYERS"}).out,
             std::string("OPENCL_LAYERS=/opt/other.so") +
-                llvm::sys::EnvPathSeparator + LAYER_FILE "\n");
-  define("OPENCL_LAYERS", LAYER_FILE);
+                llvm::sys::EnvPathSeparator + layer() + "\n");
+  define("OPENCL_LAYERS", layer());
   EXPECT_EQ(tuned({"print", "OPENCL_LAYERS"}).out,
-            "OPENCL_LAYERS=" LAYER_FILE "\n");
+            "OPENCL_LAYERS=" + layer() + "\n");
 }
 
 TEST_F(Tune, NamesTheFolderFromTheRoot) {

@@ -27,9 +27,11 @@ std::optional<std::string> corvane::findLayer() {
   path::append(beside, CORVANE_LAYER_FILE);
   llvm::SmallString<256> installed(path::parent_path(folder));
   path::append(installed, "lib", CORVANE_LAYER_FILE);
-  for (const auto &place : {beside, installed})
-    if (fs::exists(place))
-      return place.str().str();
+  for (llvm::SmallString<256> *place : {&beside, &installed}) {
+    path::native(*place);
+    if (fs::exists(*place))
+      return place->str().str();
+  }
   return std::nullopt;
 }
 
@@ -39,7 +41,10 @@ void corvane::addLayer(const std::string &layer) {
   llvm::SmallVector<llvm::StringRef, 4> layers;
   llvm::StringRef(present).split(layers, llvm::sys::EnvPathSeparator, -1,
                                  false);
-  if (!llvm::is_contained(layers, llvm::StringRef(layer)))
+  // A file has several names: with a link in it, or with other separators.
+  if (llvm::none_of(layers, [&layer](llvm::StringRef listed) {
+        return fs::equivalent(listed, layer);
+      }))
     layers.push_back(layer);
   setVariable(layersVariable,
               llvm::join(layers, std::string(1, llvm::sys::EnvPathSeparator)));

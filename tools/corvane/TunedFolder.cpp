@@ -30,6 +30,7 @@ static std::string joined(const std::string &folder, const llvm::Twine &a,
 std::string corvane::absoluteFolder(const std::string &folder) {
   llvm::SmallString<256> text(folder);
   fs::make_absolute(text);
+  llvm::sys::path::native(text);
   path::remove_dots(text, true);
   return text.str().str();
 }
