@@ -1,4 +1,4 @@
-// Builds and links, as the application asked for them.
+// Builds, as the application asked for them.
 
 #pragma once
 
@@ -6,10 +6,11 @@
 
 namespace corvane::layer {
 
-/// The upper half keeps the application's notification from the agent, notes
-/// what the agent hides of the program, and then notifies. The lower half lets
-/// the agent learn each program anew, and hears the runtime's notification.
-void watchBuilds(cl_icd_dispatch &below);
+/// The layer begins a build that the application wants to be notified of, and
+/// has the agent look at the program when the runtime has notified; then it
+/// notes what the agent hides, and notifies. Nothing waits meanwhile. Other
+/// builds are the agent's, between whose call and the application's the layer
+/// only notes what is hidden.
 void serveBuilds(cl_icd_dispatch &above);
 
 } // namespace corvane::layer

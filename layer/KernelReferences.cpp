@@ -2,6 +2,8 @@
 
 #include "layer/KernelReferences.h"
 
+#include "layer/AgentsBuild.h"
+
 #include <atomic>
 #include <utility>
 
@@ -37,6 +39,7 @@ static cl_kernel CL_API_CALL create(cl_program program, const char *name,
 
 static cl_int CL_API_CALL createAll(cl_program program, cl_uint room,
                                     cl_kernel *created, cl_uint *countRet) {
+  forgetBuildsBeforeCollection(program);
   cl_uint count = 0;
   const cl_int status =
       runtime().clCreateKernelsInProgram(program, room, created, &count);

@@ -1,10 +1,11 @@
-// The application's wish to hear of the end of a build or a link.
+// A build or a link that the application wants to be notified of.
 
 #pragma once
 
 #include <CL/cl.h>
 
-#include <condition_variable>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <type_traits>
@@ -14,35 +15,44 @@ namespace corvane::layer {
 /// What a build's caller asked to be called with.
 using Notify = void(CL_CALLBACK *)(cl_program program, void *userData);
 
-/// Stands between a runtime and an application that is to be notified. The
-/// runtime tells us; the application hears of it once, after the agent has seen
-/// the program. Whether there is anything to hear is the runtime's to say.
+/// Takes the runtime's notification in place of the application, which is
+/// notified once, after the agent has seen the program. Whether there is a
+/// notification is the runtime's decision.
 ///
-/// Lives on the stack of the application's call. While it listens it is found
-/// by the calls that the agent makes on the same thread.
+/// No call waits: the runtime may have one thread for all its callbacks, and
+/// the application may be building on that one. The work that follows a build
+/// needs both the runtime's return and its notification, so whichever comes
+/// second does it: the application's call, or the runtime's thread.
 class Notification {
 public:
-  /// \p notify may be null: then nobody listens.
-  Notification(Notify notify, void *userData);
+  /// \p applicationsNotify must not be null.
+  Notification(Notify applicationsNotify, void *applicationsData)
+      : notify(applicationsNotify), userData(applicationsData) {}
   ~Notification();
   Notification(const Notification &) = delete;
   Notification &operator=(const Notification &) = delete;
 
-  /// The one that listens on this thread; null when nobody does.
-  static Notification *listening();
+  /// Makes \p notification ready for an attempt and returns the user data to
+  /// give to the runtime with `heard`. What an earlier attempt was notified of
+  /// is forgotten. The object lives until it is notified or all is done.
+  static void *arm(const std::shared_ptr<Notification> &notification);
 
-  /// What a runtime is given to call, with the notification as user data. It
-  /// may call on any thread.
-  static void CL_CALLBACK heard(cl_program program, void *notification);
+  /// What a runtime is given to call. Any thread; a call for an attempt that is
+  /// over has no effect.
+  static void CL_CALLBACK heard(cl_program program, void *armed);
 
-  /// Forgets what was heard, for another attempt.
-  void startOver();
+  /// Says that the runtime's call has returned, and whether it has begun to
+  /// build. True if the caller is to finish the work: there was a notification,
+  /// or there will be none. Otherwise \p finish, which must not throw, runs on
+  /// the thread of the notification.
+  bool hasReturned(bool hasBegun, std::function<void()> finish);
 
-  /// Returns when the runtime has called.
-  void wait();
+  /// Counts \p program as notified of, when an attempt that the runtime has not
+  /// been asked to notify of has succeeded.
+  void hear(cl_program program);
 
-  /// Tells the application, if the runtime has called. Call once, at the end,
-  /// for the application may do anything. \p returned is the program that
+  /// Notifies the application, if there was a notification. Call once, at the
+  /// end, for the application may do anything. \p returned is the program that
   /// the application has by then, or null when it has none.
   void deliver(cl_program returned);
 
@@ -55,13 +65,13 @@ private:
 
   const Notify notify;
   void *const userData;
-  Notification *const outer; ///< listened on this thread before
 
   std::mutex lock; ///< guards all below; the runtime's thread writes it
-  std::condition_variable called;
-  bool wasCalled = false;
-  cl_program about = nullptr; ///< what the runtime called with
-  /// Keeps it: when a link fails there may be nobody else to do so.
+  std::uintptr_t number = 0; ///< of the attempt; 0 before the first
+  bool wasNotified = false;
+  std::function<void()> finishLater; ///< empty unless left to the notification
+  cl_program about = nullptr;        ///< the program of the notification
+  /// Keeps it: when a link fails, the application may have no reference to it.
   Reference held;
 };
 

@@ -14,6 +14,8 @@ namespace corvane::layer {
 struct ProgramNotes {
   /// Names of kernels that the agent keeps to itself, sorted.
   std::vector<std::string> hidden;
+  /// Builds and links of it that the agent has not seen the end of.
+  unsigned builds = 0;
 };
 
 /// The programs that the application may have built. The agent keeps records

@@ -2,6 +2,7 @@
 
 #include "layer/Storeys.h"
 
+#include "layer/AgentsBuild.h"
 #include "layer/Buffers.h"
 #include "layer/Builds.h"
 #include "layer/HiddenKernels.h"
@@ -9,6 +10,7 @@
 #include "layer/KernelReferences.h"
 #include "layer/KernelsInProgram.h"
 #include "layer/Launches.h"
+#include "layer/Links.h"
 #include "layer/Programs.h"
 #include "layer/Queues.h"
 #include "layer/SvmKernels.h"
@@ -24,6 +26,7 @@ void layer::standBelow(cl_icd_dispatch &agentCalls) {
 void layer::standAbove(cl_icd_dispatch &applicationCalls) {
   followPrograms(applicationCalls);
   serveBuilds(applicationCalls);
+  serveLinks(applicationCalls);
   hideVariants(applicationCalls);
   createWithoutVariants(applicationCalls);
   answerAboutKernels(applicationCalls);

@@ -87,6 +87,7 @@ bool corvane::test::isServedAbove(size_t index) {
                       AT(clBuildProgram),
                       AT(clLinkProgram),
                       AT(clGetProgramInfo),
+                      AT(clGetProgramBuildInfo),
                       AT(clCreateKernelsInProgram),
                       AT(clCreateKernel),
                       AT(clReleaseKernel),

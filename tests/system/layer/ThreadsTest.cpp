@@ -4,8 +4,10 @@
 
 #include <array>
 #include <atomic>
+#include <functional>
 #include <random>
 #include <thread>
+#include <utility>
 
 using namespace corvane::test;
 using testing::IsEmpty;
@@ -108,4 +110,85 @@ TEST_F(LayeredThreads, LeaveNothingBehindWhenTheResultsAreWrittenMeanwhile) {
   workInAllThreads();
   EXPECT_THAT(runtime.alive("program"), IsEmpty());
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
+}
+
+namespace {
+/// Something happens on another thread while the runtime builds or links.
+class LayeredBuilds : public LayeredRuntime {
+protected:
+  void inCall(const char *entry, std::function<void()> action) {
+    runtime.whenCalled(entry, [this, action] {
+      if (!std::exchange(acted, true))
+        std::thread(action).join();
+    });
+  }
+
+  void launch(cl_program program) {
+    cl_kernel kernel = cl().clCreateKernel(program, "k", nullptr);
+    const size_t global = 64;
+    EXPECT_EQ(cl().clEnqueueNDRangeKernel(runtime.queue(), kernel, 1, nullptr,
+                                          &global, nullptr, 0, nullptr,
+                                          nullptr),
+              CL_SUCCESS);
+    EXPECT_EQ(cl().clReleaseKernel(kernel), CL_SUCCESS);
+  }
+
+  cl_program builtProgram() {
+    withVariant(runtime.sourceMakes());
+    cl_program program = createProgram();
+    EXPECT_EQ(build(program), CL_SUCCESS);
+    return program;
+  }
+
+  static void CL_CALLBACK ignore(cl_program, void *) {}
+
+  bool acted = false;
+};
+} // namespace
+
+TEST_F(LayeredBuilds, LetOtherThreadsLaunch) {
+  cl_program program = builtProgram();
+  inCall("clBuildProgram", [&] { launch(program); });
+  EXPECT_EQ(build(createProgram()), CL_SUCCESS);
+  EXPECT_TRUE(acted);
+}
+
+TEST_F(LayeredBuilds, LetOtherThreadsLaunchWithANotification) {
+  cl_program program = builtProgram();
+  inCall("clBuildProgram", [&] { launch(program); });
+  EXPECT_EQ(
+      cl().clBuildProgram(createProgram(), 0, nullptr, "", ignore, nullptr),
+      CL_SUCCESS);
+  EXPECT_TRUE(acted);
+}
+
+// The build is repeated for a while, because the runtime may still hold
+// kernels.
+TEST_F(LayeredBuilds, LetOtherThreadsLaunchWhileTheyAreRefused) {
+  cl_program program = builtProgram();
+  inCall("clBuildProgram", [&] { launch(program); });
+  runtime.answer("clBuildProgram", CL_INVALID_OPERATION);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(build(createProgram()), CL_INVALID_OPERATION);
+  testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(acted);
+}
+
+TEST_F(LayeredBuilds, OfLinksLetOtherThreadsLaunch) {
+  cl_program program = builtProgram();
+  inCall("clLinkProgram", [&] { launch(program); });
+  EXPECT_NE(cl().clLinkProgram(runtime.context(), 0, nullptr, "", 0, nullptr,
+                               nullptr, nullptr, nullptr),
+            nullptr);
+  EXPECT_TRUE(acted);
+}
+
+TEST_F(LayeredBuilds, OfOneProgramByTwoThreadsLeaveItsVariantsOnce) {
+  cl_program program = builtProgram();
+  inCall("clBuildProgram", [&] { EXPECT_EQ(build(program), CL_SUCCESS); });
+  EXPECT_EQ(build(program), CL_SUCCESS);
+  EXPECT_TRUE(acted);
+  EXPECT_EQ(kernelNames(program), "k;other");
+  EXPECT_THAT(createKernel(program, "k"),
+              testing::ElementsAre("kernel k", "kernel k_coarsed_g0S4"));
 }

@@ -1,0 +1,69 @@
+// Builds and links that go on after the application's call has returned.
+
+#pragma once
+
+#include "layer/Programs.h"
+
+#include <CL/cl.h>
+
+#include <new>
+#include <string>
+#include <vector>
+
+namespace corvane::layer {
+
+/// While it lives, its program counts as being built: from before the runtime
+/// builds it until the agent has seen it.
+class BeingBuilt {
+public:
+  explicit BeingBuilt(cl_program builtProgram) : program(builtProgram) {
+    programs().edit(program, [](ProgramNotes &notes) { ++notes.builds; });
+  }
+  ~BeingBuilt() {
+    programs().edit(program, [](ProgramNotes &notes) {
+      if (notes.builds != 0)
+        --notes.builds;
+    });
+  }
+  BeingBuilt(const BeingBuilt &) = delete;
+  BeingBuilt &operator=(const BeingBuilt &) = delete;
+
+private:
+  const cl_program program;
+};
+/// Copies of arguments, for a build or link that ends after the application's
+/// call.
+struct LateBuild {
+  LateBuild(cl_uint count, const cl_device_id *list, const char *text)
+      : hasDevices(list != nullptr), devices(list, list ? list + count : list),
+        hasOptions(text != nullptr), options(text ? text : "") {}
+
+  const cl_device_id *deviceList() const {
+    return hasDevices ? devices.data() : nullptr;
+  }
+  cl_uint deviceCount() const { return static_cast<cl_uint>(devices.size()); }
+  const char *optionText() const {
+    return hasOptions ? options.c_str() : nullptr;
+  }
+
+  bool hasDevices;
+  std::vector<cl_device_id> devices;
+  bool hasOptions;
+  std::string options;
+};
+/// Runs look(), in which the agent sees a program that the application has had
+/// for a while, and may have released. On a thread of the runtime's, or of a
+/// build within a build.
+template <typename Look> void lookLate(cl_program program, Look look) noexcept {
+  try {
+    if (programs().has(program))
+      look();
+    // If it was released meanwhile, the agent had no record to drop.
+    if (!programs().has(program))
+      forgetBuilds(program);
+  } catch (const std::bad_alloc &) {
+    // Better to lose the variants than the process.
+  }
+}
+
+} // namespace corvane::layer
