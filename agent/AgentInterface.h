@@ -1,4 +1,5 @@
-// The runtime's side of the agent interface, as far as we use it.
+// Describes the agent object that the runtime hands to the library, as far as
+// we use it.
 
 #pragma once
 
@@ -16,7 +17,7 @@ using TableOperation = cl_int(CL_API_CALL *)(AgentOperations *agent,
                                              void *table, std::size_t size);
 
 /// The object that the runtime passes to the exported functions. Nothing is
-/// assumed about the operations before and behind the two that we call.
+/// assumed about its operations other than the two that we call.
 struct AgentOperations {
   void (*unused[7])();
   TableOperation getICDDispatchTable;

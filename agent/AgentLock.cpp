@@ -1,4 +1,4 @@
-// The agent lock, and how deep its holder stands in guards.
+// Defines the agent lock and counts the guards that its holder has open.
 
 #include "agent/AgentLock.h"
 

@@ -11,7 +11,8 @@ namespace corvane {
 
 namespace detail {
 extern llvm::ManagedStatic<llvm::sys::Mutex> theAgentLock;
-/// How many guards the holder has open; touched only with the lock held.
+/// How many guards the thread that holds the lock has open; touched only with
+/// the lock held.
 extern unsigned openGuards;
 } // namespace detail
 
@@ -28,8 +29,8 @@ inline llvm::sys::Mutex &agentLock() { return *detail::theAgentLock; }
 /// Take no leaf lock (see README.md) around a guard; the other way round is the
 /// rule.
 ///
-/// The outermost guard of a thread buries what a flush elsewhere has retired
-/// meanwhile (see AgentState.h).
+/// When the outermost guard of a thread ends, it destroys the states that a
+/// flush on another thread has retired meanwhile (see AgentState.h).
 class AgentGuard {
 public:
   AgentGuard() {
@@ -40,13 +41,14 @@ public:
     --detail::openGuards;
     agentLock().unlock();
     if (hasRetiredStates())
-      buryRetiredStates();
+      destroyRetiredStates();
   }
   AgentGuard(const AgentGuard &) = delete;
   AgentGuard &operator=(const AgentGuard &) = delete;
 };
 
-/// Takes the lock if nobody holds it, this thread's own guards included.
+/// Takes the lock if it is free: neither another thread nor an outer guard of
+/// this thread holds it.
 class OnlyGuard {
 public:
   OnlyGuard();

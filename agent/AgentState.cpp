@@ -1,4 +1,4 @@
-// Hands out the state and destroys it when its last user has let go.
+// Hands out the state, and destroys it when no thread can be using it.
 
 #include "agent/AgentState.h"
 
@@ -18,7 +18,7 @@ StatePin::StatePin() { ++pins; }
 StatePin::~StatePin() {
   --pins;
   if (hasRetiredStates())
-    buryRetiredStates();
+    destroyRetiredStates();
 }
 
 void corvane::installAgentState(AgentState *state,
@@ -39,7 +39,7 @@ void corvane::retireAgentState(AgentState *state) {
   if (!state)
     return;
   addRetired(state, state);
-  buryRetiredStates();
+  destroyRetiredStates();
 }
 
 static bool inUse() {
@@ -62,19 +62,20 @@ static void putBack(AgentState *list) {
   addRetired(list, last);
 }
 
-// A user of a retired state opened its guard or pin before the state was taken
-// away; those that open later find no state or a newer one. So it is enough to
-// see, with the list in hand, one moment without guards and one without pins.
-// A user that leaves while the list is in hand finds nothing to bury: hence the
-// second look.
-void corvane::buryRetiredStates() {
+// A thread that uses a retired state opened its guard or pin before the state
+// was taken away; a thread that opens one later finds no state or a newer one.
+// So the states in the list may be destroyed after one moment without guards
+// and one without pins. A thread that closes its guard or pin while this
+// function has the list finds the list empty and destroys nothing: hence the
+// loop.
+void corvane::destroyRetiredStates() {
   do {
     AgentState *list = retiredStates.exchange(nullptr);
     if (!list)
       return;
     if (!inUse()) {
       destroyAll(list);
-      continue; // somebody's look may have met this one, and taken it for a use
+      continue; // another thread's inUse() may have met this one's guard
     }
     putBack(list);
   } while (!inUse());

@@ -1,4 +1,4 @@
-// The agent's bookkeeping, one object a process, and how long it lives.
+// Declares the one object with the agent's bookkeeping, and its lifetime.
 
 #pragma once
 
@@ -47,7 +47,7 @@ struct AgentState {
 };
 
 namespace detail {
-// Out in the open because every call looks at them.
+// In the header, so that every call can look at them inline.
 extern std::atomic<AgentState *> currentState;
 extern std::atomic<AgentState *> retiredStates;
 } // namespace detail
@@ -67,17 +67,18 @@ public:
   StatePin &operator=(const StatePin &) = delete;
 };
 
-/// Makes \p state the state; \p destroy ends it one day. Hold the agent lock;
-/// there must be no state yet.
+/// Makes \p state the state, which \p destroy will delete when it is retired
+/// and unused. Hold the agent lock; there must be no state yet.
 void installAgentState(AgentState *state, void (*destroy)(AgentState *));
 
-/// Takes the state away from everybody and returns it, or null if another
-/// thread was faster. The caller must hand it on to retireAgentState. Waits for
-/// nothing, so that it can be called while the process ends.
+/// Takes the state away, so that no thread finds it any more, and returns it;
+/// null if there is none or another thread was faster. The caller must hand it
+/// on to retireAgentState. Waits for nothing, so that it can be called while
+/// the process ends.
 AgentState *takeAgentState();
 
-/// Destroys \p state once nobody uses it any more: now, or when the last guard
-/// or pin is gone. Waits for nothing.
+/// Destroys \p state once no thread uses it any more: now, or when the last
+/// guard or pin is gone. Waits for nothing.
 void retireAgentState(AgentState *state);
 
 /// Whether a retired state still waits for its last user.
@@ -85,7 +86,7 @@ inline bool hasRetiredStates() {
   return detail::retiredStates.load() != nullptr;
 }
 
-/// Destroys the retired states, unless somebody may still use one.
-void buryRetiredStates();
+/// Destroys the retired states, unless another thread may still use one.
+void destroyRetiredStates();
 
 } // namespace corvane

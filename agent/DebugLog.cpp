@@ -24,7 +24,7 @@ struct debug::string_ostream::Piece {
   char *text() { return reinterpret_cast<char *>(this + 1); }
 };
 
-// Without memory the text is lost: a launch is worth more than its trace.
+// Without memory the text is lost, and the launch that it is about goes on.
 void debug::string_ostream::write_impl(const char *data, std::size_t size) {
   void *memory = std::malloc(sizeof(Piece) + size);
   if (!memory)
@@ -63,15 +63,16 @@ static platform::FileHandle openDumpLog() {
   return std::move(opened.file);
 }
 
-// The C++ library's own stream it has to be. The application may have asked it
-// to throw, and may have left it in any state.
+// Through the C++ library's own stream, as the length always was. The
+// application may have asked that stream to throw, and may have left it in any
+// state.
 static void tellLength(std::size_t length) {
   platform::makeErrorStreamBinary();
   platform::useStandardError([length] {
     try {
       std::cerr << std::to_string(length) + "\n";
     } catch (const std::ios_base::failure &) {
-      // The length is lost, and the way out goes on.
+      // The length is lost, and the process goes on to end.
     }
   });
 }
@@ -97,7 +98,7 @@ public:
     try {
       stream.dump();
     } catch (const std::bad_alloc &) {
-      // Nor does the application's way out stop here.
+      // The log is lost, and the process ends as it would without it.
     }
   }
   LogAtExit(const LogAtExit &) = delete;

@@ -1,4 +1,4 @@
-// The two channels of text: the error stream and the diagnostic log.
+// Declares the two streams of text: standard error and the diagnostic log.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// The environment variables that configure the agent.
+// Looks up, hides and restores the environment variables of the agent.
 
 #pragma once
 
@@ -49,8 +49,8 @@ void unsetEnv(const char *name);
 void hideAutotune();
 void restoreAutotune();
 
-/// Keeps the agent from moving variables on another thread: for whoever looks
-/// without the agent lock, as long as the value is used.
+/// Keeps the agent from moving variables on another thread. Hold one while you
+/// look a variable up without the agent lock, and while you use its value.
 ///
 /// Waits while another thread moves a variable, but never for a thread that is
 /// gone or for itself, as when a signal has ended the process in the middle of

@@ -1,4 +1,5 @@
-// The switches: atomic, because threads of the runtime read them.
+// Defines the switches, which are atomic because threads of the runtime read
+// them.
 
 #include "agent/Flags.h"
 

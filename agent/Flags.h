@@ -18,8 +18,8 @@ inline bool autotuneOutput() {
 void setAutotuneOutput(bool on);
 
 /// Whether the runtime has accepted our hooks, and whether the environment asks
-/// to bypass the vectorisation safety check. Kept for a debugger's eyes;
-/// nothing in the library depends on them.
+/// to bypass the vectorisation safety check. For whoever debugs
+/// the library; nothing in it depends on them.
 void setHooksInstalled(bool installed);
 void setBypassVectorizationSafetyCheck(bool bypass);
 

@@ -1,4 +1,4 @@
-// Memory for an array whose length the runtime claims.
+// Allocates an array as long as the runtime says, which may be a lie.
 
 #pragma once
 
@@ -8,8 +8,9 @@
 
 namespace corvane {
 
-/// \p count zeroed elements, or null when there is no room for them. The pages
-/// are only taken when they are written, so a false claim costs nothing.
+/// \p count zeroed elements, or null when there is no memory for them. The
+/// system provides memory only where it is written, so a false length costs
+/// nothing.
 struct FreeMemory {
   void operator()(void *memory) const { std::free(memory); }
 };

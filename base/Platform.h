@@ -1,4 +1,4 @@
-// All that differs between operating systems, behind one header.
+// Declares all that differs between operating systems.
 
 #pragma once
 
@@ -74,7 +74,7 @@ OpenedFile openRegularFile(const std::string &path, FileUse use);
 /// raises no signal, not even beyond the process's limit for the size of files.
 std::size_t writeBytes(std::FILE *file, const void *bytes, std::size_t count);
 
-/// Drops what \p file, open for writing and without a buffer, holds behind its
+/// Drops what \p file, open for writing and without a buffer, holds after its
 /// first \p length bytes; failures are ignored.
 void cutFile(std::FILE *file, long length);
 
@@ -98,7 +98,7 @@ void rememberStandardError();
 ///  - the host has closed the stream that was remembered and uses its number
 ///    for something else (a host that keeps the stream under another number has
 ///    only redirected it, and gets what is written);
-///  - nobody reads the pipe, terminal or socket, and it has been full for two
+///  - the pipe, terminal or socket is not read, and has been full for two
 ///    seconds. From then on nothing waits until it takes bytes again. One that
 ///    is set not to block is never waited for.
 /// No signal comes of what \p write does. Any thread.

@@ -1,4 +1,4 @@
-// Linux and its relatives.
+// Implements the platform functions for Linux and its relatives.
 
 #include "base/Platform.h"
 
@@ -27,7 +27,7 @@ void platform::removeVariable(const char *name) { unsetenv(name); }
 
 bool platform::hasForeignRights() { return getauxval(AT_SECURE) != 0; }
 
-// They go on while destructors run. In a forked child nobody asks.
+// They go on while destructors run. A forked child does not ask.
 bool platform::otherThreadsAreGone() { return false; }
 
 bool platform::createDirectory(const char *path) {
@@ -45,7 +45,7 @@ std::string platform::currentFolder() {
 std::string platform::comparableFileName(std::string name) { return name; }
 
 void platform::cutFile(std::FILE *file, long length) {
-  // Nobody can be told of a failure, but the compiler wants it looked at.
+  // Failures are ignored, but the compiler wants the result to be used.
   if (ftruncate(fileno(file), length) != 0)
     return;
 }

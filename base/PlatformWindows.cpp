@@ -1,4 +1,4 @@
-// Windows, through its C runtime.
+// Implements the platform functions for Windows, through its C runtime.
 
 #include "base/Platform.h"
 

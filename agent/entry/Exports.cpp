@@ -1,4 +1,4 @@
-// Loading and unloading of the agent.
+// Loads and unloads the agent, step by step.
 
 #include "agent/entry/Exports.h"
 

@@ -1,4 +1,4 @@
-// The thirteen hooks and the table that carries them.
+// Lists the thirteen hooks and fills the table that carries them.
 
 #include "agent/entry/HookTable.h"
 
@@ -56,8 +56,8 @@ template <typename Visitor> static void forEachHook(Visitor visit) {
   visitHook<&DispatchTable::clGetProgramInfo, hooks::clGetProgramInfo>(visit);
 }
 
-// A runtime that is loaded for the second time gives back our own hooks; what
-// stood there before them is known already.
+// A runtime that is loaded for the second time gives back our own hooks; the
+// entries that they replaced are known already.
 static DispatchTable withoutOurHooks(DispatchTable table) {
   forEachHook([&table](auto entry, auto hook) {
     if (table.*entry == hook)

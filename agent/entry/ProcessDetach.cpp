@@ -1,4 +1,4 @@
-// What has to be done before the library is gone, on every system.
+// Does what every system needs before the library is gone.
 
 #include "agent/entry/ProcessDetach.h"
 
@@ -13,6 +13,6 @@ void corvane::flushAtDetach() {
   try {
     flushAutotuneResults();
   } catch (const std::bad_alloc &) {
-    // Results are not worth the application's way out.
+    // The process must end all the same: the results are lost.
   }
 }

@@ -1,4 +1,4 @@
-// The end of the process, or of the library's stay in it.
+// Flushes the results when the process ends or the library is closed.
 
 #pragma once
 
@@ -11,7 +11,8 @@ namespace corvane {
 /// then, and one may have held any lock.
 void watchForProcessDetach();
 
-/// That flush. An exception ends here: behind it is nobody who could catch one.
+/// That flush. It throws nothing: its callers, the loader and the C++ runtime,
+/// could not catch an exception.
 void flushAtDetach();
 
 } // namespace corvane

@@ -1,4 +1,4 @@
-// Process detach where the C++ runtime runs destructors for an ending library.
+// Hooks into the end of the library where the C++ runtime runs its destructors.
 
 #include "agent/entry/ProcessDetach.h"
 

@@ -1,4 +1,4 @@
-// Process detach where the loader tells every library.
+// Hooks into the end of the library where the loader calls its entry point.
 
 #include "agent/entry/ProcessDetach.h"
 

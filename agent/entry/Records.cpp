@@ -1,4 +1,4 @@
-// Birth and death of the state; the one place that knows every record type.
+// Creates and deletes the state: the one file that knows every record type.
 
 #include "agent/entry/Records.h"
 

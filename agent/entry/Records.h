@@ -1,4 +1,4 @@
-// Birth of the agent's state.
+// Creates the agent's state.
 
 #pragma once
 
