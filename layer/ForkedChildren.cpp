@@ -30,7 +30,7 @@ struct ParentOnly<entry> {
   }
 };
 
-// What this system does not have is no function, and nobody serves it.
+// An entry that this system lacks is null and is not replaced.
 template <void *cl_icd_dispatch::*entry> struct ParentOnly<entry> {
   static void putInto(LayerTable &) {}
 };
