@@ -8,6 +8,8 @@
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TempFolder.h"
 
+#include "llvm/ADT/ScopeExit.h"
+
 #include "gtest/gtest.h"
 
 #include <cstdio>
@@ -123,7 +125,11 @@ TEST(Environment, IsThatOfTheCRuntimeAndNotOfTheSystem) {
   EXPECT_FALSE(folder.has("autotune.csv"));
 }
 
+// An empty folder means the root of the current drive. Under Wine this is the
+// root of the system, where the log would be in the way of other tests.
 TEST(Environment, IsCleanOfAnEmptyVariableThatTheCompilerMustNotSee) {
+  const auto removeLog =
+      llvm::make_scope_exit([] { (void)std::remove("/.auto.csv"); });
   FakeRuntime runtime;
   LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", ""}});
   ASSERT_TRUE(lookUp("CORVANE_AUTOTUNE"));
