@@ -1,17 +1,36 @@
-// Hands out the state, and destroys it when no thread can be using it.
+// Counts guards and pins, and destroys a retired state when none can be using
+// it.
 
 #include "agent/AgentState.h"
-
-#include "agent/AgentLock.h"
 
 using namespace corvane;
 
 using detail::currentState;
+using detail::openGuards;
 using detail::retiredStates;
 
 std::atomic<AgentState *> detail::currentState{nullptr};
 std::atomic<AgentState *> detail::retiredStates{nullptr};
 static std::atomic<unsigned> pins{0};
+
+llvm::ManagedStatic<llvm::sys::Mutex> detail::theAgentLock;
+unsigned detail::openGuards = 0;
+
+OnlyGuard::OnlyGuard() : held(agentLock().try_lock()) {
+  if (held && openGuards != 0) {
+    agentLock().unlock();
+    held = false;
+  }
+  if (held)
+    ++openGuards;
+}
+
+OnlyGuard::~OnlyGuard() {
+  if (!held)
+    return;
+  --openGuards;
+  agentLock().unlock();
+}
 
 StatePin::StatePin() { ++pins; }
 

@@ -1,8 +1,11 @@
-// Declares the one object with the agent's bookkeeping, and its lifetime.
+// Declares the agent's bookkeeping, the lock that guards it, and its lifetime.
 
 #pragma once
 
 #include "agent/RecordTable.h"
+
+#include "llvm/Support/ManagedStatic.h"
+#include "llvm/Support/Mutex.h"
 
 #include <CL/cl.h>
 
@@ -50,6 +53,11 @@ namespace detail {
 // In the header, so that every call can look at them inline.
 extern std::atomic<AgentState *> currentState;
 extern std::atomic<AgentState *> retiredStates;
+
+extern llvm::ManagedStatic<llvm::sys::Mutex> theAgentLock;
+/// How many guards the thread that holds the lock has open; touched only with
+/// the lock held.
+extern unsigned openGuards;
 } // namespace detail
 
 /// The state; null before the load and after the flush.
@@ -88,5 +96,51 @@ inline bool hasRetiredStates() {
 
 /// Destroys the retired states, unless another thread may still use one.
 void destroyRetiredStates();
+
+/// The agent lock: recursive, made by its first user, never destroyed by us,
+/// because a hook may still run while the process ends.
+inline llvm::sys::Mutex &agentLock() { return *detail::theAgentLock; }
+
+/// Holds the agent lock.
+///
+/// Hooks hold it over their calls into the runtime, so that what they record is
+/// what the runtime did, in the same order; not over builds and links, which
+/// take long and may need another thread of the application's. It is recursive
+/// because the runtime may call the application back, and the application us.
+/// Take no leaf lock (see README.md) around a guard; the other way round is the
+/// rule.
+///
+/// When the outermost guard of a thread ends, it destroys the states that a
+/// flush on another thread has retired meanwhile.
+class AgentGuard {
+public:
+  AgentGuard() {
+    agentLock().lock();
+    ++detail::openGuards;
+  }
+  ~AgentGuard() {
+    --detail::openGuards;
+    agentLock().unlock();
+    if (hasRetiredStates())
+      destroyRetiredStates();
+  }
+  AgentGuard(const AgentGuard &) = delete;
+  AgentGuard &operator=(const AgentGuard &) = delete;
+};
+
+/// Takes the lock if it is free: neither another thread nor an outer guard of
+/// this thread holds it.
+class OnlyGuard {
+public:
+  OnlyGuard();
+  ~OnlyGuard();
+  OnlyGuard(const OnlyGuard &) = delete;
+  OnlyGuard &operator=(const OnlyGuard &) = delete;
+
+  explicit operator bool() const { return held; }
+
+private:
+  bool held;
+};
 
 } // namespace corvane

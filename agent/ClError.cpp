@@ -2,7 +2,7 @@
 
 #include "agent/ClError.h"
 
-#include "agent/DebugLog.h"
+#include "agent/ErrorStream.h"
 
 #include <array>
 #include <cstddef>

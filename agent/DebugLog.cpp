@@ -2,11 +2,10 @@
 
 #include "agent/DebugLog.h"
 
-#include "agent/RefusedFiles.h"
+#include "agent/ErrorStream.h"
 #include "base/ForkedChild.h"
 #include "base/Platform.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ios>
@@ -116,32 +115,6 @@ debug::string_ostream &detail::keptLog() {
   static const LogAtExit log;
   return log.stream;
 }
-
-namespace {
-/// A stream over the platform's writing.
-class ErrorStream : public llvm::raw_ostream {
-public:
-  ErrorStream() : llvm::raw_ostream(/*unbuffered=*/true) {}
-
-private:
-  // Binary each time, for the application may have gone back to text meanwhile.
-  void write_impl(const char *bytes, std::size_t count) override {
-    platform::makeErrorStreamBinary();
-    platform::writeStandardError({bytes, count});
-  }
-  std::uint64_t current_pos() const override { return 0; }
-};
-} // namespace
-
-llvm::raw_ostream &corvane::errorStream() {
-  alignas(ErrorStream) static unsigned char storage[sizeof(ErrorStream)];
-  static ErrorStream &stream = *new (storage) ErrorStream;
-  return stream;
-}
-
-void corvane::prepareErrorStream() { errorStream(); }
-
-void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
 
 llvm::raw_ostream *corvane::lookUpDebugLog() {
   const EnvironmentLook look;

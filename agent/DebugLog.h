@@ -1,10 +1,9 @@
-// Declares the two streams of text: standard error and the diagnostic log.
+// Declares the diagnostic log, a text in memory until the process ends.
 
 #pragma once
 
 #include "agent/Environment.h"
 
-#include "llvm/ADT/StringRef.h"
 #include "llvm/Support/raw_ostream.h"
 
 #include <atomic>
@@ -48,23 +47,6 @@ namespace corvane {
 namespace detail {
 debug::string_ostream &keptLog();
 } // namespace detail
-
-/// The process's standard error, unbuffered: each text that is written is one
-/// write of bytes as they are, and is lost if it would go astray or wait for
-/// ever (see platform::useStandardError). Any thread.
-///
-/// A stream of our own and not LLVM's errs(), which waits for a full pipe for
-/// ever and dies while the process ends: the application may still call a hook
-/// then.
-llvm::raw_ostream &errorStream();
-
-/// Makes that stream but leaves the descriptor as it is. Once this has been
-/// called, no use of the stream waits for another thread's.
-void prepareErrorStream();
-
-/// Writes \p line on the error stream in one piece, so that the lines of two
-/// threads never mix.
-void writeError(llvm::StringRef line);
 
 /// The diagnostic log if CORVANE_DUMP_LOG is defined now, else null. Looks the
 /// variable up, so ask once and keep the answer over one launch. Any thread and

@@ -1,4 +1,5 @@
-// References to OpenCL objects that the agent holds.
+// Owns what the runtime hands out: references to its objects, and memory for
+// its answers.
 
 #pragma once
 
@@ -6,6 +7,10 @@
 #include "base/OwnedHandle.h"
 
 #include <CL/cl.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
 
 namespace corvane {
 
@@ -30,5 +35,23 @@ struct RuntimeReferences {
 
 /// One reference of the agent's to an object of the runtime's.
 template <typename Handle> using Owned = OwnedHandle<Handle, RuntimeReferences>;
+
+/// Releases memory from the C library.
+struct FreeMemory {
+  void operator()(void *memory) const { std::free(memory); }
+};
+
+/// An array from allocateZeroed; null when there was no memory for it.
+template <typename Element>
+using ZeroedArray = std::unique_ptr<Element[], FreeMemory>;
+
+/// \p count zeroed elements, or null when there is no memory for them. For
+/// lengths that a runtime tells: the system provides memory only where it is
+/// written, so a false length costs nothing.
+template <typename Element>
+ZeroedArray<Element> allocateZeroed(std::size_t count) {
+  return ZeroedArray<Element>(
+      static_cast<Element *>(std::calloc(count, sizeof(Element))));
+}
 
 } // namespace corvane

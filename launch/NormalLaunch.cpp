@@ -5,6 +5,7 @@
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/DebugLog.h"
+#include "agent/ErrorStream.h"
 #include "launch/VariantChoice.h"
 
 using namespace corvane;

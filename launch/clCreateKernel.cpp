@@ -1,6 +1,5 @@
 // The hook of the creation of one kernel.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/Owned.h"
 #include "agent/RuntimeTable.h"

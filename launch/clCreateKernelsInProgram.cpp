@@ -1,7 +1,6 @@
 // The hook of the creation of all kernels of a program: the application gets
 // the ordinary ones.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"

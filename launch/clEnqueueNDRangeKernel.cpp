@@ -1,6 +1,5 @@
 // The hook of a launch.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/DebugLog.h"
 #include "agent/Flags.h"

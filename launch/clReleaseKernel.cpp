@@ -1,7 +1,6 @@
 // The hook of the release of a kernel. With the last reference its variants are
 // released as well.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"

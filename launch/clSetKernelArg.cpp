@@ -1,6 +1,5 @@
 // The hook of a setting of an argument.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
 #include "launch/Hooks.h"

@@ -2,7 +2,6 @@
 
 #include "programs/BuildInProgress.h"
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "programs/VariantDiscovery.h"
 

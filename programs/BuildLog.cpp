@@ -3,8 +3,8 @@
 #include "programs/BuildLog.h"
 
 #include "agent/ClError.h"
+#include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "agent/ZeroedArray.h"
 #include "variants/SpillScreen.h"
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "agent/ZeroedArray.h"
+#include "agent/Owned.h"
 
 #include "llvm/ADT/ArrayRef.h"
 

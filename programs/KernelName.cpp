@@ -2,8 +2,8 @@
 
 #include "programs/KernelName.h"
 
+#include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "agent/ZeroedArray.h"
 #include "variants/VariantName.h"
 
 #include <array>

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
 #include "agent/Environment.h"
 
 namespace corvane {

@@ -1,6 +1,5 @@
 // A build, and the discovery of the variants that it made.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/Flags.h"

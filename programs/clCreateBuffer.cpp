@@ -1,7 +1,6 @@
 // In autotuning mode every buffer is remembered, so that tuned launches can
 // save and restore it.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/Flags.h"

@@ -1,10 +1,9 @@
 // A link, and the discovery of the variants in the linked program.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
-#include "agent/DebugLog.h"
 #include "agent/Environment.h"
+#include "agent/ErrorStream.h"
 #include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
 #include "programs/Devices.h"

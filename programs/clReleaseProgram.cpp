@@ -1,6 +1,5 @@
 // Release of a program, and of what is known about it.
 
-#include "agent/AgentLock.h"
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"

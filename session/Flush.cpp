@@ -3,10 +3,10 @@
 #include "session/Flush.h"
 
 #include "agent/AgentState.h"
-#include "agent/DebugLog.h"
 #include "agent/Environment.h"
+#include "agent/ErrorStream.h"
 #include "agent/Flags.h"
-#include "agent/RefusedFiles.h"
+#include "base/ForkedChild.h"
 #include "results/Files.h"
 #include "results/ResultFiles.h"
 #include "session/LogAppender.h"
@@ -14,6 +14,7 @@
 
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -132,4 +133,14 @@ void corvane::flushAutotuneResults() {
   ClosedHistory history(*state->launchRecords);
   if (autotuneOutput())
     produceResults(history);
+}
+
+void corvane::flushAtDetach() {
+  if (inForkedChild())
+    return;
+  try {
+    flushAutotuneResults();
+  } catch (const std::bad_alloc &) {
+    // The process must end all the same: the results are lost.
+  }
 }

@@ -25,4 +25,9 @@ int writeReport(ReportJob &job);
 /// runs while the process ends and such a thread may be dead by then.
 void flushAutotuneResults();
 
+/// The same for the end of the process: throws nothing and does nothing in a
+/// forked child. Its callers, the loader and the C++ runtime, could not catch
+/// an exception.
+void flushAtDetach();
+
 } // namespace corvane

@@ -3,8 +3,8 @@
 
 #include "session/LogAppender.h"
 
+#include "agent/ErrorStream.h"
 #include "agent/Flags.h"
-#include "agent/RefusedFiles.h"
 #include "base/Platform.h"
 #include "results/RawTimingLog.h"
 #include "results/ResultFiles.h"

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "agent/Owned.h"
-#include "agent/ZeroedArray.h"
 #include "tuning/OutputComparison.h"
 
 #include "llvm/ADT/ArrayRef.h"

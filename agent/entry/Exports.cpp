@@ -2,14 +2,11 @@
 
 #include "agent/entry/Exports.h"
 
-#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
 #include "agent/DebugLog.h"
 #include "agent/Environment.h"
 #include "agent/Flags.h"
-#include "agent/entry/HookTable.h"
-#include "agent/entry/OutputLocation.h"
-#include "agent/entry/ProcessDetach.h"
-#include "agent/entry/Records.h"
+#include "agent/entry/LoadSteps.h"
 #include "base/ForkedChild.h"
 #include "base/Platform.h"
 #include "session/Flush.h"

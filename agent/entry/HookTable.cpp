@@ -1,6 +1,6 @@
 // Lists the thirteen hooks and fills the table that carries them.
 
-#include "agent/entry/HookTable.h"
+#include "agent/entry/LoadSteps.h"
 
 #include "agent/RuntimeTable.h"
 #include "base/ForkedChild.h"

@@ -1,10 +1,10 @@
 // Decides, once a load, whether this process autotunes.
 
-#include "agent/entry/OutputLocation.h"
+#include "agent/entry/LoadSteps.h"
 
 #include "agent/AgentState.h"
-#include "agent/DebugLog.h"
 #include "agent/Environment.h"
+#include "agent/ErrorStream.h"
 #include "agent/Flags.h"
 #include "base/Platform.h"
 #include "session/LaunchHistory.h"

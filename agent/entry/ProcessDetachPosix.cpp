@@ -1,6 +1,8 @@
 // Hooks into the end of the library where the C++ runtime runs its destructors.
 
-#include "agent/entry/ProcessDetach.h"
+#include "agent/entry/LoadSteps.h"
+
+#include "session/Flush.h"
 
 using namespace corvane;
 

@@ -1,8 +1,9 @@
 // Hooks into the end of the library where the loader calls its entry point.
 
-#include "agent/entry/ProcessDetach.h"
+#include "agent/entry/LoadSteps.h"
 
-#include "agent/DebugLog.h"
+#include "agent/ErrorStream.h"
+#include "session/Flush.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 // Creates and deletes the state: the one file that knows every record type.
 
-#include "agent/entry/Records.h"
+#include "agent/entry/LoadSteps.h"
 
 #include "agent/AgentState.h"
 #include "base/Platform.h"

@@ -2,7 +2,7 @@
 
 #include "bench/hooks/Cases.h"
 
-#include "agent/AgentLock.h"
+#include "agent/AgentState.h"
 #include "bench/null/NullRuntime.h"
 
 #include <mutex>

@@ -1,6 +1,6 @@
 // Tests of the line that tells of a refused file.
 
-#include "agent/RefusedFiles.h"
+#include "agent/ErrorStream.h"
 #include "tests/support/ErrorCapture.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,54 @@
+// Writes on standard error through the platform, and tells once of each refused
+// file.
+
+#include "agent/ErrorStream.h"
+
+#include "base/Platform.h"
+
+#include <cstdint>
+#include <mutex>
+#include <new>
+#include <set>
+
+using namespace corvane;
+
+namespace {
+/// A stream over the platform's writing.
+class ErrorStream : public llvm::raw_ostream {
+public:
+  ErrorStream() : llvm::raw_ostream(/*unbuffered=*/true) {}
+
+private:
+  // Binary each time, for the application may have gone back to text meanwhile.
+  void write_impl(const char *bytes, std::size_t count) override {
+    platform::makeErrorStreamBinary();
+    platform::writeStandardError({bytes, count});
+  }
+  std::uint64_t current_pos() const override { return 0; }
+};
+} // namespace
+
+llvm::raw_ostream &corvane::errorStream() {
+  alignas(ErrorStream) static unsigned char storage[sizeof(ErrorStream)];
+  static ErrorStream &stream = *new (storage) ErrorStream;
+  return stream;
+}
+
+void corvane::prepareErrorStream() { errorStream(); }
+
+void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
+
+// A row that finds its log replaced would say so at each launch.
+static bool isFirstTime(const std::string &path) {
+  static std::mutex lock;
+  // Never destroyed: a file may be refused while the process ends.
+  static auto &reported = *new std::set<std::string>;
+  // Never waited for: a thread that is gone by now may hold it.
+  const std::unique_lock<std::mutex> guard(lock, std::try_to_lock);
+  return guard.owns_lock() && reported.insert(path).second;
+}
+
+void corvane::reportRefusedFile(const std::string &path) {
+  if (isFirstTime(path))
+    writeError("CV: " + path + " is not a regular file and is not used.\n");
+}
