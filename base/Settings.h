@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The names; each is looked up wherever it is needed and never cached.
+/// The names. When each is looked up stands in its words below.
 namespace variable {
 #define SETTING(identifier, name, meaning, withoutIt, lookedUp)                \
   inline constexpr const char *identifier = name;

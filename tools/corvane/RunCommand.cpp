@@ -4,6 +4,7 @@
 #include "tools/corvane/Process.h"
 #include "tools/corvane/TunedFolder.h"
 
+#include "base/Settings.h"
 #include "results/profile/ProfileFile.h"
 
 #include "llvm/Support/FileSystem.h"
@@ -35,9 +36,9 @@ int corvane::run(const RunOptions &options, const Program &program) {
   const std::string profile = absoluteFolder(options.folder);
   if (!isUsable(profile) || !requireLayer())
     return CommandFailed;
-  setVariable("CORVANE_PROFILE", profile);
+  setVariable(variable::profile, profile);
   if (options.summary)
-    setVariable("CORVANE_SUMMARY", "1");
+    setVariable(variable::summary, "1");
 
   const ProgramEnd end = become(program);
   if (!end.started)

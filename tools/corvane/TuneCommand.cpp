@@ -5,6 +5,8 @@
 #include "tools/corvane/TuneTable.h"
 #include "tools/corvane/TunedFolder.h"
 
+#include "base/Settings.h"
+
 #include "llvm/ADT/STLExtras.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
@@ -37,19 +39,19 @@ static bool prepareFolder(const std::string &folder) {
 
 static void setVariables(const std::string &folder,
                          const TuneOptions &options) {
-  setVariable("CORVANE_TUNE", folder);
+  setVariable(variable::tune, folder);
   if (!options.samples.empty())
-    setVariable("CORVANE_SAMPLES", options.samples);
+    setVariable(variable::samples, options.samples);
   if (!options.verify.empty())
-    setVariable("CORVANE_VERIFY", options.verify);
+    setVariable(variable::verify, options.verify);
   if (!options.seconds.empty())
-    setVariable("CORVANE_TUNE_SECONDS", options.seconds);
+    setVariable(variable::tuneSeconds, options.seconds);
 }
 
 // Why the program launched nothing that could be seen. Asks in a process of its
 // own, which drivers may end as they like.
 static void tellWhyNothingRan(const std::string &layer) {
-  removeVariable("CORVANE_TUNE");
+  removeVariable(variable::tune);
   switch (static_cast<LoaderAnswer>(
       runAndWait({ownProgram(), probeArgument, layer}).exitCode)) {
   case LoaderAnswer::IsMissing:
@@ -124,7 +126,7 @@ static void conclude(const std::string &folder, const TuneOptions &options,
 }
 
 int corvane::tune(const TuneOptions &options, const Program &program) {
-  if (llvm::sys::Process::GetEnv("CORVANE_AUTOTUNE")) {
+  if (llvm::sys::Process::GetEnv(variable::autotune)) {
     say("CORVANE_AUTOTUNE is set and would keep the program from being tuned: "
         "unset it");
     return CommandFailed;
