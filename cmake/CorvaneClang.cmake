@@ -19,7 +19,8 @@ find_path(CORVANE_CLANG_HEADERS clang/AST/ASTContext.h
           HINTS "${LLVM_INCLUDE_DIRS}" "${clang_root}/include" NO_DEFAULT_PATH
           DOC "Folder that holds clang/AST/ASTContext.h")
 find_library(CORVANE_CLANG_LIBRARY
-             NAMES clang-cpp libclang-cpp.so.${CORVANE_LLVM_VERSION}
+             NAMES clang-cpp libclang-cpp.so.${LLVM_VERSION_MAJOR}
+                   libclang-cpp.so.${LLVM_VERSION_MAJOR}.${LLVM_VERSION_MINOR}
              HINTS "${clang_root}/lib" NO_DEFAULT_PATH
              DOC "Clang's shared library")
 find_library(CORVANE_LLVM_LIBRARY NAMES LLVM-${CORVANE_LLVM_VERSION} LLVM

@@ -5,6 +5,7 @@
 #include "coarsening/Inline.h"
 #include "coarsening/KernelText.h"
 #include "coarsening/Preprocess.h"
+#include "coarsening/TextEnds.h"
 
 namespace corvane::coarsening {
 
@@ -39,8 +40,8 @@ static std::string indented(llvm::StringRef text) {
     const auto [line, rest] = text.split('\n');
     text = rest;
     const llvm::StringRef words = line.trim();
-    const bool closes = words.startswith("}");
-    if (!words.empty() && !words.startswith("#"))
+    const bool closes = startsWith(words, "}");
+    if (!words.empty() && !startsWith(words, "#"))
       result.append(2 * (depth - (closes && depth > 0 ? 1 : 0)), ' ');
     result += words;
     result += '\n';

@@ -3,6 +3,7 @@
 
 #include "coarsening/Identifiers.h"
 #include "coarsening/ProgramText.h"
+#include "coarsening/TextEnds.h"
 #include "coarsening/Walk.h"
 
 namespace corvane::coarsening {
@@ -39,7 +40,7 @@ NameSet identifiersOf(llvm::StringRef text) {
     }
     const llvm::StringRef word = text.drop_front(at).take_while(letter);
     const llvm::StringRef before = text.take_front(at).rtrim();
-    if (!before.endswith(".") && !before.endswith("->"))
+    if (!endsWith(before, ".") && !endsWith(before, "->"))
       names.insert(word.str());
     at += word.size();
   }

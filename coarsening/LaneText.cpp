@@ -2,6 +2,7 @@
 #include "coarsening/LaneText.h"
 
 #include "coarsening/Helpers.h"
+#include "coarsening/TextEnds.h"
 
 namespace corvane::coarsening {
 
@@ -261,7 +262,7 @@ Span LaneText::declaratorOf(const clang::VarDecl &variable) const {
   size_t at = before.size();
   for (;;) {
     const llvm::StringRef left = before.take_front(at).rtrim();
-    if (left.endswith("*") || left.endswith("(")) {
+    if (endsWith(left, "*") || endsWith(left, "(")) {
       at = left.size() - 1;
       span.begin = static_cast<unsigned>(at);
       continue;

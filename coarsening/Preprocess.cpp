@@ -3,6 +3,7 @@
 
 #include "coarsening/ClangHeaders.h"
 #include "coarsening/OpenClBaseHeader.h"
+#include "coarsening/TextEnds.h"
 
 #include "clang/Frontend/CompilerInstance.h"
 #include "clang/Frontend/FrontendAction.h"
@@ -30,8 +31,8 @@ static std::vector<std::string> headerConstants() {
     const llvm::StringRef name = text.ltrim().take_while(
         [](char c) { return llvm::isAlnum(c) || c == '_'; });
     const bool takesArguments =
-        text.ltrim().drop_front(name.size()).startswith("(");
-    const bool feature = name.startswith("cl_") || name.startswith("__");
+        startsWith(text.ltrim().drop_front(name.size()), "(");
+    const bool feature = startsWith(name, "cl_") || startsWith(name, "__");
     if (!name.empty() && !takesArguments && !feature)
       names.push_back(name.str());
   }
@@ -219,7 +220,7 @@ BuildOptions readBuildOptions(llvm::ArrayRef<std::string> words) {
   for (size_t i = 0; i < words.size(); ++i) {
     const llvm::StringRef word = words[i];
     const bool joined = word.size() > 2;
-    if (word.startswith("-D") || word.startswith("-I")) {
+    if (startsWith(word, "-D") || startsWith(word, "-I")) {
       options.preprocessing.push_back(word.substr(0, 2).str());
       if (joined)
         options.preprocessing.push_back(word.drop_front(2).str());
@@ -227,7 +228,7 @@ BuildOptions readBuildOptions(llvm::ArrayRef<std::string> words) {
         options.preprocessing.push_back(words[++i]);
       else
         options.preprocessing.pop_back();
-    } else if (word.startswith("-cl-std=")) {
+    } else if (startsWith(word, "-cl-std=")) {
       options.language.front() = word.str();
     } else if (word == "-cl-single-precision-constant" ||
                word == "-cl-fast-relaxed-math") {

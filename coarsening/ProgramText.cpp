@@ -1,5 +1,6 @@
 // From places in a syntax tree to offsets in the text.
 #include "coarsening/ProgramText.h"
+#include "coarsening/TextEnds.h"
 
 namespace corvane::coarsening {
 
@@ -46,7 +47,7 @@ Span ProgramText::spanOf(clang::SourceRange range) const {
 static unsigned beginOfPragma(llvm::StringRef text, unsigned begin) {
   const size_t line = text.rfind('\n', begin);
   const size_t first = line == llvm::StringRef::npos ? 0 : line + 1;
-  const bool pragma = text.slice(first, begin).ltrim().startswith("#pragma");
+  const bool pragma = startsWith(text.slice(first, begin).ltrim(), "#pragma");
   return pragma ? static_cast<unsigned>(first) : begin;
 }
 

@@ -1,5 +1,6 @@
 // corvane-coarsen: prints a program with variants of its kernels.
 #include "coarsening/Coarsener.h"
+#include "coarsening/TextEnds.h"
 
 #include "llvm/Support/CommandLine.h"
 #include "llvm/Support/FileSystem.h"
@@ -66,7 +67,7 @@ static std::optional<Request> readRequest(llvm::ArrayRef<const char *> words) {
       request.analysis = true;
       continue;
     }
-    if (!word.startswith("--")) {
+    if (!startsWith(word, "--")) {
       if (!request.file.empty())
         return std::nullopt;
       request.file = word.str();
