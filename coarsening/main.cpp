@@ -143,8 +143,8 @@ static std::string analysisOf(const Coarsened &result) {
 }
 
 int main(int argc, char **argv) {
-  const std::optional<Request> request =
-      readRequest(llvm::makeArrayRef(argv + 1, static_cast<size_t>(argc - 1)));
+  const std::optional<Request> request = readRequest(
+      llvm::ArrayRef<const char *>(argv + 1, static_cast<size_t>(argc - 1)));
   if (!request) {
     llvm::errs() << usage;
     return 2;
