@@ -73,7 +73,7 @@ function(corvane_test name)
   # The first program under Wine waits until Wine has made its prefix.
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
                        DISCOVERY_TIMEOUT 300
-                       PROPERTIES TIMEOUT 120 ${arg_PROPERTIES})
+                       PROPERTIES TIMEOUT 900 ${arg_PROPERTIES})
 endfunction()
 
 # Compiling a kernel leaks memory of the OpenCL runtime's own. For tests that run
@@ -96,7 +96,7 @@ function(corvane_compile_kernels_first name filter variable)
   endif()
   add_test(NAME ${name}.CompileKernels COMMAND ${name} "--gtest_filter=${filter}")
   set_tests_properties(${name}.CompileKernels PROPERTIES
-    TIMEOUT 300 FIXTURES_SETUP ${name}_kernels)
+    TIMEOUT 900 FIXTURES_SETUP ${name}_kernels)
   corvane_without_leak_check(${name}.CompileKernels)
   set(${variable} FIXTURES_REQUIRED ${name}_kernels PARENT_SCOPE)
 endfunction()

@@ -21,7 +21,7 @@ for preset; do :; done
 # "PRESET.failures" tests of seven fail, one is skipped.
 CTEST = """#!/bin/sh
 failures=$(cat "$STUBS/$2.failures" 2>/dev/null || echo 0)
-echo "$2 ran"
+echo "$2 ran, with $*"
 echo "<testsuite tests='7' failures='$failures' disabled='0' skipped='1'/>" >"$4"
 [ "$failures" = 0 ] || exit 8
 """
@@ -45,7 +45,7 @@ class Results(unittest.TestCase):
         environment = {**os.environ, "STUBS": str(self.stubs),
                        "PATH": f"{self.stubs}:{os.environ['PATH']}"}
         return subprocess.run([self.tree / "scripts/test", *presets], text=True,
-                              env=environment, capture_output=True, timeout=100,
+                              env=environment, capture_output=True, timeout=600,
                               check=False)
 
     def table(self, run):
@@ -60,6 +60,12 @@ class Results(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stderr)
         self.assertEqual(self.table(run), [["release", "6", "0", "1"]])
         self.assertIn("scripts/test --all", run.stdout)
+
+    def test_slow_tests_are_left_out_only_where_nothing_is_named(self):
+        leave_out = "--label-exclude slow"
+        self.assertIn(leave_out, self.run_script().stdout)
+        self.assertNotIn(leave_out, self.run_script("release").stdout)
+        self.assertNotIn(leave_out, self.run_script("--all").stdout)
 
     def test_a_test_that_fails_does_not_stop_the_other_presets(self):
         (self.stubs / "asan.failures").write_text("2")

@@ -82,7 +82,7 @@ private:
 static int exitCodeOfFork(Application &app) {
   const pid_t child = fork();
   if (child == 0) {
-    alarm(100);
+    alarm(600);
     std::exit(app.callsSucceed() ? EXIT_SUCCESS : EXIT_FAILURE);
   }
   int status = 0;

@@ -56,7 +56,7 @@ static bool callsSucceed(const cl_icd_dispatch &cl, cl_command_queue queue) {
 static int exitCodeOfFork(const cl_icd_dispatch &cl, cl_command_queue queue) {
   const pid_t child = fork();
   if (child == 0) {
-    alarm(100);
+    alarm(600);
     std::_Exit(callsSucceed(cl, queue) ? EXIT_SUCCESS : EXIT_FAILURE);
   }
   int status = 0;
