@@ -78,8 +78,7 @@ private:
 static std::shared_ptr<LaunchRecord> describe(LaunchHistory &history,
                                               const KernelRecord &record,
                                               const LaunchSizes &sizes) {
-  return history.makeRecord(
-      makeLaunchKey(record.name(), sizes.workDim, sizes.global, sizes.local));
+  return history.makeRecord(makeLaunchKey(record.name(), sizes));
 }
 
 AutotuneLaunch::AutotuneLaunch(AgentState &agentState,

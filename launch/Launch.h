@@ -3,6 +3,7 @@
 #pragma once
 
 #include "agent/RuntimeTable.h"
+#include "results/LaunchSizes.h"
 
 #include <CL/cl.h>
 
@@ -42,17 +43,6 @@ inline cl_int enqueue(const Launch &launch) {
   return enqueueAs(launch, launch.kernel, launch.globalSize, launch.localSize);
 }
 
-/// One entry a dimension; those from the launch's dimensions on are zero.
-using Sizes = std::array<std::size_t, 3>;
-
-/// The dimensions and sizes of a launch, as variants look at them: a size that
-/// the application does not give is zero.
-struct LaunchSizes {
-  cl_uint workDim = 0;
-  Sizes global{};
-  Sizes local{};
-};
-
 /// The ND range with which a variant is launched.
 struct VariantRange {
   Sizes global{};
@@ -82,7 +72,7 @@ inline bool hasTooManyDimensions(const Launch &launch) {
 /// have no dimensions, no global size, or a local size of zero.
 inline LaunchSizes sizesOf(const Launch &launch) {
   LaunchSizes sizes;
-  sizes.workDim = launch.workDim;
+  sizes.dimensions = launch.workDim;
   for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d) {
     sizes.global[d] = launch.globalSize ? launch.globalSize[d] : 0;
     sizes.local[d] = launch.localSize ? launch.localSize[d] : 0;

@@ -26,7 +26,7 @@ static Refusal refusalOfAll(const KernelRecord &record, const Launch &launch) {
 static Refusal refusalOfSizes(const llvm::TransformedKernel &conditions,
                               const LaunchSizes &sizes) {
   const llvm::Transform *rejecting = conditions.findRejecting(
-      sizes.workDim, sizes.global.data(), sizes.local.data());
+      sizes.dimensions, sizes.global.data(), sizes.local.data());
   if (rejecting)
     return {Reason::RejectedSizes, rejecting};
   return {Reason::NoGlobalSize};
@@ -102,7 +102,7 @@ std::vector<VariantChoice> corvane::variantsToTune(KernelRecord &record,
 
 static void writeSizes(llvm::raw_ostream &text, const LaunchSizes &sizes) {
   const auto write = [&](const Sizes &of) {
-    for (std::size_t d = 0; d != sizes.workDim && d != of.size(); ++d)
+    for (std::size_t d = 0; d != sizes.dimensions && d != of.size(); ++d)
       text << (d == 0 ? "" : "x") << of[d];
   };
   text << "global size ";
@@ -139,7 +139,7 @@ std::string corvane::explain(const Refusal &refusal, const LaunchSizes &sizes) {
     text << "the kernel has an argument that variants cannot get";
     break;
   case Reason::TooManyDimensions:
-    text << "the launch has " << sizes.workDim << " dimensions";
+    text << "the launch has " << sizes.dimensions << " dimensions";
     break;
   case Reason::ZeroLocalSize:
     text << "the launch has a local size of zero";

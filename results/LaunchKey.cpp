@@ -16,20 +16,17 @@ bool LaunchKey::operator==(const LaunchKey &other) const {
 }
 
 LaunchKey corvane::makeLaunchKey(const std::string &kernel,
-                                 std::uint32_t workDim,
-                                 const std::array<std::size_t, 3> &globalSize,
-                                 const std::array<std::size_t, 3> &localSize) {
-  const auto text = [workDim](const std::array<std::size_t, 3> &sizes,
-                              std::size_t d) {
-    return d < workDim ? std::to_string(sizes[d]) : std::string();
+                                 const LaunchSizes &sizes) {
+  const auto text = [&sizes](const Sizes &of, std::size_t d) {
+    return d < sizes.dimensions ? std::to_string(of[d]) : std::string();
   };
   return {kernel,
-          text(globalSize, 0),
-          text(globalSize, 1),
-          text(globalSize, 2),
-          text(localSize, 0),
-          text(localSize, 1),
-          text(localSize, 2)};
+          text(sizes.global, 0),
+          text(sizes.global, 1),
+          text(sizes.global, 2),
+          text(sizes.local, 0),
+          text(sizes.local, 1),
+          text(sizes.local, 2)};
 }
 
 std::string corvane::joinedFields(const LaunchKey &key, char separator) {

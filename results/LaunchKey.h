@@ -2,9 +2,10 @@
 
 #pragma once
 
+#include "results/LaunchSizes.h"
+
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -36,10 +37,9 @@ struct LaunchKey {
   bool operator!=(const LaunchKey &other) const { return !(*this == other); }
 };
 
-/// The key of a launch in \p workDim dimensions, of which three at most count.
-LaunchKey makeLaunchKey(const std::string &kernel, std::uint32_t workDim,
-                        const std::array<std::size_t, 3> &globalSize,
-                        const std::array<std::size_t, 3> &localSize);
+/// The key of a launch. Of its dimensions three at most count; it may have
+/// none.
+LaunchKey makeLaunchKey(const std::string &kernel, const LaunchSizes &sizes);
 
 /// The fields with \p separator between them: "k,1024,,,64,,".
 std::string joinedFields(const LaunchKey &key, char separator);

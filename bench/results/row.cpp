@@ -22,7 +22,7 @@ static constexpr const char *row = "k,1024,1024,,16,16,,g0S4,12.345\n";
 
 static std::shared_ptr<LaunchRecord> someLaunch(LaunchHistory &history) {
   auto launch =
-      history.makeRecord(makeLaunchKey("k", 2, {1024, 1024, 0}, {16, 16, 0}));
+      history.makeRecord(makeLaunchKey("k", {2, {1024, 1024, 0}, {16, 16, 0}}));
   const std::lock_guard<std::mutex> lock(history.lock);
   launch->timings.push_back({&history.shared("g0S4"), 12345});
   return launch;

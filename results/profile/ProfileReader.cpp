@@ -4,6 +4,7 @@
 
 #include "results/runs/Json.h"
 #include "results/runs/RunReader.h"
+#include "results/runs/SizeFields.h"
 
 using namespace corvane;
 namespace json = llvm::json;

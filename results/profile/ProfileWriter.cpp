@@ -4,6 +4,7 @@
 
 #include "results/runs/Json.h"
 #include "results/runs/RunWriter.h"
+#include "results/runs/SizeFields.h"
 
 #include "llvm/Support/raw_ostream.h"
 

@@ -3,6 +3,7 @@
 #include "results/runs/LineFields.h"
 
 #include "results/runs/RunReader.h"
+#include "results/runs/SizeFields.h"
 
 #include <algorithm>
 #include <limits>

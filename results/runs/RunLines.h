@@ -9,7 +9,7 @@
 
 #pragma once
 
-#include "results/runs/LaunchSizes.h"
+#include "results/LaunchSizes.h"
 
 #include <cstdint>
 #include <optional>

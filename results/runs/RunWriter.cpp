@@ -3,6 +3,7 @@
 #include "results/runs/RunWriter.h"
 
 #include "results/runs/Json.h"
+#include "results/runs/SizeFields.h"
 
 #include "llvm/Support/raw_ostream.h"
 

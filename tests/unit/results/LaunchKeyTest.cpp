@@ -11,7 +11,7 @@ using namespace corvane;
 static std::string fieldsOf(const std::string &kernel, std::uint32_t workDim,
                             const std::array<std::size_t, 3> &global,
                             const std::array<std::size_t, 3> &local) {
-  return joinedFields(makeLaunchKey(kernel, workDim, global, local), ',');
+  return joinedFields(makeLaunchKey(kernel, {workDim, global, local}), ',');
 }
 
 TEST(LaunchKey, LeavesDimensionsEmptyThatTheLaunchDoesNotHave) {
@@ -36,14 +36,14 @@ TEST(LaunchKey, HasSizesOfAnyMagnitude) {
 }
 
 TEST(LaunchKey, IsSplitAsItWasJoined) {
-  const LaunchKey key = makeLaunchKey("k", 3, {8, 7, 6}, {4, 3, 2});
+  const LaunchKey key = makeLaunchKey("k", {3, {8, 7, 6}, {4, 3, 2}});
   EXPECT_EQ(splitFields(joinedFields(key, ',')), key);
   EXPECT_EQ(splitFields("k,1"), (LaunchKey{"k", "1", "", "", "", "", ""}));
   EXPECT_EQ(splitFields("k,1,2,3,4,5,6,7").zLocal, "6,7");
 }
 
 TEST(LaunchKey, DiffersByAnyField) {
-  const LaunchKey key = makeLaunchKey("k", 3, {8, 7, 6}, {4, 3, 2});
+  const LaunchKey key = makeLaunchKey("k", {3, {8, 7, 6}, {4, 3, 2}});
   for (std::size_t i = 0; i != LaunchKey::fieldCount; ++i) {
     LaunchKey other = key;
     EXPECT_EQ(other, key);

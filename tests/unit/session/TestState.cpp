@@ -41,7 +41,7 @@ LaunchRecord &TestState::addLaunch(const std::string &kernel,
                                    std::array<std::size_t, 3> globalSize,
                                    std::array<std::size_t, 3> localSize) {
   const std::shared_ptr<LaunchRecord> record = launches->makeRecord(
-      makeLaunchKey(kernel, workDim, globalSize, localSize));
+      makeLaunchKey(kernel, {workDim, globalSize, localSize}));
   const std::lock_guard<std::mutex> lock(launches->lock);
   launches->records.push_back(record);
   return *record;

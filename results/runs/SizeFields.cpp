@@ -1,42 +1,13 @@
-// Compares, shows, writes and reads the sizes of a launch.
+// Writes and reads the lists "global" and "local".
 
-#include "results/runs/LaunchSizes.h"
+#include "results/runs/SizeFields.h"
 
 #include "results/runs/Json.h"
 
 #include <algorithm>
-#include <tuple>
 
 using namespace corvane;
 namespace json = llvm::json;
-
-using Sizes = std::array<std::uint64_t, 3>;
-
-static auto tied(const LaunchSizes &sizes) {
-  return std::tie(sizes.dimensions, sizes.global, sizes.local);
-}
-
-bool corvane::operator==(const LaunchSizes &left, const LaunchSizes &right) {
-  return tied(left) == tied(right);
-}
-
-bool corvane::operator<(const LaunchSizes &left, const LaunchSizes &right) {
-  return tied(left) < tied(right);
-}
-
-static std::string joined(const Sizes &sizes, std::uint32_t dimensions) {
-  std::string text = std::to_string(sizes[0]);
-  for (std::uint32_t i = 1; i != std::clamp(dimensions, 1U, 3U); ++i)
-    text += "x" + std::to_string(sizes[i]);
-  return text;
-}
-
-std::string corvane::sizesText(const LaunchSizes &sizes) {
-  std::string text = joined(sizes.global, sizes.dimensions);
-  if (sizes.hasLocal())
-    text += " / " + joined(sizes.local, sizes.dimensions);
-  return text;
-}
 
 static void writeList(json::OStream &out, const Sizes &sizes,
                       std::uint32_t dimensions) {
