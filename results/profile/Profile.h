@@ -1,7 +1,7 @@
 // What tuning has decided, for launches to come. Data only.
 //
-// A profile is the file "profile.json": devices, programs, and for each kernel
-// and sizes that were measured the version to use.
+// A profile is a file with devices, programs, and for each kernel and sizes
+// that were measured the version to use.
 
 #pragma once
 
@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace corvane {
@@ -26,8 +27,15 @@ struct ProfileDevice {
   std::string driver; ///< CL_DRIVER_VERSION
 };
 
-bool operator==(const ProfileDevice &left, const ProfileDevice &right);
-bool operator<(const ProfileDevice &left, const ProfileDevice &right);
+inline auto inOrder(const ProfileDevice &device) {
+  return std::tie(device.name, device.vendor, device.driver);
+}
+inline bool operator==(const ProfileDevice &left, const ProfileDevice &right) {
+  return inOrder(left) == inOrder(right);
+}
+inline bool operator<(const ProfileDevice &left, const ProfileDevice &right) {
+  return inOrder(left) < inOrder(right);
+}
 
 /// How the comparisons of a version with the original went, all together.
 enum class Agreement {

@@ -11,9 +11,6 @@
 
 namespace corvane {
 
-/// The name of a profile in a tuned folder.
-inline constexpr const char *profileFileName = "profile.json";
-
 /// How files and tables call an agreement.
 const char *agreementText(Agreement check);
 

@@ -1,6 +1,6 @@
 // The lines of a run record: what one process told of its tuning. Data only.
 //
-// A run record is the file "run.jsonl" of one process, one JSON object a line.
+// A run record is the file of one process, one JSON object a line.
 // Numbers that name a device, a program or a configuration hold within one
 // record; each line comes after the lines that it refers to.
 //

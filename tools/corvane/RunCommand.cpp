@@ -5,6 +5,7 @@
 #include "tools/corvane/TunedFolder.h"
 
 #include "base/Settings.h"
+#include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"
 
 #include "llvm/Support/FileSystem.h"
@@ -18,7 +19,7 @@ static constexpr std::uint64_t profileLimit = std::uint64_t(256) << 20;
 // The library would say the same, but only once the program runs.
 static bool isUsable(const std::string &profile) {
   const std::string file =
-      fs::is_directory(profile) ? profile + "/" + profileFileName : profile;
+      fs::is_directory(profile) ? profile + "/" + resultFile::profile : profile;
   if (!fs::exists(file)) {
     say(file + " is not there: make it by corvane tune -- PROGRAM, or name "
                "another with --profile");

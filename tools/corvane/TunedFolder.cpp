@@ -2,6 +2,7 @@
 
 #include "tools/corvane/TunedFolder.h"
 
+#include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"
 #include "tools/corvane/Command.h"
 
@@ -38,7 +39,9 @@ std::string corvane::absoluteFolder(const std::string &folder) {
 std::set<std::string> corvane::runNames(const std::string &folder) {
   std::set<std::string> names;
   std::error_code error;
-  for (fs::directory_iterator entry(joined(folder, "runs"), error), end;
+  for (fs::directory_iterator
+           entry(joined(folder, resultFile::runFolder), error),
+       end;
        !error && entry != end; entry.increment(error))
     names.insert(path::filename(entry->path()).str());
   return names;
@@ -78,7 +81,8 @@ std::vector<RunRecord> corvane::readRuns(const std::string &folder,
                                          const std::set<std::string> &names) {
   std::vector<RunRecord> runs;
   for (const std::string &name : names) {
-    const std::string file = joined(folder, "runs", name, "run.jsonl");
+    const std::string file =
+        joined(folder, resultFile::runFolder, name, resultFile::runRecord);
     llvm::Expected<std::string> text = readRegularFile(file, recordLimit);
     if (!text) {
       say(file + ": " + llvm::toString(text.takeError()));
@@ -104,7 +108,7 @@ llvm::Error corvane::writeProfile(const std::string &folder,
   std::error_code error = out.error();
   out.clear_error();
   if (!error)
-    error = fs::rename(temporary, joined(folder, profileFileName));
+    error = fs::rename(temporary, joined(folder, resultFile::profile));
   if (error)
     fs::remove(temporary);
   return llvm::errorCodeToError(error);
