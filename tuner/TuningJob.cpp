@@ -75,7 +75,7 @@ TuningEnd TuningJob::measure() {
   return TuningEnd::Measured;
 }
 
-Owned<cl_event> TuningJob::enqueue(const TunedVersion &version) const {
+Owned<cl_event> TuningJob::enqueue(const MeasuredVersion &version) const {
   cl_event event = nullptr;
   const cl_int status = runtime().clEnqueueNDRangeKernel(
       launch.queue.get(), version.kernel.get(), launch.workDim,

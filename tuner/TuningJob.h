@@ -34,7 +34,7 @@ struct TuningBudget {
 
 /// One version of a kernel, ready to run: a kernel object of its own, with the
 /// launch's arguments.
-struct TunedVersion {
+struct MeasuredVersion {
   std::string name; ///< spec text; empty: the application's kernel
   Owned<cl_kernel> kernel;
   std::array<std::size_t, 3> global{};
@@ -52,8 +52,9 @@ struct TunedLaunch {
   Owned<cl_command_queue> queue; ///< of the agent's own, with profiling
   cl_uint workDim = 1;
   std::optional<std::array<std::size_t, 3>> globalOffset;
-  std::vector<TunedVersion> versions; ///< the application's kernel is the first
-  std::vector<TunedBuffer> buffers;   ///< each once
+  std::vector<MeasuredVersion>
+      versions;                     ///< the application's kernel is the first
+  std::vector<TunedBuffer> buffers; ///< each once
   std::vector<Owned<cl_mem>> otherMemory; ///< that kernels only read
   std::vector<Owned<cl_sampler>> samplers;
   /// The application's own run waits for it. Completed when the buffers are as
@@ -101,7 +102,7 @@ private:
   bool makeRun(const PlannedRun &run);
   bool checkRun(const PlannedRun &run);
   std::optional<double> timeOf(cl_event event) const;
-  Owned<cl_event> enqueue(const TunedVersion &version) const;
+  Owned<cl_event> enqueue(const MeasuredVersion &version) const;
   void letGo();
 
   TunedLaunch launch;
