@@ -31,6 +31,17 @@ bool otherThreadsAreGone();
 /// Creates one directory level. Returns true also if it existed already.
 bool createDirectory(const char *path);
 
+enum class NewDirectory {
+  Made,
+  NameIsTaken, ///< by whatever: nothing was changed
+  NotMade,
+};
+/// Creates one directory level that was not there before.
+NewDirectory createNewDirectory(const char *path);
+
+/// The name of this computer in its network; empty if the system does not tell.
+std::string hostName();
+
 /// The current folder, absolute; empty if it is unknown or cannot be reached by
 /// its name.
 std::string currentFolder();

@@ -2,6 +2,7 @@
 
 #include "base/Platform.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -32,6 +33,19 @@ bool platform::otherThreadsAreGone() { return false; }
 
 bool platform::createDirectory(const char *path) {
   return mkdir(path, 0777) == 0 || errno == EEXIST;
+}
+
+platform::NewDirectory platform::createNewDirectory(const char *path) {
+  if (mkdir(path, 0777) == 0)
+    return NewDirectory::Made;
+  return errno == EEXIST ? NewDirectory::NameIsTaken : NewDirectory::NotMade;
+}
+
+std::string platform::hostName() {
+  std::array<char, 256> name{};
+  // A longer name is cut off, perhaps without a zero at its end.
+  (void)gethostname(name.data(), name.size() - 1);
+  return name.data();
 }
 
 std::string platform::currentFolder() {

@@ -4,6 +4,7 @@
 
 #include "llvm/ADT/StringRef.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -40,6 +41,20 @@ bool platform::otherThreadsAreGone() {
 
 bool platform::createDirectory(const char *path) {
   return _mkdir(path) == 0 || errno == EEXIST;
+}
+
+platform::NewDirectory platform::createNewDirectory(const char *path) {
+  if (_mkdir(path) == 0)
+    return NewDirectory::Made;
+  return errno == EEXIST ? NewDirectory::NameIsTaken : NewDirectory::NotMade;
+}
+
+std::string platform::hostName() {
+  std::array<char, 256> name{};
+  DWORD length = name.size();
+  const bool known = GetComputerNameExA(ComputerNameDnsHostname, name.data(),
+                                        &length) != FALSE;
+  return known ? name.data() : "";
 }
 
 std::string platform::currentFolder() {
