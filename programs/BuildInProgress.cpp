@@ -3,6 +3,7 @@
 #include "programs/BuildInProgress.h"
 
 #include "agent/AgentState.h"
+#include "programs/ProgramIdentity.h"
 #include "programs/VariantDiscovery.h"
 
 #include <utility>
@@ -38,12 +39,14 @@ BuildInProgress *BuildInProgress::otherOfProgram() const {
 
 void BuildInProgress::finish(bool collects) {
   AgentGuard guard;
+  AgentState *state = agentState();
+  if (state)
+    forgetProgramHash(*state, program);
   unsigned collections = std::exchange(owedCollections, 0) + (collects ? 1 : 0);
   if (BuildInProgress *other = otherOfProgram()) {
     other->owedCollections += collections;
     return;
   }
-  AgentState *state = agentState();
   for (; state && collections != 0; --collections)
     collectKernels(*state, program);
 }

@@ -39,7 +39,9 @@ public:
   Addition(AgentState &ofState, cl_program program)
       : state(ofState), record(findOrAddProgram(ofState, program)),
         groupsBefore(record.kernelGroups.size()),
-        namesBefore(record.kernelNames.size()) {}
+        namesBefore(record.kernelNames.size()) {
+    record.hashes.clear(); // of an older build, or of an older program
+  }
   ~Addition() {
     if (complete)
       return;

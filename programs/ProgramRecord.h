@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,9 @@ struct ProgramRecord {
 
   /// The oldest group of each name; names and groups are in kernelGroups.
   std::map<std::string_view, KernelGroup *> groupsByName;
+
+  /// What programHash has found, for each device; only under the agent lock.
+  std::map<cl_device_id, std::optional<std::string>> hashes;
 };
 
 /// The record of \p program with one reference more, or a new one. Hold the
