@@ -2,14 +2,14 @@
 
 #include "layer/CommandsInFlight.h"
 
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <utility>
 
 using namespace corvane::layer;
 
 CommandsInFlight &corvane::layer::commandsInFlight() {
-  return everlasting<CommandsInFlight>();
+  return neverDestroyed<CommandsInFlight>();
 }
 
 std::optional<bool> CommandsInFlight::askForOrder(cl_command_queue queue) {

@@ -3,7 +3,7 @@
 
 #include "layer/HeldEvent.h"
 
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <mutex>
 #include <unordered_map>
@@ -17,7 +17,7 @@ struct HoldCounts {
 };
 } // namespace
 
-static HoldCounts &holds() { return everlasting<HoldCounts>(); }
+static HoldCounts &holds() { return neverDestroyed<HoldCounts>(); }
 
 HeldEvent::HeldEvent(cl_event heldEvent) : event(heldEvent) {
   HoldCounts &all = holds();

@@ -68,7 +68,7 @@ void corvane::layer::noteHiddenKernels(cl_program program) {
     std::sort(hidden.begin(), hidden.end());
   }
   programs().edit(program,
-                  [&](ProgramNotes &notes) { notes.hidden.swap(hidden); });
+                  [&](ProgramInfo &info) { info.hidden.swap(hidden); });
 }
 
 Names corvane::layer::hiddenKernels(cl_program program) {

@@ -20,20 +20,20 @@ static cl_kernel CL_API_CALL create(cl_program program, const char *name,
   std::remove_copy(created.all.begin(), created.all.end(),
                    std::back_inserter(kept), kernel);
   for (cl_kernel each : kept)
-    kernels().edit(each, [&](KernelNotes &notes) { notes.owner = owner; });
-  kernels().edit(kernel, [&](KernelNotes &notes) { notes.kept.swap(kept); });
+    kernels().edit(each, [&](KernelInfo &info) { info.owner = owner; });
+  kernels().edit(kernel, [&](KernelInfo &info) { info.kept.swap(kept); });
   return kernel;
 }
 
 static cl_int CL_API_CALL release(cl_kernel kernel) {
-  const KernelNotes notes = kernels().read(kernel);
+  const KernelInfo info = kernels().read(kernel);
   const cl_int status = agent().clReleaseKernel(kernel);
   // By now the handle may be another kernel's, and so may those of the others.
-  if (status != CL_SUCCESS || kernels().read(kernel).number == notes.number)
+  if (status != CL_SUCCESS || kernels().read(kernel).number == info.number)
     return status;
-  for (cl_kernel each : notes.kept)
-    if (kernels().close(each, [&](const KernelNotes &found) {
-          return found.owner == notes.number;
+  for (cl_kernel each : info.kept)
+    if (kernels().erase(each, [&](const KernelInfo &found) {
+          return found.owner == info.number;
         }))
       (void)runtime().clReleaseKernel(each);
   return status;

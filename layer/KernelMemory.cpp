@@ -2,7 +2,7 @@
 
 #include "layer/KernelMemory.h"
 
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 #include "layer/SvmKernels.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ struct GivenMemory {
 } // namespace
 
 static auto &kernelsWithMemory() {
-  return everlasting<ObjectBook<cl_kernel, GivenMemory>>();
+  return neverDestroyed<ObjectTable<cl_kernel, GivenMemory>>();
 }
 
 static const cl_icd_dispatch *next = nullptr;
@@ -37,7 +37,7 @@ static cl_kernel CL_API_CALL create(cl_program program, const char *name,
                                     cl_int *errcodeRet) {
   cl_kernel kernel = next->clCreateKernel(program, name, errcodeRet);
   if (kernel)
-    kernelsWithMemory().open(kernel, {});
+    kernelsWithMemory().insert(kernel, {});
   return kernel;
 }
 
@@ -51,14 +51,14 @@ static cl_int CL_API_CALL createAll(cl_program program, cl_uint room,
   if (countRet)
     *countRet = count;
   for (cl_uint i = 0; created && i < std::min(count, room); ++i)
-    kernelsWithMemory().open(created[i], {});
+    kernelsWithMemory().insert(created[i], {});
   return status;
 }
 
 static cl_kernel CL_API_CALL clone(cl_kernel source, cl_int *errcodeRet) {
   cl_kernel kernel = next->clCloneKernel(source, errcodeRet);
   if (kernel && kernelsWithMemory().has(source))
-    kernelsWithMemory().open(kernel, kernelsWithMemory().read(source));
+    kernelsWithMemory().insert(kernel, kernelsWithMemory().read(source));
   return kernel;
 }
 

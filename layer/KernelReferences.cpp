@@ -9,8 +9,8 @@
 
 using namespace corvane::layer;
 
-ObjectBook<cl_kernel, KernelNotes> &corvane::layer::kernels() {
-  return everlasting<ObjectBook<cl_kernel, KernelNotes>>();
+ObjectTable<cl_kernel, KernelInfo> &corvane::layer::kernels() {
+  return neverDestroyed<ObjectTable<cl_kernel, KernelInfo>>();
 }
 
 static thread_local CreatedKernels *creating = nullptr;
@@ -21,9 +21,9 @@ CreatedKernels::~CreatedKernels() { creating = nullptr; }
 
 static void enter(cl_kernel kernel) {
   static std::atomic<std::uint64_t> lastNumber{0};
-  KernelNotes notes;
-  notes.number = ++lastNumber;
-  kernels().open(kernel, std::move(notes));
+  KernelInfo info;
+  info.number = ++lastNumber;
+  kernels().insert(kernel, std::move(info));
 }
 
 static cl_kernel CL_API_CALL create(cl_program program, const char *name,

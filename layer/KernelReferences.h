@@ -3,7 +3,7 @@
 #pragma once
 
 #include "layer/LayerTable.h"
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <cstdint>
 #include <vector>
@@ -11,7 +11,7 @@
 namespace corvane::layer {
 
 /// A kernel of the application's, or one that the agent keeps beside it.
-struct KernelNotes {
+struct KernelInfo {
   std::uint64_t number = 0; ///< of this kernel alone; handles come again
   std::uint64_t owner = 0;  ///< the number of the kernel it is kept for, if any
   std::vector<cl_kernel> kept; ///< for this one
@@ -19,7 +19,7 @@ struct KernelNotes {
 };
 
 /// The kernels that application and agent have created and not released.
-ObjectBook<cl_kernel, KernelNotes> &kernels();
+ObjectTable<cl_kernel, KernelInfo> &kernels();
 
 /// Notes what is created on this thread below the agent while it lives. There
 /// is one at a time on a thread.

@@ -17,12 +17,12 @@ namespace corvane::layer {
 class BeingBuilt {
 public:
   explicit BeingBuilt(cl_program builtProgram) : program(builtProgram) {
-    programs().edit(program, [](ProgramNotes &notes) { ++notes.builds; });
+    programs().edit(program, [](ProgramInfo &info) { ++info.builds; });
   }
   ~BeingBuilt() {
-    programs().edit(program, [](ProgramNotes &notes) {
-      if (notes.builds != 0)
-        --notes.builds;
+    programs().edit(program, [](ProgramInfo &info) {
+      if (info.builds != 0)
+        --info.builds;
     });
   }
   BeingBuilt(const BeingBuilt &) = delete;

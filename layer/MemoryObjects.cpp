@@ -2,14 +2,14 @@
 
 #include "layer/MemoryObjects.h"
 
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <algorithm>
 
 using namespace corvane::layer;
 
 namespace {
-struct MemoryNotes {
+struct MemoryInfo {
   cl_mem whole = nullptr; ///< what it is a part of, or itself
 };
 
@@ -25,10 +25,10 @@ struct Maps {
 } // namespace
 
 static auto &objects() {
-  return everlasting<ObjectBook<cl_mem, MemoryNotes>>();
+  return neverDestroyed<ObjectTable<cl_mem, MemoryInfo>>();
 }
 
-static Maps &maps() { return everlasting<Maps>(); }
+static Maps &maps() { return neverDestroyed<Maps>(); }
 
 static cl_mem wholeOf(cl_mem object) {
   const cl_mem known = objects().read(object).whole;
@@ -99,7 +99,7 @@ static cl_mem askForParent(cl_mem object) {
 static void enter(cl_mem object, bool mayBePart) {
   const cl_mem parent = mayBePart ? askForParent(object) : nullptr;
   forgetMaps(object);
-  objects().open(object, {parent ? wholeOf(parent) : object});
+  objects().insert(object, {parent ? wholeOf(parent) : object});
 }
 
 namespace {

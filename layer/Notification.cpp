@@ -3,7 +3,7 @@
 #include "layer/Notification.h"
 
 #include "layer/LayerTable.h"
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <unordered_map>
 #include <utility>
@@ -36,7 +36,7 @@ struct Attempts {
 };
 } // namespace
 
-static Attempts &attempts() { return everlasting<Attempts>(); }
+static Attempts &attempts() { return neverDestroyed<Attempts>(); }
 
 void Notification::Releaser::operator()(cl_program program) const {
   runtime().clReleaseProgram(program);

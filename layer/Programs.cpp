@@ -6,8 +6,8 @@
 
 using namespace corvane::layer;
 
-ObjectBook<cl_program, ProgramNotes> &corvane::layer::programs() {
-  return everlasting<ObjectBook<cl_program, ProgramNotes>>();
+ObjectTable<cl_program, ProgramInfo> &corvane::layer::programs() {
+  return neverDestroyed<ObjectTable<cl_program, ProgramInfo>>();
 }
 
 // The agent drops a record when a program is released. The reference that goes
@@ -18,7 +18,7 @@ void corvane::layer::forgetBuilds(cl_program program) {
 }
 
 void corvane::layer::enterNewProgram(cl_program program) {
-  if (programs().open(program, ProgramNotes()))
+  if (programs().insert(program, ProgramInfo()))
     forgetBuilds(program);
 }
 
@@ -30,7 +30,7 @@ void corvane::layer::enterUnseenProgram(cl_program program) {
       runtime().clGetProgramInfo(program, CL_PROGRAM_REFERENCE_COUNT,
                                  sizeof references, &references, nullptr);
   if (status == CL_SUCCESS)
-    programs().open(program, ProgramNotes(), std::max(references, 1u));
+    programs().insert(program, ProgramInfo(), std::max(references, 1u));
 }
 
 static cl_program entered(cl_program program) {

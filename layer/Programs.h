@@ -3,7 +3,7 @@
 #pragma once
 
 #include "layer/LayerTable.h"
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <string>
 #include <vector>
@@ -11,7 +11,7 @@
 namespace corvane::layer {
 
 /// A program that the application holds.
-struct ProgramNotes {
+struct ProgramInfo {
   /// Names of kernels that the agent keeps to itself, sorted.
   std::vector<std::string> hidden;
   /// Builds and links of it that the agent has not seen the end of.
@@ -20,7 +20,7 @@ struct ProgramNotes {
 
 /// The programs that the application may have built. The agent keeps records
 /// only of programs that are in this book.
-ObjectBook<cl_program, ProgramNotes> &programs();
+ObjectTable<cl_program, ProgramInfo> &programs();
 
 /// Enters a program that was just made. Whatever agent or layer knew of an
 /// older one with the same handle is forgotten.

@@ -3,7 +3,7 @@
 #include "layer/Queues.h"
 
 #include "layer/Answer.h"
-#include "layer/ObjectBook.h"
+#include "layer/ObjectTable.h"
 
 #include <vector>
 
@@ -13,14 +13,14 @@ using PropertyList = std::vector<cl_queue_properties>;
 
 namespace {
 /// A queue that has profiling without having been asked to.
-struct QueueNotes {
+struct QueueInfo {
   bool madeByList = false;
   PropertyList list; ///< as the application gave it, with its final zero
 };
 } // namespace
 
 static auto &queues() {
-  return everlasting<ObjectBook<cl_command_queue, QueueNotes>>();
+  return neverDestroyed<ObjectTable<cl_command_queue, QueueInfo>>();
 }
 
 // A null list counts as empty; every other list ends with a zero.
@@ -56,16 +56,16 @@ static PropertyList withProfiling(const cl_queue_properties *list) {
   return extended;
 }
 
-static QueueNotes notesOf(const cl_queue_properties *list) {
-  QueueNotes notes;
-  notes.madeByList = true;
+static QueueInfo infoOf(const cl_queue_properties *list) {
+  QueueInfo info;
+  info.madeByList = true;
   if (!list)
-    return notes;
+    return info;
   forEachProperty(list, [&](cl_queue_properties name, auto value) {
-    notes.list.insert(notes.list.end(), {name, value});
+    info.list.insert(info.list.end(), {name, value});
   });
-  notes.list.push_back(0);
-  return notes;
+  info.list.push_back(0);
+  return info;
 }
 
 // A queue without times is better than none, and the error that the application
@@ -73,12 +73,12 @@ static QueueNotes notesOf(const cl_queue_properties *list) {
 template <typename CreateExtended, typename CreateAsAsked>
 static cl_command_queue createProfiled(CreateExtended createExtended,
                                        CreateAsAsked createAsAsked,
-                                       QueueNotes notes, cl_int *errcodeRet) {
+                                       QueueInfo info, cl_int *errcodeRet) {
   cl_int status = CL_SUCCESS;
   cl_command_queue queue = createExtended(&status);
   if (!queue || status != CL_SUCCESS)
     return createAsAsked();
-  queues().open(queue, std::move(notes));
+  queues().insert(queue, std::move(info));
   if (errcodeRet)
     *errcodeRet = status;
   return queue;
@@ -95,7 +95,7 @@ createQueue(cl_context context, cl_device_id device,
   // It is the agent that adds profiling.
   return createProfiled([&](cl_int *status) { return create(agent(), status); },
                         [&] { return create(runtime(), errcodeRet); },
-                        QueueNotes(), errcodeRet);
+                        QueueInfo(), errcodeRet);
 }
 
 static cl_command_queue CL_API_CALL
@@ -111,7 +111,7 @@ createListedQueue(cl_context context, cl_device_id device,
   const PropertyList extended = withProfiling(list);
   return createProfiled(
       [&](cl_int *status) { return create(extended.data(), status); },
-      [&] { return create(list, errcodeRet); }, notesOf(list), errcodeRet);
+      [&] { return create(list, errcodeRet); }, infoOf(list), errcodeRet);
 }
 
 static cl_int CL_API_CALL retainQueue(cl_command_queue queue) {
@@ -141,14 +141,14 @@ static cl_int answerList(cl_command_queue queue, Answer answer) {
                                            wanted.room, wanted.value,
                                            wanted.length);
   };
-  const QueueNotes notes = queues().read(queue);
+  const QueueInfo info = queues().read(queue);
   size_t length = 0;
   // A runtime of before OpenCL 3.0 does not answer at all.
-  if (!notes.madeByList || ask({0, nullptr, &length}) != CL_SUCCESS)
+  if (!info.madeByList || ask({0, nullptr, &length}) != CL_SUCCESS)
     return ask(answer);
   // A list that was null has no length, and so fits into any room.
-  return answer.give(notes.list.data(),
-                     notes.list.size() * sizeof(cl_queue_properties));
+  return answer.give(info.list.data(),
+                     info.list.size() * sizeof(cl_queue_properties));
 }
 
 static cl_int CL_API_CALL getQueueInfo(cl_command_queue queue,

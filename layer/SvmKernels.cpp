@@ -16,7 +16,7 @@ bool corvane::layer::usesSvm(cl_kernel kernel) {
 }
 
 static void note(cl_kernel kernel) {
-  kernels().edit(kernel, [](KernelNotes &notes) { notes.usesSvm = true; });
+  kernels().edit(kernel, [](KernelInfo &info) { info.usesSvm = true; });
   anyKernelDoes = true;
 }
 
