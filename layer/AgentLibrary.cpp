@@ -1,4 +1,4 @@
-// The agent library: found beside the layer, loaded, its two exports known.
+// Loads the agent library that lies beside the layer.
 
 #include "layer/AgentLibrary.h"
 #include "layer/Library.h"

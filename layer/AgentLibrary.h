@@ -1,4 +1,4 @@
-// The agent library: found beside the layer, loaded, its two exports known.
+// The agent library and its two exports.
 
 #pragma once
 

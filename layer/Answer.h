@@ -1,4 +1,4 @@
-// An answer to one of OpenCL's queries.
+// Answers a query in the way of OpenCL.
 
 #pragma once
 
@@ -8,15 +8,15 @@
 
 namespace corvane::layer {
 
-/// Where whoever asked wants the answer, and how large it may be.
+/// Where the caller of a query wants the answer.
 struct Answer {
-  size_t room;
-  void *value;    ///< null: not wanted
-  size_t *length; ///< null: not wanted
+  size_t capacity; ///< bytes at `value`
+  void *value;     ///< null: not wanted
+  size_t *length;  ///< null: not wanted
 
-  /// Gives `size` bytes from `data`; too little room is an invalid value.
+  /// Gives `size` bytes from `data`, or CL_INVALID_VALUE if they do not fit.
   cl_int give(const void *data, size_t size) const {
-    if (value && room < size)
+    if (value && capacity < size)
       return CL_INVALID_VALUE;
     if (value && size != 0)
       std::memcpy(value, data, size);

@@ -1,11 +1,12 @@
-// Builds, as the application asked for them.
+// The calls that build a program and tell how far a build is.
 
 #include "layer/Builds.h"
 
-#include "layer/AgentsBuild.h"
+#include "layer/CallContext.h"
 #include "layer/HiddenKernels.h"
-#include "layer/LateBuild.h"
+#include "layer/LowerHooks.h"
 #include "layer/Notification.h"
+#include "layer/UpperHooks.h"
 
 #include <functional>
 #include <memory>
@@ -19,15 +20,18 @@ static cl_int buildByAgent(cl_program program, cl_uint numDevices,
                            const cl_device_id *devices, const char *options,
                            void *userData, std::optional<cl_int> attempted,
                            Notification *notification) {
-  AgentsBuild build(program);
-  build.attempted = attempted;
-  build.notification = notification;
+  CallContext call;
+  call.builtProgram = program;
+  call.attempted = attempted;
+  call.notification = notification;
   const cl_int status = agent().clBuildProgram(program, numDevices, devices,
                                                options, nullptr, userData);
-  noteHiddenKernels(program);
+  rememberHiddenKernels(program);
   return status;
 }
 
+// The layer begins the build, and has the agent look at the program when the
+// runtime has notified. Nothing waits meanwhile.
 static cl_int buildNotified(cl_program program, cl_uint numDevices,
                             const cl_device_id *devices, const char *options,
                             Notify notify, void *userData) {
@@ -61,10 +65,10 @@ static cl_int buildNotified(cl_program program, cl_uint numDevices,
   return status;
 }
 
-static cl_int CL_API_CALL build(cl_program program, cl_uint numDevices,
-                                const cl_device_id *devices,
-                                const char *options, Notify notify,
-                                void *userData) {
+cl_int CL_API_CALL upper::clBuildProgram(cl_program program, cl_uint numDevices,
+                                         const cl_device_id *devices,
+                                         const char *options, Notify notify,
+                                         void *userData) {
   enterUnseenProgram(program);
   if (notify)
     return buildNotified(program, numDevices, devices, options, notify,
@@ -76,19 +80,44 @@ static cl_int CL_API_CALL build(cl_program program, cl_uint numDevices,
 
 // To the application a build is over when the agent has seen the program, too:
 // kernels that it creates then have their variants.
-static cl_int CL_API_CALL getBuildInfo(cl_program program, cl_device_id device,
-                                       cl_program_build_info name, size_t room,
-                                       void *value, size_t *length) {
+cl_int CL_API_CALL upper::clGetProgramBuildInfo(cl_program program,
+                                                cl_device_id device,
+                                                cl_program_build_info name,
+                                                size_t capacity, void *value,
+                                                size_t *length) {
   const bool isBuilt = programs().read(program).builds == 0;
-  const cl_int status = runtime().clGetProgramBuildInfo(program, device, name,
-                                                        room, value, length);
+  const cl_int status = runtime().clGetProgramBuildInfo(
+      program, device, name, capacity, value, length);
   if (status == CL_SUCCESS && name == CL_PROGRAM_BUILD_STATUS && value &&
       !isBuilt)
     *static_cast<cl_build_status *>(value) = CL_BUILD_IN_PROGRESS;
   return status;
 }
 
-void corvane::layer::serveBuilds(cl_icd_dispatch &above) {
-  replace(above.clBuildProgram, &build);
-  replace(above.clGetProgramBuildInfo, &getBuildInfo);
+void corvane::layer::forgetBuildsBeforeCollection(cl_program program) {
+  const CallContext *call = CallContext::current();
+  if (call && call->builtProgram == program && programs().has(program))
+    forgetBuilds(program);
+}
+
+// In place of the agent's first attempt to build it gets the one that the layer
+// has made. It may pass over what was built; earlier builds must not count
+// then either.
+cl_int CL_API_CALL lower::clBuildProgram(cl_program program, cl_uint numDevices,
+                                         const cl_device_id *devices,
+                                         const char *options, Notify notify,
+                                         void *userData) {
+  CallContext *call = CallContext::current();
+  if (const auto attempted = call ? call->takeAttempt() : std::nullopt) {
+    forgetBuildsBeforeCollection(program);
+    return *attempted;
+  }
+  const cl_int status = buildWithoutKernels([&] {
+    return runtime().clBuildProgram(program, numDevices, devices, options,
+                                    notify, userData);
+  });
+  forgetBuildsBeforeCollection(program);
+  if (status == CL_SUCCESS && call && call->notification)
+    call->notification->hear(program);
+  return status;
 }

@@ -1,5 +1,6 @@
 // Decides whether a launch may be tuned and what a command has to wait for.
 
+#include "layer/CallContext.h"
 #include "layer/CommandsInFlight.h"
 
 #include <algorithm>
@@ -8,19 +9,14 @@
 
 using namespace corvane::layer;
 
-// Autotuned launches that this thread is enqueueing. The runtime may call the
-// application meanwhile, and what that enqueues must not wait for launches of
-// other threads: those may be waiting for this one to leave the agent.
-static thread_local unsigned tuningOnThisThread = 0;
-
-// If not, \p unsure gets the events that decide it, as far as those may be over
-// by now; none if asking changes nothing.
+// Whether the launch \p command may be tuned. If not, \p unsure gets the events
+// that are in the way and may be over by now; none if asking changes nothing.
 bool CommandsInFlight::mayTune(Command &command, const Conflicts &conflicts,
                                HeldEvents &unsure) {
   const auto isEntering = [](const CommandRef &each) {
     return each->isEntering;
   };
-  if (tuningOnThisThread != 0 || command.memory.anything ||
+  if (CallContext::isAnyTuned() || command.memory.anything ||
       isMapped(command.memory) ||
       std::any_of(conflicts.others.begin(), conflicts.others.end(), isEntering))
     return false;
@@ -66,8 +62,6 @@ void CommandsInFlight::flushAncestors(const Command &command,
 
 void CommandsInFlight::enter(const CommandRef &command, Queue &queue,
                              const CommandRequest &request) {
-  if (command->mayBeTuned)
-    ++tuningOnThisThread;
   if (request.holdsQueue) {
     queue.heldBy.insert(queue.heldBy.end(), command->after.begin(),
                         command->after.end());
@@ -79,7 +73,7 @@ void CommandsInFlight::enter(const CommandRef &command, Queue &queue,
   command->place = std::prev(queue.commands.end());
 }
 
-// False if \p unsure tells which events to ask after before the next attempt.
+// False if \p unsure has events to ask about before the next attempt.
 bool CommandsInFlight::tryToAdmit(const CommandRequest &request,
                                   bool wantsTuning, const HeldEvents &others,
                                   Admission &admission, HeldEvents &unsure) {
@@ -91,7 +85,10 @@ bool CommandsInFlight::tryToAdmit(const CommandRequest &request,
     queue.inOrder = admission.queueIsInOrder;
     order(*command, queue, request, others, released);
     const Conflicts conflicts = conflictsOf(*command, queue, !wantsTuning);
-    if (conflicts.tunedIsEntering && tuningOnThisThread == 0) {
+    // While this thread enqueues a tuned launch, the runtime may call the
+    // application, and what that enqueues must not wait for launches of other
+    // threads: those may be waiting for this one to leave the agent.
+    if (conflicts.tunedIsEntering && !CallContext::isAnyTuned()) {
       someEntered.wait(guard);
       continue;
     }
@@ -143,7 +140,8 @@ Admission CommandsInFlight::admit(const CommandRequest &request,
   admission.command->memory = request.memory;
   admission.command->runsApplicationsCode = request.runsApplicationsCode;
 
-  // While one attempt asks, new commands may come in; not for ever.
+  // New commands may come in while one attempt asks, so the attempts are
+  // limited.
   HeldEvents unsure;
   for (int attemptsLeft = 3;
        !tryToAdmit(request, wantsTuning, others, admission, unsure);
@@ -156,8 +154,6 @@ void CommandsInFlight::enqueued(const CommandRef &command,
                                 std::shared_ptr<HeldEvent> event) {
   HeldEvents released;
   Lock guard(lock);
-  if (command->mayBeTuned)
-    --tuningOnThisThread;
   command->isEntering = false;
   if (event) {
     command->event = std::move(event);

@@ -26,7 +26,8 @@ static void dropOver(List &list, IsOver isOver, List &dropped) {
   list.erase(firstOver, list.end());
 }
 
-// What is known now; \p others are the waits for events that are no commands'.
+// Sets what \p command is ordered after, as far as that is known now. \p others
+// are the events of its wait list that belong to no command.
 void CommandsInFlight::order(Command &command, Queue &queue,
                              const CommandRequest &request,
                              const HeldEvents &others, HeldEvents &released) {
@@ -83,7 +84,8 @@ void CommandsInFlight::markAncestors(const Command &command) {
   }
 }
 
-// All that may touch the same memory and is not ordered before the command.
+// The commands that may use the same memory and are not ordered before
+// \p command.
 CommandsInFlight::Conflicts
 CommandsInFlight::conflictsOf(const Command &command, const Queue &own,
                               bool tunedOnly) {
@@ -119,8 +121,9 @@ CommandsInFlight::conflictsOf(const Command &command, const Queue &own,
   return conflicts;
 }
 
-// Whether what the command waits for may wait for the application: \p pending
-// gets the events on which that hangs, null if there is none to ask after.
+// Whether a command or event that \p command waits for may wait for the
+// application. \p pending gets the events that decide it, null for a command
+// that has no event yet.
 bool CommandsInFlight::mayHang(Command &command, HeldEvents &pending) {
   if (!command.mayHang)
     return false;

@@ -27,8 +27,8 @@ std::optional<bool> CommandsInFlight::askForOrder(cl_command_queue queue) {
   return (properties & CL_QUEUE_OUT_OF_ORDER_EXEC_MODE_ENABLE) == 0;
 }
 
-// The events of a wait list that are not over and that are no command's that we
-// know: user events above all.
+// The events of a wait list that are not over and that belong to no command
+// that the layer knows: user events in the first place.
 HeldEvents CommandsInFlight::waitsForOthers(const CommandRequest &request) {
   std::vector<cl_event> unknown;
   {
@@ -44,8 +44,8 @@ HeldEvents CommandsInFlight::waitsForOthers(const CommandRequest &request) {
   return others;
 }
 
-// Each call asks after a few, so that a program that never waits does not
-// collect events without bounds.
+// Each call asks whether a few commands are over, so that the layer does not
+// hold ever more events in a program that never waits.
 void CommandsInFlight::settleSome(cl_command_queue queue) {
   constexpr std::size_t few = 4;
   std::vector<CommandRef> oldest;

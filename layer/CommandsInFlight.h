@@ -1,4 +1,4 @@
-// The application's commands that may not be over, and how they are ordered.
+// The commands of the application that may not be over, and their order.
 
 #pragma once
 
@@ -17,13 +17,14 @@
 
 namespace corvane::layer {
 
-/// What the layer needs to know of a command before it is enqueued.
+/// A command that is about to be enqueued.
 struct CommandRequest {
   cl_command_queue queue = nullptr;
   TouchedMemory memory;
   cl_uint waitCount = 0;
   const cl_event *waitList = nullptr;
-  /// It calls the application, which may let it wait, as a native kernel does.
+  /// It runs a function of the application's, which may let it wait: a native
+  /// kernel, for example.
   bool runsApplicationsCode = false;
   /// It waits for all that was enqueued before, whatever the queue's order.
   bool waitsForQueue = false;
@@ -47,8 +48,9 @@ struct Command {
   std::vector<std::shared_ptr<Command>> after;
   /// What was entering its queue meanwhile and may have to end before it.
   std::vector<std::shared_ptr<Command>> maybeAfter;
-  HeldEvents afterOthers;     ///< events that are no command's of ours
-  bool mayHang = false;       ///< may wait for the application; false stays
+  HeldEvents afterOthers; ///< events that are no command's of ours
+  bool mayHang =
+      false; ///< may wait for the application; once false, always false
   bool crossesQueues = false; ///< comes after commands of other queues
   std::uint64_t visit = 0;    ///< the last walk that came here
   std::list<std::shared_ptr<Command>>::iterator place; ///< in its queue
@@ -105,14 +107,14 @@ private:
     HeldEvents heldByOthers;
   };
   using Lock = std::unique_lock<std::mutex>;
-  /// Commands that stand in the way of tuning, or that a command waits for.
+  /// Commands that may use the same memory and are not ordered before.
   struct Conflicts {
     std::vector<CommandRef> tuned;
     std::vector<CommandRef> others;
     bool tunedIsEntering = false;
   };
 
-  // Followed to the end.
+  // These take the lock themselves.
   std::optional<bool> askForOrder(cl_command_queue queue);
   HeldEvents waitsForOthers(const CommandRequest &request);
   void settleSome(cl_command_queue queue);
@@ -120,7 +122,7 @@ private:
   bool areOver(const HeldEvents &events);
   void remove(const CommandRef &command, HeldEvents &released);
 
-  // Ordered; hold the lock.
+  // Hold the lock.
   static void comeAfter(Command &command, const CommandRef &earlier);
   void order(Command &command, Queue &queue, const CommandRequest &request,
              const HeldEvents &others, HeldEvents &released);
@@ -148,7 +150,7 @@ private:
   std::size_t settleAt = 64; ///< commands that make it worth to ask after all
 };
 
-/// Those of this process.
+/// The commands of this process.
 CommandsInFlight &commandsInFlight();
 
 } // namespace corvane::layer

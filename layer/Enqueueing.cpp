@@ -1,4 +1,4 @@
-// Longer wait lists, events that the layer wants for itself, and failed calls.
+// Makes wait lists longer, asks for events, and deals with failed calls.
 
 #include "layer/Enqueueing.h"
 
@@ -7,16 +7,18 @@
 using namespace corvane::layer;
 
 Enqueueing::Enqueueing(CommandRequest request, const EnqueueArguments &asked,
-                       bool blocking, bool wantsTuning)
+                       bool blocking, CallContext *launch)
     : given(asked), isBlocking(blocking), toGive(asked) {
   // Arguments that contradict each other are the runtime's to refuse.
   if ((asked.waitCount == 0) != (asked.waitList == nullptr))
     return;
   request.waitCount = asked.waitCount;
   request.waitList = asked.waitList;
-  admission = commandsInFlight().admit(request, wantsTuning);
+  admission = commandsInFlight().admit(request, launch != nullptr);
   if (!admission.command)
     return;
+  if (launch)
+    launch->isTuned = admission.mayBeTuned;
   for (cl_command_queue queue : admission.flushFirst)
     (void)runtime().clFlush(queue);
   if (!admission.moreWaits.empty()) {

@@ -1,7 +1,8 @@
-// Enqueues a command under the conditions on which it may be enqueued now.
+// What one call that enqueues a command needs from its admission to its return.
 
 #pragma once
 
+#include "layer/CallContext.h"
 #include "layer/CommandsInFlight.h"
 
 #include <vector>
@@ -15,20 +16,20 @@ struct EnqueueArguments {
   cl_event *event; ///< null: not wanted
 };
 
-/// One call that enqueues a command, from its admission on.
+/// One call that enqueues a command, from its admission on. Lives on the stack
+/// of that call.
 class Enqueueing {
 public:
-  /// With \p blocking the command is over when the call has returned.
+  /// With \p blocking the command is over when the call has returned. \p launch
+  /// is the context of a launch whose variants could run, which is told whether
+  /// it is tuned; null for any other command.
   Enqueueing(CommandRequest request, const EnqueueArguments &asked,
-             bool blocking, bool wantsTuning);
-
-  /// Whether the launch may go to the agent.
-  bool mayBeTuned() const { return admission.mayBeTuned; }
+             bool blocking, CallContext *launch = nullptr);
 
   /// What to give the runtime in place of the application's.
   const EnqueueArguments &arguments() const { return toGive; }
 
-  /// Notes what came of the call, and returns \p status.
+  /// Call with what came of the call, once. Returns \p status.
   cl_int returned(cl_int status);
 
 private:

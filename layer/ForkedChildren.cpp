@@ -1,4 +1,5 @@
-// Leads each call of the application to the layer or, in a child, past it.
+// Leads each call of the application to the layer or, in a child, to the
+// runtime.
 
 #include "layer/ForkedChildren.h"
 
@@ -6,8 +7,8 @@
 
 using namespace corvane::layer;
 
-// The layer's own calls, where it serves any.
-static cl_icd_dispatch served;
+// The layer's calls, at the entries that it has replaced.
+static cl_icd_dispatch layerCalls;
 
 namespace {
 template <auto entry> struct ParentOnly;
@@ -18,14 +19,14 @@ struct ParentOnly<entry> {
   static Result CL_API_CALL inParentOnly(Arguments... arguments) {
     if (corvane::inForkedChild())
       return (runtime().*entry)(arguments...);
-    return (served.*entry)(arguments...);
+    return (layerCalls.*entry)(arguments...);
   }
 
   static void putInto(LayerTable &table) {
     auto &call = table.application.*entry;
     if (call == table.agent.*entry || call == table.runtime.*entry)
       return;
-    served.*entry = call;
+    layerCalls.*entry = call;
     call = inParentOnly;
   }
 };

@@ -1,4 +1,4 @@
-// Calls of forked children go past the layer.
+// Keeps the calls of forked children out of the layer.
 
 #pragma once
 
@@ -6,10 +6,10 @@
 
 namespace corvane::layer {
 
-/// Puts a call before each of the layer's in the table for the application, and
-/// keeps the layer's for it: in a forked child, where locks of the layer may be
-/// held for ever, the application calls the runtime. Call once, when the table
-/// is complete.
+/// Puts a check before each of the layer's calls in the table for the
+/// application. In a forked child, where a thread that does not exist may hold
+/// a lock of the layer, the application calls the runtime. Call once, when the
+/// table is complete.
 void passChildrenThrough(LayerTable &table);
 
 } // namespace corvane::layer

@@ -1,5 +1,4 @@
-// Counts the references that the layer holds, so that an application which asks
-// for a count can be told its own.
+// Takes references to events and counts those that the layer holds.
 
 #include "layer/HeldEvent.h"
 
@@ -50,7 +49,7 @@ bool HeldEvent::askIfOver() {
   if (over)
     return true;
   cl_int status = CL_COMPLETE;
-  // An event that the runtime knows nothing of will never tell more.
+  // An event that the runtime does not know counts as over.
   if (runtime().clGetEventInfo(event, CL_EVENT_COMMAND_EXECUTION_STATUS,
                                sizeof status, &status, nullptr) != CL_SUCCESS ||
       status <= CL_COMPLETE)

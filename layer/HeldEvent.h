@@ -1,4 +1,4 @@
-// References of the layer's own to events of the application's commands.
+// References that the layer holds to events of the application's commands.
 
 #pragma once
 
@@ -41,7 +41,8 @@ private:
 
 using HeldEvents = std::vector<std::shared_ptr<HeldEvent>>;
 
-/// How many references to \p event the layer holds at this moment.
+/// How many references to \p event the layer holds at this moment: what the
+/// application is told of its references must not include them.
 cl_uint heldReferences(cl_event event);
 
 } // namespace corvane::layer

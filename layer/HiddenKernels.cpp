@@ -1,9 +1,10 @@
-// Which kernels of a program the application is told of.
+// Compares what runtime and agent tell of a program's kernels.
 
 #include "layer/HiddenKernels.h"
 
 #include "layer/Answer.h"
 #include "layer/Programs.h"
+#include "layer/UpperHooks.h"
 
 #include <algorithm>
 
@@ -29,9 +30,9 @@ static std::string join(const Names &names) {
 
 std::optional<Names> corvane::layer::askForNames(const cl_icd_dispatch &calls,
                                                  cl_program program) {
-  const auto ask = [&](size_t room, char *value, size_t *length) {
-    return calls.clGetProgramInfo(program, CL_PROGRAM_KERNEL_NAMES, room, value,
-                                  length) == CL_SUCCESS;
+  const auto ask = [&](size_t capacity, char *value, size_t *length) {
+    return calls.clGetProgramInfo(program, CL_PROGRAM_KERNEL_NAMES, capacity,
+                                  value, length) == CL_SUCCESS;
   };
   size_t length = 0;
   if (!ask(0, nullptr, &length))
@@ -55,7 +56,7 @@ Names corvane::layer::without(Names names, const Names &sorted) {
   return names;
 }
 
-void corvane::layer::noteHiddenKernels(cl_program program) {
+void corvane::layer::rememberHiddenKernels(cl_program program) {
   if (!programs().has(program))
     return;
   Names hidden;
@@ -75,11 +76,14 @@ Names corvane::layer::hiddenKernels(cl_program program) {
   return programs().read(program).hidden;
 }
 
-static cl_int CL_API_CALL getProgramInfo(cl_program program,
-                                         cl_program_info name, size_t room,
-                                         void *value, size_t *length) {
+// Count and names are as the runtime has them now, less those that the agent
+// hides. The agent's own answers add one build to the other.
+cl_int CL_API_CALL upper::clGetProgramInfo(cl_program program,
+                                           cl_program_info name,
+                                           size_t capacity, void *value,
+                                           size_t *length) {
   const auto askRuntime = [&] {
-    return runtime().clGetProgramInfo(program, name, room, value, length);
+    return runtime().clGetProgramInfo(program, name, capacity, value, length);
   };
   if (name != CL_PROGRAM_NUM_KERNELS && name != CL_PROGRAM_KERNEL_NAMES)
     return askRuntime();
@@ -90,15 +94,11 @@ static cl_int CL_API_CALL getProgramInfo(cl_program program,
     return askRuntime();
 
   const Names shown = without(*all, hidden);
-  const Answer answer{room, value, length};
+  const Answer answer{capacity, value, length};
   if (name == CL_PROGRAM_NUM_KERNELS) {
     const size_t count = shown.size();
     return answer.give(&count, sizeof count);
   }
   const std::string text = join(shown);
   return answer.give(text.c_str(), text.size() + 1);
-}
-
-void corvane::layer::hideVariants(cl_icd_dispatch &above) {
-  replace(above.clGetProgramInfo, &getProgramInfo);
 }

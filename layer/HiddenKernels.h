@@ -1,4 +1,4 @@
-// Which kernels of a program the application is told of.
+// Which kernels of a program are hidden from the application.
 
 #pragma once
 
@@ -12,23 +12,20 @@ namespace corvane::layer {
 
 using Names = std::vector<std::string>;
 
-/// The names of a program's kernels as one storey tells them; nothing while the
-/// program has no kernels that could be told of.
+/// The names of a program's kernels as the table \p calls tells them; nothing
+/// while the program has no kernels that could be told of.
 std::optional<Names> askForNames(const cl_icd_dispatch &calls,
                                  cl_program program);
 
 /// Those of \p names that are not among \p sorted.
 Names without(Names names, const Names &sorted);
 
-/// Notes which of the program's kernels the agent keeps to itself. Call after
-/// each build, outside of the agent's calls.
-void noteHiddenKernels(cl_program program);
+/// Finds out which of the program's kernels the agent keeps to itself: the
+/// names that the runtime has and the agent does not tell. Call after each
+/// build, outside of the agent's calls.
+void rememberHiddenKernels(cl_program program);
 
 /// Their names, sorted.
 Names hiddenKernels(cl_program program);
-
-/// Count and names of a program's kernels are as the runtime has them now, less
-/// those that the agent hides. Its own answers add one build to the other.
-void hideVariants(cl_icd_dispatch &above);
 
 } // namespace corvane::layer

@@ -10,8 +10,4 @@ namespace corvane::layer {
 /// anything for a kernel that is not known or works on shared virtual memory.
 TouchedMemory memoryOf(cl_kernel kernel);
 
-/// Has the calls that create, release and prepare kernels followed. \p next are
-/// the calls to make; it must live as long as the process.
-void followKernelMemory(cl_icd_dispatch &calls, const cl_icd_dispatch &next);
-
 } // namespace corvane::layer

@@ -1,9 +1,8 @@
-// All kernels of a program at once.
-
-#include "layer/KernelsInProgram.h"
+// The call that creates all kernels of a program at once.
 
 #include "layer/HiddenKernels.h"
 #include "layer/Programs.h"
+#include "layer/UpperHooks.h"
 
 #include <algorithm>
 
@@ -34,8 +33,8 @@ public:
     return CL_SUCCESS;
   }
 
-  void giveTo(cl_kernel *room) {
-    std::copy(kernels.begin(), kernels.end(), room);
+  void giveTo(cl_kernel *array) {
+    std::copy(kernels.begin(), kernels.end(), array);
     kernels.clear();
   }
 
@@ -55,21 +54,26 @@ static std::optional<Names> creatableKernels(cl_program program) {
   return names && names->size() == count ? names : std::nullopt;
 }
 
+// The agent's own call creates kernels to count them, and fails unless the
+// array has exactly the size that it wants. This one creates what the
+// application has room for, variants aside, and nothing when it only counts.
+//
 // Counts and refusals are the runtime's own where nothing is hidden. Kernels
 // are created one by one, each by the call that the agent hooks.
-static cl_int CL_API_CALL createKernelsInProgram(cl_program program,
-                                                 cl_uint room,
-                                                 cl_kernel *kernels,
-                                                 cl_uint *countRet) {
+cl_int CL_API_CALL upper::clCreateKernelsInProgram(cl_program program,
+                                                   cl_uint capacity,
+                                                   cl_kernel *kernels,
+                                                   cl_uint *countRet) {
   const Names hidden = hiddenKernels(program);
   const std::optional<Names> all = creatableKernels(program);
-  const bool fits = all && room != 0 && room >= all->size();
+  const bool fits = all && capacity != 0 && capacity >= all->size();
   if (!all || (hidden.empty() && !(kernels && fits)))
-    return runtime().clCreateKernelsInProgram(program, room, kernels, countRet);
+    return runtime().clCreateKernelsInProgram(program, capacity, kernels,
+                                              countRet);
 
   const Names names = without(*all, hidden);
   if (kernels) {
-    if (room < names.size())
+    if (capacity < names.size())
       return CL_INVALID_VALUE;
     NewKernels created;
     const cl_int status = created.create(program, names);
@@ -80,8 +84,4 @@ static cl_int CL_API_CALL createKernelsInProgram(cl_program program,
   if (countRet)
     *countRet = static_cast<cl_uint>(names.size());
   return CL_SUCCESS;
-}
-
-void corvane::layer::createWithoutVariants(cl_icd_dispatch &above) {
-  replace(above.clCreateKernelsInProgram, &createKernelsInProgram);
 }

@@ -1,70 +1,62 @@
-// Launches that the agent must not see, and those that it loses after it has
-// written its results.
+// The call that launches a kernel.
 
 #include "layer/Launches.h"
 
-#include "layer/SvmKernels.h"
+#include "layer/Kernels.h"
+#include "layer/LowerHooks.h"
+#include "layer/UpperHooks.h"
 
 #include <algorithm>
 
 using namespace corvane::layer;
 
+cl_int Launch::enqueueThrough(const cl_icd_dispatch &calls) const {
+  return calls.clEnqueueNDRangeKernel(queue, kernel, workDim, globalOffset,
+                                      globalSize, localSize, waitCount,
+                                      waitList, event);
+}
+
 // An offset counts work-items of the kernel's own range; a variant has another
 // range and would work elsewhere. A work dimension beyond three is the
 // runtime's to refuse, and no offset is read for it.
-static bool hasOffset(cl_uint workDim, const size_t *globalOffset) {
-  return globalOffset && workDim <= 3 &&
-         std::any_of(globalOffset, globalOffset + workDim,
-                     [](size_t offset) { return offset != 0; });
+static bool hasOffset(const Launch &launch) {
+  const size_t *offset = launch.globalOffset;
+  return offset && launch.workDim <= 3 &&
+         std::any_of(offset, offset + launch.workDim,
+                     [](size_t each) { return each != 0; });
 }
 
-// Whether the application's kernel runs as it is, without the agent: no variant
-// could do what the launch asks for.
-static bool mustRunAlone(cl_kernel kernel, cl_uint workDim,
-                         const size_t *globalOffset) {
-  return usesSvm(kernel) || hasOffset(workDim, globalOffset);
+bool corvane::layer::mustRunAlone(const Launch &launch) {
+  return usesSvm(launch.kernel) || hasOffset(launch);
 }
 
-// Launches of this thread that reached the runtime. The agent launches on the
-// thread that calls it.
-static thread_local unsigned launchesBelow = 0;
-
-static cl_int CL_API_CALL launchBelow(cl_command_queue queue, cl_kernel kernel,
-                                      cl_uint workDim,
-                                      const size_t *globalOffset,
-                                      const size_t *globalSize,
-                                      const size_t *localSize,
-                                      cl_uint numEvents, const cl_event *events,
-                                      cl_event *event) {
-  ++launchesBelow;
-  return runtime().clEnqueueNDRangeKernel(queue, kernel, workDim, globalOffset,
-                                          globalSize, localSize, numEvents,
-                                          events, event);
+cl_int corvane::layer::launchThroughAgent(const Launch &launch,
+                                          CallContext &call) {
+  const cl_int status = launch.enqueueThrough(agent());
+  return call.hasLaunched ? status : launch.enqueueThrough(runtime());
 }
 
-static cl_int CL_API_CALL launchAbove(cl_command_queue queue, cl_kernel kernel,
-                                      cl_uint workDim,
-                                      const size_t *globalOffset,
-                                      const size_t *globalSize,
-                                      const size_t *localSize,
-                                      cl_uint numEvents, const cl_event *events,
-                                      cl_event *event) {
-  const auto launch = [&](const cl_icd_dispatch &calls) {
-    return calls.clEnqueueNDRangeKernel(queue, kernel, workDim, globalOffset,
-                                        globalSize, localSize, numEvents,
-                                        events, event);
-  };
-  if (mustRunAlone(kernel, workDim, globalOffset))
-    return launch(runtime());
-  const unsigned before = launchesBelow;
-  const cl_int status = launch(agent());
-  return launchesBelow != before ? status : launch(runtime());
+cl_int CL_API_CALL upper::clEnqueueNDRangeKernel(
+    cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
+    const size_t *globalOffset, const size_t *globalSize,
+    const size_t *localSize, cl_uint waitCount, const cl_event *waitList,
+    cl_event *event) {
+  const Launch launch{queue,     kernel,    workDim,  globalOffset, globalSize,
+                      localSize, waitCount, waitList, event};
+  if (mustRunAlone(launch))
+    return launch.enqueueThrough(runtime());
+  CallContext call;
+  return launchThroughAgent(launch, call);
 }
 
-void corvane::layer::watchLaunches(cl_icd_dispatch &below) {
-  replace(below.clEnqueueNDRangeKernel, &launchBelow);
-}
-
-void corvane::layer::repeatLostLaunches(cl_icd_dispatch &above) {
-  replace(above.clEnqueueNDRangeKernel, &launchAbove);
+cl_int CL_API_CALL lower::clEnqueueNDRangeKernel(
+    cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
+    const size_t *globalOffset, const size_t *globalSize,
+    const size_t *localSize, cl_uint waitCount, const cl_event *waitList,
+    cl_event *event) {
+  if (CallContext *call = CallContext::current())
+    call->hasLaunched = true;
+  return Launch{queue,     kernel,    workDim,  globalOffset, globalSize,
+                localSize, waitCount, waitList, event}
+      .enqueueThrough(runtime());
 }

@@ -1,4 +1,4 @@
-// The agent object that the layer shows to the agent library.
+// The operations of the agent object.
 
 #include "layer/LayerAgent.h"
 

@@ -20,7 +20,7 @@ using OtherOperation = cl_int(CL_API_CALL *)(LayerAgent *agent);
 
 /// What a runtime with an agent interface would give to an agent: a structure
 /// of operations, each called with the structure itself as first argument. The
-/// operations on the dispatch table stand at the positions 7 and 8; all others
+/// operations on the dispatch table have the positions 7 and 8; all others
 /// answer `CL_INVALID_OPERATION`, for none is null and any may be tried.
 ///
 /// Its memory stays valid until the process ends.
@@ -31,7 +31,7 @@ struct LayerAgent {
   OtherOperation after[23];
 
   LayerTable *table;
-  /// False once the loader has the table: a change would reach nobody.
+  /// False once the loader has a table: a change would have no effect.
   std::atomic<bool> acceptsTable;
 };
 

@@ -1,4 +1,4 @@
-// The two calls by which an OpenCL loader finds and starts the layer.
+// The two calls by which an OpenCL loader knows and starts the layer.
 
 #include "base/ForkedChild.h"
 #include "base/Platform.h"
@@ -6,10 +6,9 @@
 #include "layer/Answer.h"
 #include "layer/ForkedChildren.h"
 #include "layer/LayerAgent.h"
+#include "layer/LayerHooks.h"
 #include "layer/LayerTable.h"
-#include "layer/Storeys.h"
-#include "layer/TuningSwitch.h"
-#include "layer/WatchedCommands.h"
+#include "layer/TuningMode.h"
 
 #include <CL/cl_layer.h>
 
@@ -40,14 +39,14 @@ cl_int CL_API_CALL clGetLayerInfo(cl_layer_info paramName,
 /// doing so; empty when all went well.
 static std::string startAgent(LayerTable &table) {
   std::string problem;
-  // The agent may move the variable once it runs.
-  const bool tuning = tuningMayBeOn();
+  // The agent may move a variable once it runs.
+  const TuningMode mode = tuningMode();
   const AgentLibrary library = loadAgentLibrary(problem);
   if (!problem.empty())
     return problem;
 
   corvane::watchForks();
-  standBelow(table.agent);
+  installLowerHooks(table.agent);
   LayerAgent &agent = layerAgent(table);
   const cl_int status = library.onLoad(&agent);
   agent.acceptsTable = false;
@@ -55,10 +54,10 @@ static std::string startAgent(LayerTable &table) {
     return "the agent library refused to start with status " +
            std::to_string(status) +
            "; check that layer and agent library are of one build";
-  table.application = table.agent;
-  standAbove(table.application);
-  if (tuning)
-    watchCommands(table.application);
+  table.upper = table.agent;
+  installUpperHooks(table.upper);
+  table.application = table.upper;
+  installTuningHooks(table.application, mode);
   passChildrenThrough(table);
   return problem;
 }

@@ -1,4 +1,4 @@
-// The dispatch tables of the layer: the runtime's, the agent's, the loader's.
+// Fills and compares the tables, which may be shorter than our headers know.
 
 #include "layer/LayerTable.h"
 
@@ -28,6 +28,7 @@ void corvane::layer::copyLoaderTable(LayerTable &table,
   table.count = std::min(count, knownEntries);
   std::memcpy(&table.runtime, &loaderTable, table.count * sizeof(void *));
   table.agent = table.runtime;
+  table.upper = table.runtime;
   table.application = table.runtime;
 }
 

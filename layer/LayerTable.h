@@ -1,4 +1,4 @@
-// The dispatch tables of the layer: the runtime's, the agent's, the loader's.
+// The dispatch tables of the process, from the runtime's to the application's.
 
 #pragma once
 
@@ -12,18 +12,19 @@ constexpr cl_uint agentEntries = 119;
 /// Size in bytes of those entries.
 constexpr size_t agentTableSize = agentEntries * sizeof(void *);
 
-/// The one set of tables of the process. Each starts as a copy of the loader's,
-/// so an entry that nobody replaces leads straight to what lies below; an entry
-/// that the loader does not offer stays null.
+/// The one set of tables of the process. Each starts as a copy of the one
+/// before it, so an entry without a hook leads straight to the runtime; an
+/// entry that the loader does not offer stays null.
 ///
 /// Written only while the loader initialises the layer, which it does on one
 /// thread; never freed, because a loader may use a table in place.
 struct LayerTable {
-  cl_icd_dispatch runtime; ///< as the loader gave it: what lies below
-  /// What the agent reads and then writes: first the runtime with the layer's
-  /// lower half before it, then the agent's hooks over that.
+  cl_icd_dispatch runtime; ///< as the loader gave it
+  /// What the agent reads and then writes: first the runtime's with the lower
+  /// half's hooks, then the agent's hooks over those.
   cl_icd_dispatch agent;
-  /// What the loader gets: the agent's with the layer's upper half before it.
+  cl_icd_dispatch upper; ///< the agent's with the upper half's hooks
+  /// What the loader gets: the upper half's with the hooks for autotuning.
   cl_icd_dispatch application;
   cl_uint count; ///< entries filled in; the loader knows what to do with others
 };
@@ -31,7 +32,8 @@ struct LayerTable {
 /// The tables of this process, all null before `copyLoaderTable`.
 LayerTable &layerTable();
 
-/// Takes over the `count` entries of `loaderTable`, or as many as we know of.
+/// Takes over the `count` entries of `loaderTable`, or as many as our headers
+/// know.
 void copyLoaderTable(LayerTable &table, const cl_icd_dispatch &loaderTable,
                      cl_uint count);
 
@@ -45,19 +47,16 @@ bool leadsToUs(const LayerTable &table, const cl_icd_dispatch &loaderTable,
 /// before.
 void keepRuntimeLibraries(const LayerTable &table);
 
-/// The calls below the layer, which neither the agent nor the layer sees.
+/// The runtime's calls, past the agent and the layer.
 inline const cl_icd_dispatch &runtime() { return layerTable().runtime; }
 
-/// The calls as the agent leaves them.
+/// The agent's calls, past the upper half.
 inline const cl_icd_dispatch &agent() { return layerTable().agent; }
+
+/// The upper half's calls, past the hooks for autotuning.
+inline const cl_icd_dispatch &upperHalf() { return layerTable().upper; }
 
 /// The calls as the application makes them.
 inline const cl_icd_dispatch &application() { return layerTable().application; }
-
-/// Puts a call of the layer's into a table, unless there is none to replace.
-template <typename Function> void replace(Function &entry, Function layerCall) {
-  if (entry)
-    entry = layerCall;
-}
 
 } // namespace corvane::layer

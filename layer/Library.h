@@ -1,4 +1,4 @@
-// What differs by platform: where this library lies and how to load another.
+// Finds and loads libraries; all that differs by platform.
 
 #pragma once
 
@@ -11,8 +11,8 @@ namespace corvane::layer {
 /// does not tell.
 std::filesystem::path ownFolder();
 
-/// Loads a library for good. Null on failure; then `problem` says in one line
-/// without line feed what the system had against `file`.
+/// Loads a library that is never closed. Null on failure; then `problem` gets
+/// the reason that the system gives, one line without line feed.
 void *openLibrary(const std::filesystem::path &file, std::string &problem);
 
 /// The exported function of that name; null if there is none.

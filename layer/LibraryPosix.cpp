@@ -1,4 +1,4 @@
-// Finding and loading libraries with the dynamic linker of POSIX systems.
+// Finds and loads libraries by the dynamic linker of POSIX systems.
 
 #include "layer/Library.h"
 
@@ -7,7 +7,7 @@
 using namespace corvane;
 
 std::filesystem::path layer::ownFolder() {
-  // Any object of this library will do as an address inside it.
+  // The address of any object of this library tells its file.
   static const char here = 0;
   Dl_info info = {};
   if (!dladdr(&here, &info) || !info.dli_fname)

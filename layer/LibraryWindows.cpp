@@ -1,4 +1,4 @@
-// Finding and loading libraries with the module functions of Windows.
+// Finds and loads libraries by the module functions of Windows.
 
 #include "layer/Library.h"
 
@@ -12,7 +12,7 @@ using namespace corvane;
 static constexpr size_t longestPath = 32768;
 
 std::filesystem::path layer::ownFolder() {
-  // Any object of this library will do as an address inside it.
+  // The address of any object of this library tells its file.
   static const char here = 0;
   HMODULE module = nullptr;
   if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
@@ -29,7 +29,7 @@ std::filesystem::path layer::ownFolder() {
 
 void *layer::openLibrary(const std::filesystem::path &file,
                          std::string &problem) {
-  // What the library itself needs is looked for beside it, too.
+  // Libraries that this one needs are looked for beside it, too.
   HMODULE library =
       LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
   if (!library)

@@ -1,11 +1,11 @@
-// Links, as the application asked for them.
+// The call that links programs.
 
-#include "layer/Links.h"
-
-#include "layer/AgentsBuild.h"
+#include "layer/Builds.h"
+#include "layer/CallContext.h"
 #include "layer/HiddenKernels.h"
-#include "layer/LateBuild.h"
+#include "layer/LowerHooks.h"
 #include "layer/Notification.h"
+#include "layer/UpperHooks.h"
 
 #include <functional>
 #include <memory>
@@ -17,12 +17,13 @@ using namespace corvane::layer;
 template <typename Link>
 static cl_program linkByAgent(cl_program attempted, cl_int status,
                               Notification *notification, Link link) {
-  AgentsBuild build(attempted);
-  build.attempted = status;
-  build.notification = notification;
+  CallContext call;
+  call.builtProgram = attempted;
+  call.attempted = status;
+  call.notification = notification;
   cl_program program = link();
   if (program)
-    noteHiddenKernels(program);
+    rememberHiddenKernels(program);
   return program;
 }
 
@@ -78,22 +79,42 @@ static cl_program linkNotified(cl_context context, cl_uint numDevices,
   return program;
 }
 
-static cl_program CL_API_CALL link(cl_context context, cl_uint numDevices,
-                                   const cl_device_id *devices,
-                                   const char *options, cl_uint numInputs,
-                                   const cl_program *inputs, Notify notify,
-                                   void *userData, cl_int *errcodeRet) {
+cl_program CL_API_CALL upper::clLinkProgram(
+    cl_context context, cl_uint numDevices, const cl_device_id *devices,
+    const char *options, cl_uint numInputs, const cl_program *inputs,
+    Notify notify, void *userData, cl_int *errcodeRet) {
   if (notify)
     return linkNotified(context, numDevices, devices, options, numInputs,
                         inputs, notify, userData, errcodeRet);
+  const CallContext call;
   cl_program program =
       agent().clLinkProgram(context, numDevices, devices, options, numInputs,
                             inputs, nullptr, userData, errcodeRet);
   if (program)
-    noteHiddenKernels(program);
+    rememberHiddenKernels(program);
   return program;
 }
 
-void corvane::layer::serveLinks(cl_icd_dispatch &above) {
-  replace(above.clLinkProgram, &link);
+// In place of the agent's first link it gets the one that the layer has made.
+// The agent may look at the program as soon as it has it: should it still know
+// one that is gone and had the same handle, it must forget that one before.
+cl_program CL_API_CALL lower::clLinkProgram(
+    cl_context context, cl_uint numDevices, const cl_device_id *devices,
+    const char *options, cl_uint numInputs, const cl_program *inputs,
+    Notify notify, void *userData, cl_int *errcodeRet) {
+  CallContext *call = CallContext::current();
+  if (const auto attempted = call ? call->takeAttempt() : std::nullopt) {
+    if (errcodeRet)
+      *errcodeRet = *attempted;
+    return call->builtProgram;
+  }
+  cl_program program =
+      runtime().clLinkProgram(context, numDevices, devices, options, numInputs,
+                              inputs, notify, userData, errcodeRet);
+  if (!program)
+    return program;
+  enterNewProgram(program);
+  if (call && call->notification)
+    call->notification->hear(program);
+  return program;
 }

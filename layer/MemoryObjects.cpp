@@ -1,8 +1,11 @@
-// Follows the lives of memory objects and of the regions that are mapped.
+// Follows memory objects and their mapped regions, and leads buffers to the
+// agent.
 
 #include "layer/MemoryObjects.h"
 
 #include "layer/ObjectTable.h"
+#include "layer/TuningHooks.h"
+#include "layer/UpperHooks.h"
 
 #include <algorithm>
 
@@ -63,14 +66,14 @@ bool corvane::layer::isMapped(const TouchedMemory &memory) {
       });
 }
 
-void corvane::layer::noteMap(cl_mem object) {
+void corvane::layer::rememberMap(cl_mem object) {
   const cl_mem whole = wholeOf(object);
   Maps &all = maps();
   std::lock_guard<std::mutex> guard(all.lock);
   ++all.byObject.insert({object, {whole, 0}}).first->second.regions;
 }
 
-void corvane::layer::noteUnmap(cl_mem object) {
+void corvane::layer::rememberUnmap(cl_mem object) {
   Maps &all = maps();
   std::lock_guard<std::mutex> guard(all.lock);
   const auto found = all.byObject.find(object);
@@ -84,8 +87,6 @@ static void forgetMaps(cl_mem object) {
   all.byObject.erase(object);
 }
 
-static const cl_icd_dispatch *next = nullptr;
-
 // A runtime that does not tell has no object that is part of another.
 static cl_mem askForParent(cl_mem object) {
   cl_mem parent = nullptr;
@@ -96,63 +97,33 @@ static cl_mem askForParent(cl_mem object) {
   return parent;
 }
 
-static void enter(cl_mem object, bool mayBePart) {
+void corvane::layer::enterMemoryObject(cl_mem object, bool mayBePart) {
   const cl_mem parent = mayBePart ? askForParent(object) : nullptr;
   forgetMaps(object);
   objects().insert(object, {parent ? wholeOf(parent) : object});
 }
 
-namespace {
-/// A call that creates a memory object, whatever its arguments are.
-template <auto Entry, bool mayBePart, typename Function> struct Creation;
-template <auto Entry, bool mayBePart, typename... Args>
-struct Creation<Entry, mayBePart, cl_mem(CL_API_CALL *)(Args...)> {
-  static cl_mem CL_API_CALL call(Args... args) {
-    cl_mem object = (next->*Entry)(args...);
-    if (object)
-      enter(object, mayBePart);
-    return object;
-  }
-};
-} // namespace
-
-template <auto Entry, bool mayBePart = true>
-static void followCreation(cl_icd_dispatch &calls) {
-  using Function = std::remove_reference_t<decltype(calls.*Entry)>;
-  replace(calls.*Entry, &Creation<Entry, mayBePart, Function>::call);
-}
-
-static cl_int CL_API_CALL retain(cl_mem object) {
-  const cl_int status = next->clRetainMemObject(object);
+cl_int CL_API_CALL tuning::clRetainMemObject(cl_mem object) {
+  const cl_int status = upperHalf().clRetainMemObject(object);
   if (status == CL_SUCCESS)
     objects().retain(object);
   return status;
 }
 
-static cl_int CL_API_CALL release(cl_mem object) {
+cl_int CL_API_CALL tuning::clReleaseMemObject(cl_mem object) {
   if (objects().release(object) == Release::Last)
     forgetMaps(object);
-  return next->clReleaseMemObject(object);
+  return upperHalf().clReleaseMemObject(object);
 }
 
-void corvane::layer::followMemoryObjects(cl_icd_dispatch &calls,
-                                         const cl_icd_dispatch &nextCalls) {
-  next = &nextCalls;
-  using Calls = cl_icd_dispatch;
-  followCreation<&Calls::clCreateBuffer, false>(calls);
-  followCreation<&Calls::clCreateBufferWithProperties, false>(calls);
-  followCreation<&Calls::clCreateSubBuffer>(calls);
-  followCreation<&Calls::clCreateImage>(calls);
-  followCreation<&Calls::clCreateImageWithProperties>(calls);
-  followCreation<&Calls::clCreateImage2D>(calls);
-  followCreation<&Calls::clCreateImage3D>(calls);
-  followCreation<&Calls::clCreatePipe>(calls);
-  followCreation<&Calls::clCreateFromGLBuffer>(calls);
-  followCreation<&Calls::clCreateFromGLTexture>(calls);
-  followCreation<&Calls::clCreateFromGLTexture2D>(calls);
-  followCreation<&Calls::clCreateFromGLTexture3D>(calls);
-  followCreation<&Calls::clCreateFromGLRenderbuffer>(calls);
-  followCreation<&Calls::clCreateFromEGLImageKHR>(calls);
-  replace(calls.clRetainMemObject, &retain);
-  replace(calls.clReleaseMemObject, &release);
+// The agent hooks what OpenCL 1.2 has. A buffer that the newer call makes
+// without properties is made by that older call; one with properties is not the
+// agent's business.
+cl_mem CL_API_CALL upper::clCreateBufferWithProperties(
+    cl_context context, const cl_mem_properties *properties, cl_mem_flags flags,
+    size_t size, void *hostPtr, cl_int *errcodeRet) {
+  if (!properties || *properties == 0)
+    return agent().clCreateBuffer(context, flags, size, hostPtr, errcodeRet);
+  return runtime().clCreateBufferWithProperties(context, properties, flags,
+                                                size, hostPtr, errcodeRet);
 }

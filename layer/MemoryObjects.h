@@ -1,4 +1,4 @@
-// The application's memory objects, as far as commands may share memory.
+// What the layer knows of the application's memory objects.
 
 #pragma once
 
@@ -27,12 +27,12 @@ bool isMemoryObject(cl_mem handle);
 /// Whether the host has a region of this memory mapped.
 bool isMapped(const TouchedMemory &memory);
 
-/// Notes that the host got or gave back a region of \p object.
-void noteMap(cl_mem object);
-void noteUnmap(cl_mem object);
+/// Call when the host got a region of \p object, and when it gives one back.
+void rememberMap(cl_mem object);
+void rememberUnmap(cl_mem object);
 
-/// Has the calls that create, retain and release memory objects followed.
-/// \p next are the calls to make; it must live as long as the process.
-void followMemoryObjects(cl_icd_dispatch &calls, const cl_icd_dispatch &next);
+/// Enters an object that was just made; \p mayBePart if it may be a part of
+/// another, which the runtime is asked for then.
+void enterMemoryObject(cl_mem object, bool mayBePart);
 
 } // namespace corvane::layer

@@ -34,11 +34,11 @@ public:
 
   /// Makes \p notification ready for an attempt and returns the user data to
   /// give to the runtime with `heard`. What an earlier attempt was notified of
-  /// is forgotten. The object lives until it is notified or all is done.
+  /// is forgotten. The object lives until it is notified or the work is done.
   static void *arm(const std::shared_ptr<Notification> &notification);
 
-  /// What a runtime is given to call. Any thread; a call for an attempt that is
-  /// over has no effect.
+  /// The function that the runtime is given to call. Any thread; a call for an
+  /// attempt that is over has no effect.
   static void CL_CALLBACK heard(cl_program program, void *armed);
 
   /// Says that the runtime's call has returned, and whether it has begun to
@@ -66,7 +66,7 @@ private:
   const Notify notify;
   void *const userData;
 
-  std::mutex lock; ///< guards all below; the runtime's thread writes it
+  std::mutex lock;           ///< guards the fields that follow
   std::uintptr_t number = 0; ///< of the attempt; 0 before the first
   bool wasNotified = false;
   std::function<void()> finishLater; ///< empty unless left to the notification

@@ -1,6 +1,8 @@
-// The application's programs, from their creation to their last release.
+// The calls that create, retain and release programs.
 
 #include "layer/Programs.h"
+
+#include "layer/UpperHooks.h"
 
 #include <algorithm>
 
@@ -39,16 +41,16 @@ static cl_program entered(cl_program program) {
   return program;
 }
 
-static cl_program CL_API_CALL createFromSource(cl_context context,
-                                               cl_uint count,
-                                               const char **strings,
-                                               const size_t *lengths,
-                                               cl_int *errcodeRet) {
+cl_program CL_API_CALL upper::clCreateProgramWithSource(cl_context context,
+                                                        cl_uint count,
+                                                        const char **strings,
+                                                        const size_t *lengths,
+                                                        cl_int *errcodeRet) {
   return entered(agent().clCreateProgramWithSource(context, count, strings,
                                                    lengths, errcodeRet));
 }
 
-static cl_program CL_API_CALL createFromBinary(
+cl_program CL_API_CALL upper::clCreateProgramWithBinary(
     cl_context context, cl_uint numDevices, const cl_device_id *devices,
     const size_t *lengths, const unsigned char **binaries, cl_int *binaryStatus,
     cl_int *errcodeRet) {
@@ -57,42 +59,33 @@ static cl_program CL_API_CALL createFromBinary(
                                                    binaryStatus, errcodeRet));
 }
 
-static cl_program CL_API_CALL createBuiltIn(cl_context context,
-                                            cl_uint numDevices,
-                                            const cl_device_id *devices,
-                                            const char *kernelNames,
-                                            cl_int *errcodeRet) {
+cl_program CL_API_CALL upper::clCreateProgramWithBuiltInKernels(
+    cl_context context, cl_uint numDevices, const cl_device_id *devices,
+    const char *kernelNames, cl_int *errcodeRet) {
   return entered(agent().clCreateProgramWithBuiltInKernels(
       context, numDevices, devices, kernelNames, errcodeRet));
 }
 
-static cl_program CL_API_CALL createFromIL(cl_context context, const void *il,
-                                           size_t length, cl_int *errcodeRet) {
+cl_program CL_API_CALL upper::clCreateProgramWithIL(cl_context context,
+                                                    const void *il,
+                                                    size_t length,
+                                                    cl_int *errcodeRet) {
   return entered(
       runtime().clCreateProgramWithIL(context, il, length, errcodeRet));
 }
 
-static cl_int CL_API_CALL retain(cl_program program) {
+cl_int CL_API_CALL upper::clRetainProgram(cl_program program) {
   const cl_int status = runtime().clRetainProgram(program);
   if (status == CL_SUCCESS)
     programs().retain(program);
   return status;
 }
 
-static cl_int CL_API_CALL release(cl_program program) {
+cl_int CL_API_CALL upper::clReleaseProgram(cl_program program) {
   if (programs().release(program) != Release::Alive)
     return agent().clReleaseProgram(program);
   const cl_int status = runtime().clReleaseProgram(program);
   if (status != CL_SUCCESS)
     programs().retain(program);
   return status;
-}
-
-void corvane::layer::followPrograms(cl_icd_dispatch &above) {
-  replace(above.clCreateProgramWithSource, &createFromSource);
-  replace(above.clCreateProgramWithBinary, &createFromBinary);
-  replace(above.clCreateProgramWithBuiltInKernels, &createBuiltIn);
-  replace(above.clCreateProgramWithIL, &createFromIL);
-  replace(above.clRetainProgram, &retain);
-  replace(above.clReleaseProgram, &release);
 }

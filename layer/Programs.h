@@ -1,4 +1,4 @@
-// The application's programs, from their creation to their last release.
+// What the layer knows of the application's programs.
 
 #pragma once
 
@@ -19,7 +19,11 @@ struct ProgramInfo {
 };
 
 /// The programs that the application may have built. The agent keeps records
-/// only of programs that are in this book.
+/// only of programs that are in this table.
+///
+/// The agent counts builds where the application counts references. It is told
+/// of a release only with the last reference, so a program keeps its variants
+/// until then and no record outlives its program.
 ObjectTable<cl_program, ProgramInfo> &programs();
 
 /// Enters a program that was just made. Whatever agent or layer knew of an
@@ -27,15 +31,10 @@ ObjectTable<cl_program, ProgramInfo> &programs();
 void enterNewProgram(cl_program program);
 
 /// Enters a program whose creation went past the layer. Does nothing for one
-/// that is known, or is none.
+/// that is known, or for a handle that is no program's.
 void enterUnseenProgram(cl_program program);
 
 /// Has the agent drop its record of a living program, if it has one.
 void forgetBuilds(cl_program program);
-
-/// The agent counts builds where the application counts references. It is told
-/// of a release only with the last reference, so a program keeps its variants
-/// until then and no record outlives its program.
-void followPrograms(cl_icd_dispatch &above);
 
 } // namespace corvane::layer

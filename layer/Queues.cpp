@@ -1,9 +1,14 @@
-// Queues, which the agent must have profiling and the application need not see.
-
-#include "layer/Queues.h"
+// The calls that create queues and tell of them and of their events.
+//
+// The agent needs queues with profiling. A queue gets it whichever call makes
+// it, or is made as asked if it cannot have that. All that the application is
+// told of such a queue and its events is what it would be told of the queue
+// that it asked for.
 
 #include "layer/Answer.h"
+#include "layer/LayerTable.h"
 #include "layer/ObjectTable.h"
+#include "layer/UpperHooks.h"
 
 #include <vector>
 
@@ -84,9 +89,9 @@ static cl_command_queue createProfiled(CreateExtended createExtended,
   return queue;
 }
 
-static cl_command_queue CL_API_CALL
-createQueue(cl_context context, cl_device_id device,
-            cl_command_queue_properties properties, cl_int *errcodeRet) {
+cl_command_queue CL_API_CALL upper::clCreateCommandQueue(
+    cl_context context, cl_device_id device,
+    cl_command_queue_properties properties, cl_int *errcodeRet) {
   const auto create = [&](const cl_icd_dispatch &calls, cl_int *status) {
     return calls.clCreateCommandQueue(context, device, properties, status);
   };
@@ -98,9 +103,9 @@ createQueue(cl_context context, cl_device_id device,
                         QueueInfo(), errcodeRet);
 }
 
-static cl_command_queue CL_API_CALL
-createListedQueue(cl_context context, cl_device_id device,
-                  const cl_queue_properties *list, cl_int *errcodeRet) {
+cl_command_queue CL_API_CALL upper::clCreateCommandQueueWithProperties(
+    cl_context context, cl_device_id device, const cl_queue_properties *list,
+    cl_int *errcodeRet) {
   const auto create = [&](const cl_queue_properties *properties,
                           cl_int *status) {
     return runtime().clCreateCommandQueueWithProperties(context, device,
@@ -114,21 +119,21 @@ createListedQueue(cl_context context, cl_device_id device,
       [&] { return create(list, errcodeRet); }, infoOf(list), errcodeRet);
 }
 
-static cl_int CL_API_CALL retainQueue(cl_command_queue queue) {
+cl_int CL_API_CALL upper::clRetainCommandQueue(cl_command_queue queue) {
   const cl_int status = runtime().clRetainCommandQueue(queue);
   if (status == CL_SUCCESS)
     queues().retain(queue);
   return status;
 }
 
-static cl_int CL_API_CALL releaseQueue(cl_command_queue queue) {
+cl_int CL_API_CALL upper::clReleaseCommandQueue(cl_command_queue queue) {
   queues().release(queue);
   return runtime().clReleaseCommandQueue(queue);
 }
 
 static cl_int answerProperties(cl_command_queue queue, Answer answer) {
   const cl_int status = runtime().clGetCommandQueueInfo(
-      queue, CL_QUEUE_PROPERTIES, answer.room, answer.value, answer.length);
+      queue, CL_QUEUE_PROPERTIES, answer.capacity, answer.value, answer.length);
   if (status == CL_SUCCESS && answer.value && queues().has(queue))
     *static_cast<cl_command_queue_properties *>(answer.value) &=
         ~cl_command_queue_properties{CL_QUEUE_PROFILING_ENABLE};
@@ -138,7 +143,7 @@ static cl_int answerProperties(cl_command_queue queue, Answer answer) {
 static cl_int answerList(cl_command_queue queue, Answer answer) {
   const auto ask = [&](Answer wanted) {
     return runtime().clGetCommandQueueInfo(queue, CL_QUEUE_PROPERTIES_ARRAY,
-                                           wanted.room, wanted.value,
+                                           wanted.capacity, wanted.value,
                                            wanted.length);
   };
   const QueueInfo info = queues().read(queue);
@@ -146,20 +151,21 @@ static cl_int answerList(cl_command_queue queue, Answer answer) {
   // A runtime of before OpenCL 3.0 does not answer at all.
   if (!info.madeByList || ask({0, nullptr, &length}) != CL_SUCCESS)
     return ask(answer);
-  // A list that was null has no length, and so fits into any room.
+  // A list that was null has no length, and so fits everywhere.
   return answer.give(info.list.data(),
                      info.list.size() * sizeof(cl_queue_properties));
 }
 
-static cl_int CL_API_CALL getQueueInfo(cl_command_queue queue,
-                                       cl_command_queue_info name, size_t room,
-                                       void *value, size_t *length) {
-  const Answer answer{room, value, length};
+cl_int CL_API_CALL upper::clGetCommandQueueInfo(cl_command_queue queue,
+                                                cl_command_queue_info name,
+                                                size_t capacity, void *value,
+                                                size_t *length) {
+  const Answer answer{capacity, value, length};
   if (name == CL_QUEUE_PROPERTIES)
     return answerProperties(queue, answer);
   if (name == CL_QUEUE_PROPERTIES_ARRAY)
     return answerList(queue, answer);
-  return runtime().clGetCommandQueueInfo(queue, name, room, value, length);
+  return runtime().clGetCommandQueueInfo(queue, name, capacity, value, length);
 }
 
 static bool hasHiddenTimes(cl_event event) {
@@ -169,19 +175,12 @@ static bool hasHiddenTimes(cl_event event) {
          queues().has(queue);
 }
 
-static cl_int CL_API_CALL getEventTimes(cl_event event, cl_profiling_info name,
-                                        size_t room, void *value,
-                                        size_t *length) {
+cl_int CL_API_CALL upper::clGetEventProfilingInfo(cl_event event,
+                                                  cl_profiling_info name,
+                                                  size_t capacity, void *value,
+                                                  size_t *length) {
   if (hasHiddenTimes(event))
     return CL_PROFILING_INFO_NOT_AVAILABLE;
-  return runtime().clGetEventProfilingInfo(event, name, room, value, length);
-}
-
-void corvane::layer::hideProfiling(cl_icd_dispatch &above) {
-  replace(above.clCreateCommandQueue, &createQueue);
-  replace(above.clCreateCommandQueueWithProperties, &createListedQueue);
-  replace(above.clRetainCommandQueue, &retainQueue);
-  replace(above.clReleaseCommandQueue, &releaseQueue);
-  replace(above.clGetCommandQueueInfo, &getQueueInfo);
-  replace(above.clGetEventProfilingInfo, &getEventTimes);
+  return runtime().clGetEventProfilingInfo(event, name, capacity, value,
+                                           length);
 }
