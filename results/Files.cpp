@@ -1,4 +1,4 @@
-// Regular files only, through buffers of our own.
+// Opens regular files only, and reads and writes them in large blocks.
 
 #include "results/Files.h"
 
@@ -57,8 +57,8 @@ static platform::FileHandle openFile(const std::string &path, FileUse use,
 
 static constexpr std::size_t blockSize = 262144;
 
-// Nothing that a run writes comes near; a file that lacks line feeds must not
-// take all memory.
+// No run writes a line of nearly this length. Without a limit a file that lacks
+// line feeds would take all memory.
 static constexpr std::size_t longestLine = 64 * blockSize;
 
 LineReader::LineReader(const std::string &pathOfFile)
@@ -74,8 +74,8 @@ bool LineReader::fail(Reason reason) {
   return false;
 }
 
-// Moves the rest of the buffer to its begin and reads a block behind it; false
-// at the end of the file.
+// Moves the bytes that were not handed out to the begin of the buffer and reads
+// a block after them. Returns false at the end of the file.
 bool LineReader::fill() {
   if (!file)
     return false;

@@ -1,4 +1,4 @@
-// Files that are read by lines or written, with errors that can be shown.
+// Reads files line by line and writes files, with errors that can be shown.
 
 #pragma once
 
@@ -70,13 +70,13 @@ private:
   std::optional<FileError::Reason> failure;
   platform::FileHandle file; ///< null: there are no (more) lines
   std::vector<char> buffer;  ///< grows only for a line that does not fit
-  std::size_t begin = 0;     ///< the bytes read but not yet handed out ...
-  std::size_t end = 0;       ///< ... stop here
+  std::size_t begin = 0;     ///< of the bytes that were not handed out yet
+  std::size_t end = 0;       ///< of the bytes that were read
 };
 
-/// A new file, or one that replaces what was there. Takes bytes as they are;
-/// what cannot be written is dropped. LLVM's own file stream would end the
-/// process for an error that was not looked at.
+/// Writes a file anew, over the one that was there. Bytes are written as they
+/// are; those that cannot be written are dropped. LLVM's own file stream would
+/// end the process for an error that was not looked at.
 class OutputFile : public llvm::raw_ostream {
 public:
   explicit OutputFile(const std::string &path);

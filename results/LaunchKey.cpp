@@ -1,4 +1,4 @@
-// Makes keys from sizes and from text.
+// Makes launch keys from sizes, and joins and splits their texts.
 
 #include "results/LaunchKey.h"
 

@@ -1,4 +1,5 @@
-// What tells the launches of a run apart in every result: kernel and sizes.
+// The kernel and the sizes of a launch as text, by which all result files tell
+// launches apart.
 
 #pragma once
 

@@ -1,4 +1,5 @@
-// Numbers as text without streams or C formatting, which obey the locale.
+// Formats and parses numbers by <charconv>: streams and C's functions obey the
+// locale.
 
 #include "results/NumberText.h"
 
@@ -42,7 +43,7 @@ static std::string_view withoutLeadingBlanks(std::string_view text) {
   return begin == std::string_view::npos ? "" : text.substr(begin);
 }
 
-// std::from_chars knows no plus sign.
+// std::from_chars does not accept a plus sign.
 static std::string_view withoutPlus(std::string_view text) {
   const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
   return plus ? text.substr(1) : text;

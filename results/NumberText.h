@@ -9,12 +9,12 @@
 
 namespace corvane {
 
-/// Fixed notation with \p decimals (at most 9) digits after the point. What is
-/// infinite or no number is written as zero.
+/// Fixed notation with \p decimals (at most 9) digits after the point.
+/// Infinities and NaNs are written as zero.
 std::string fixedText(double value, int decimals);
 
 /// Six significant digits without trailing zeros, with an exponent where C's
-/// "%g" has one. What is infinite or no number is written as zero.
+/// "%g" has one. Infinities and NaNs are written as zero.
 std::string generalText(double value);
 
 /// Writes the same, without a string for each of many numbers.

@@ -1,4 +1,4 @@
-// One line of text for each run, nine fields with commas between them.
+// Writes rows of the log, and gathers the samples of each configuration.
 
 #include "results/RawTimingLog.h"
 
@@ -17,8 +17,8 @@ const std::string_view corvane::rawLogHeader =
     "kernel,x_global,y_global,z_global,x_local,y_local,z_local,coarsed_kernel,"
     "time\n";
 
-// Up to this many nanoseconds the double that stands for them, with three
-// decimals, has just their digits.
+// Below this the time in microseconds as a double, printed with three decimals,
+// has the digits of the nanoseconds.
 static constexpr std::uint64_t mostExactNanoseconds = 1'000'000'000'000'000;
 
 std::string corvane::timeText(std::uint64_t nanoseconds) {
@@ -57,16 +57,16 @@ private:
   versionsOf(std::string_view fields);
 
   std::vector<ConfigResults> &configs;
-  std::deque<std::string> texts; ///< what the tables' keys refer to
+  std::deque<std::string> texts; ///< own the keys of the two tables
   std::unordered_map<std::string_view, std::size_t> configByFields;
-  /// By all but the time of a row: most rows are found here.
+  /// By the text of a row before its time. Finds most rows in one step.
   std::unordered_map<std::string_view, Samples *> samplesByText;
 };
 
 } // namespace
 
-// A vector that grows moves its configurations, whose lists of samples stay
-// where they are then.
+// samplesByText points into the configurations. A vector that grows must move
+// them: then their lists of samples keep their places.
 static_assert(std::is_nothrow_move_constructible_v<ConfigResults>);
 
 static constexpr std::size_t commasBeforeTime = LaunchKey::fieldCount + 1;

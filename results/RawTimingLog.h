@@ -1,4 +1,6 @@
-// The raw timing log: the text of its rows, and the samples read back from it.
+// The raw timing log: writes its rows, and reads the samples back.
+//
+// A row is the text of one run, nine fields with commas between them.
 
 #pragma once
 

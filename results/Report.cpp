@@ -1,4 +1,4 @@
-// The order of work of the report, one configuration after the other.
+// Ranks one configuration after the other and writes its rows and pages.
 
 #include "results/Report.h"
 
@@ -35,7 +35,7 @@ llvm::Error corvane::createPageFolder(const ReportJob &job) {
 
 namespace {
 
-/// A report in the making.
+/// Writes the files of one job and collects their errors.
 class ReportWriter {
 public:
   explicit ReportWriter(ReportJob &reportJob) : job(reportJob) {}
@@ -74,7 +74,7 @@ void ReportWriter::writeConfigs() {
   OutputFile file(resultPath(job.outputDirectory, resultFile::table));
   ResultsTable table(file);
   for (ConfigResults &config : job.configs) {
-    // Its memory is free for the next one when the pages are written.
+    // Taken out of the job: when the pages are written, the memory is free.
     const RankedConfig ranked =
         rankVersions(std::exchange(config, ConfigResults()));
     writePages(ranked, table.addRows(ranked));

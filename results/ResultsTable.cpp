@@ -1,4 +1,4 @@
-// Writes the rows of the results table.
+// Writes the header and the rows of the results table.
 
 #include "results/ResultsTable.h"
 

@@ -1,4 +1,4 @@
-// Plain sums over sorted samples.
+// Computes medians, means and deviations, and sorts versions by their means.
 
 #include "results/Statistics.h"
 

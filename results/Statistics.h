@@ -1,4 +1,4 @@
-// What the samples of each version amount to, and which version is the fastest.
+// The figures of each version's samples, and the ranking of the versions.
 
 #pragma once
 

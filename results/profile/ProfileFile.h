@@ -1,4 +1,4 @@
-// The text of a profile, written and read.
+// Writes profiles as text, and reads them back.
 
 #pragma once
 

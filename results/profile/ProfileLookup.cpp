@@ -1,4 +1,4 @@
-// One table for the texts, one for the sizes.
+// Finds decisions in two steps: by the texts of a kernel, then by sizes.
 
 #include "results/profile/ProfileLookup.h"
 
@@ -10,7 +10,7 @@ using llvm::StringRef;
 void KernelChoices::add(const LaunchSizes &sizes,
                         const std::optional<std::string> &use) {
   const auto [place, isNew] = bySizes.try_emplace(sizes, use.value_or(""));
-  // All that came before agree, if they do, so any two are enough to compare.
+  // If all that were added before agree, comparing with any two is enough.
   unanimous = unanimous && place->second == bySizes.begin()->second &&
               place->second == bySizes.rbegin()->second;
 }

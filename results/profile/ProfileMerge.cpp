@@ -13,7 +13,7 @@ using namespace corvane;
 
 namespace {
 
-/// Where samples belong together: device, program, kernel and sizes.
+/// What samples of one configuration have in common.
 using Key = std::tuple<ProfileDevice, std::string, std::string, LaunchSizes>;
 
 /// A version of a kernel of a program, on any device and for any sizes.

@@ -33,7 +33,7 @@ struct TunedConfiguration {
   std::string winner; ///< empty: the original
   /// The original first, the others by median, those without samples last.
   std::vector<TunedVersion> versions;
-  /// Why it was not tuned, as the first run says that tells; empty otherwise.
+  /// Why it was not tuned, from the first run that gives a reason; else empty.
   std::string untunable;
   /// Of the application. Of a process that was killed, those that had samples.
   std::uint64_t launches = 0;

@@ -1,4 +1,5 @@
-// The pages that only hold others together.
+// The pages of frames and links: one for each configuration, the index and the
+// main page.
 
 #include "results/ResultFiles.h"
 #include "results/report/Pages.h"

@@ -1,4 +1,4 @@
-// Keeps ordinary names as they are and makes the others harmless.
+// Keeps ordinary names as they are and replaces what would do harm in others.
 
 #include "results/report/PageNames.h"
 
@@ -18,19 +18,19 @@ static std::string dimension(const char *name, const std::string &global,
   return global.empty() ? "" : name + global + "/" + local;
 }
 
-// The comma stands before "y" and "z" even if nothing stands before the comma.
+// "y" and "z" have their comma even where no other dimension comes first.
 std::string corvane::configTitle(const LaunchKey &key) {
   return key.kernel + " [ " + dimension("x:", key.xGlobal, key.xLocal) +
          dimension(", y:", key.yGlobal, key.yLocal) +
          dimension(", z:", key.zGlobal, key.zLocal) + " ] ";
 }
 
-// No file system has room for more in a name.
+// File systems take names of 255 bytes at most.
 static constexpr std::size_t mostBytes =
     255 - std::string_view(resultFile::graphPage).size();
 
-// What is left of a name that gets a number. Far below the limit: a path has
-// one as well.
+// How many bytes of a name are kept when it gets a number. So few because paths
+// have a limit of their own.
 static constexpr std::size_t keptBytes = 150;
 
 static bool isNameCharacter(char c) {
@@ -48,7 +48,8 @@ static bool isOrdinary(const LaunchKey &key) {
   });
 }
 
-// "-" is in no ordinary name, and the number in none of these twice.
+// The result is unique: ordinary names have no "-", and each number is used
+// once.
 static std::string numbered(std::string name, std::size_t number) {
   name.resize(std::min(name.size(), keptBytes));
   std::replace_if(

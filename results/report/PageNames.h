@@ -1,4 +1,4 @@
-// What a configuration is called on the pages, in files and in links.
+// Titles of configurations, and names for their files that are safe in links.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// What a person calls a configuration: "k [ x:1024/64 ] ".
+/// The configuration as the pages show it to people: "k [ x:1024/64 ] ".
 std::string configTitle(const LaunchKey &key);
 
 /// Gives the configurations of one report their names, one after the other.
@@ -20,9 +20,10 @@ public:
   ///
   /// A name is letters, digits, "_", "$" and "-", short enough for a file with
   /// any of our endings, and never given twice; so it needs no escape on a page
-  /// and leads nowhere else. The kernel and the sizes stand in it as they are,
-  /// unless no compiler and no launch made them, or nothing has room for them:
-  /// then what would do harm is replaced, and a number makes the name unique.
+  /// and leads to no other file. The kernel and the sizes are in it unchanged,
+  /// unless no compiler and no launch made them, or they are too long for a
+  /// file name: then what would do harm is replaced, and a number makes the
+  /// name unique.
   std::string nameFor(const LaunchKey &key);
 
 private:

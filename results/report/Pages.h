@@ -1,7 +1,7 @@
 // The pages of the HTML report, each a function from data to a stream.
 //
-// All texts are part of the interface, byte for byte. Names from the log come
-// in as they are, and the pages see to it that they stay in their places.
+// All texts are part of the interface, byte for byte. Names from the log may be
+// any bytes; the pages escape them (see SafeText.h).
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Writes names character by character.
+// Decodes names as UTF-8 and escapes them character by character.
 
 #include "results/report/SafeText.h"
 
@@ -13,7 +13,7 @@ using Character = std::uint32_t;
 
 static constexpr Character notShown = 0xFFFD;
 
-// Takes the first character off the text; a byte if that is none.
+// Takes the first character off the text, or one byte that is no UTF-8.
 static Character takeCharacter(std::string_view &text) {
   const auto *const begin = reinterpret_cast<const llvm::UTF8 *>(text.data());
   const llvm::UTF8 *next = begin;
@@ -52,7 +52,7 @@ std::string corvane::htmlText(std::string_view name) {
   return text;
 }
 
-// "\u" and four digits; JavaScript has two of them for the rarer characters.
+// "\u" and four digits; for characters past U+FFFF a surrogate pair of them.
 static std::string escape(Character character) {
   if (character > 0xFFFF) {
     const Character rest = character - 0x10000;
@@ -65,14 +65,14 @@ static bool hasOtherMeaning(Character character) {
   return isMarkup(character) || character == '_';
 }
 
-static Character wideTwin(Character character) { return character + 0xFEE0; }
+static Character fullWidth(Character character) { return character + 0xFEE0; }
 
 std::string corvane::scriptText(std::string_view name) {
   std::string text;
   while (!name.empty()) {
     const Character character = takeCharacter(name);
     if (hasOtherMeaning(character))
-      text += escape(wideTwin(character));
+      text += escape(fullWidth(character));
     else if (isAscii(character) && character != '\\')
       text += static_cast<char>(character);
     else

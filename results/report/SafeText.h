@@ -1,12 +1,12 @@
-// Names from the log as text that stays in its place on a page.
+// Escapes names from the log, so that they cannot change a page.
 //
-// Anyone may have edited the log, and then a name can be any bytes. What could
-// end the place that it stands in is written as a reference or an escape. A
-// name that a compiler made comes out as it is.
+// Anyone may have edited the log, and then a name can be any bytes. A character
+// that could end the text or the attribute that a name is in is written as a
+// reference or an escape. A name that a compiler made comes out as it is.
 //
-// All that comes out is ASCII: the pages name no character set, and whatever a
-// browser takes for one, ASCII stays what it is. Bytes that are no UTF-8, and
-// control characters, become the sign for what cannot be shown.
+// All that comes out is ASCII: the pages name no character set, and ASCII means
+// the same in every one that a browser may assume. Bytes that are no UTF-8, and
+// control characters, become the replacement character, U+FFFD.
 
 #pragma once
 
@@ -22,8 +22,9 @@ std::string htmlText(std::string_view name);
 /// names a column for a graph library.
 ///
 /// Such a library may put the text on the page as HTML, and looks columns up in
-/// an object, which has a "__proto__" already. So signs of HTML and "_" become
-/// their wide twins; no version that ever ran has either in its name.
+/// an object, which has a "__proto__" already. So characters of HTML markup and
+/// "_" become their full-width forms; no version that ever ran has one of them
+/// in its name.
 std::string scriptText(std::string_view name);
 
 /// \p path, which comes from the user and not from the log, for an attribute in

@@ -10,14 +10,14 @@ using namespace corvane;
 
 namespace {
 
-/// The colour that the rows written last have.
+/// The colour of the rows that were written last.
 enum class RowGroup { None, Lime, Faded, Orange };
 
 } // namespace
 
 static void writeCaption(llvm::raw_ostream &out, const RankedConfig &config,
                          LineRange lines) {
-  // The title begins with the kernel's name, which so stands there twice.
+  // The title begins with the kernel's name too: it is written twice.
   out << "<thead> <th colspan = \"11\" align=\"left\">"
       << htmlText(config.launchKey.kernel + configTitle(config.launchKey))
       << "called " << config.sampleCount() << " times"
@@ -60,8 +60,8 @@ static double speedup(double baseline, double value) {
   return baseline == 0.0 || value == 0.0 ? 0.0 : baseline / value;
 }
 
-// The count stands there twice; it is not the version's own. Nothing ends a
-// row: the rows follow each other on one line.
+// The count is written twice, and is that of the whole configuration. A row has
+// no end tag and no line feed.
 static void writeRow(llvm::raw_ostream &out, const std::string &name,
                      const VersionStats &stats, const VersionStats &baseline,
                      std::size_t count) {

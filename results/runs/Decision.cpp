@@ -1,4 +1,4 @@
-// Medians, intervals that hold for all versions at once, and the winner.
+// Compares medians and intervals of all versions, and picks the winner.
 
 #include "results/runs/Decision.h"
 

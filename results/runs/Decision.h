@@ -32,7 +32,7 @@ bool isHopeless(llvm::ArrayRef<double> samples, double originalMedian);
 struct VersionSamples {
   std::string version; ///< empty: the original
   std::vector<double> samples;
-  bool out = false; ///< a check found it different: it has no part in this
+  bool out = false; ///< not compared: a check found its output different
 };
 
 struct Decision {

@@ -15,7 +15,7 @@ void corvane::writeNumber(json::OStream &out, double number) {
     out.value(nullptr);
     return;
   }
-  std::array<char, 32> text; // the shortest form has 24 characters at most
+  std::array<char, 32> text; // 24 characters are enough for any double
   const auto [end, failed] =
       std::to_chars(text.data(), text.data() + text.size(), number);
   out.rawValue(

@@ -84,8 +84,8 @@ bool Parser::parseHexadecimal(unsigned &unit) {
   return true;
 }
 
-// After "\u". Two halves of a pair make one code point; a half that is alone
-// stands for nothing and becomes U+FFFD.
+// Parses the digits after "\u". A surrogate pair makes one code point; a
+// surrogate that is alone becomes U+FFFD.
 bool Parser::parseCodePoint(std::string &string) {
   constexpr unsigned replacement = 0xFFFD;
   unsigned first = 0;
@@ -126,7 +126,7 @@ bool Parser::parseEscape(std::string &string) {
   return true;
 }
 
-// After the quotation mark.
+// Parses a string after its first quotation mark.
 bool Parser::parseString(std::string &string) {
   while (!rest.empty()) {
     const StringRef plain =
@@ -165,7 +165,7 @@ bool Parser::parseNumber(json::Value &value) {
   return true;
 }
 
-// After "[".
+// Parses a list after its "[".
 bool Parser::parseArray(json::Value &value, unsigned depth) {
   json::Array elements;
   skipSpace();
@@ -183,7 +183,7 @@ bool Parser::parseArray(json::Value &value, unsigned depth) {
   return true;
 }
 
-// After "{".
+// Parses an object after its "{".
 bool Parser::parseObject(json::Value &value, unsigned depth) {
   json::Object fields;
   skipSpace();

@@ -1,7 +1,9 @@
-// The counterpart of RunWriter.cpp, in the same order.
+// Reads the fields of each line in the order in which RunWriter.cpp writes
+// them.
 
 #include "results/runs/LineFields.h"
 
+#include "results/RawTimingLog.h"
 #include "results/runs/RunReader.h"
 #include "results/runs/SizeFields.h"
 
@@ -12,7 +14,7 @@ using namespace corvane;
 namespace json = llvm::json;
 
 std::string corvane::versionFromFile(std::string name) {
-  return name == "baseline" ? std::string() : std::move(name);
+  return name == baselineName ? std::string() : std::move(name);
 }
 
 // Reads each element of a list by \p readElement. What is wrong within an
@@ -75,7 +77,7 @@ ProcessLine corvane::readProcess(JsonFields &fields) {
     for (const auto &[name, value] : *settings)
       if (const auto text = value.getAsString())
         line.settings.emplace_back(name.str(), text->str());
-  // The tree has no order of its own.
+  // LLVM keeps the fields of an object in no fixed order.
   std::sort(line.settings.begin(), line.settings.end());
   return line;
 }

@@ -1,4 +1,4 @@
-// Reads the fields of each kind of line of a run record.
+// Makes the lines of a run record from the fields of JSON objects.
 
 #pragma once
 

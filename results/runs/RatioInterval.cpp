@@ -1,6 +1,8 @@
-// Disturbances only ever add to a time. So the limits compare a short time of
-// one side, which few disturbances reach, with as long a time of the other as
-// the probability asks for: what is longer still may be any disturbance.
+// Computes the limits of the interval from order statistics.
+//
+// Disturbances only ever add to a time. So a limit compares a short time of one
+// side, which few disturbances reach, with as long a time of the other as the
+// probability asks for: longer ones may all come from disturbances.
 
 #include "results/runs/RatioInterval.h"
 
@@ -64,7 +66,7 @@ static std::optional<double> upperLimit(const Samples &first,
 
 static Samples sorted(llvm::ArrayRef<double> samples) {
   Samples copy(samples.begin(), samples.end());
-  // A time of nothing stands for the shortest time that a ratio can have.
+  // A ratio needs times above zero: 0 becomes the least number above it.
   for (double &sample : copy)
     sample = std::max(sample, std::numeric_limits<double>::min());
   std::sort(copy.begin(), copy.end());

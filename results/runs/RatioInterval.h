@@ -1,5 +1,4 @@
-// An interval for the ratio of two times that holds however times are
-// distributed.
+// An interval for the ratio of two times, whatever their distribution is.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Gives each line to the function for its kind.
+// Parses each line of a record and adds it to the run, by its kind.
 
 #include "results/runs/RunReader.h"
 

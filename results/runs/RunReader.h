@@ -1,4 +1,4 @@
-// Reads run records, whoever wrote or edited them.
+// Reads run records, which may have been cut off or edited.
 
 #pragma once
 
@@ -38,9 +38,9 @@ struct RunRecord {
   std::map<std::uint32_t, RunConfiguration> configurations;
   std::optional<EndLine> end; ///< none: the process was killed
 
-  /// The first of the lines that could not be used ...
+  /// The first RunReader::maxProblems of the lines that could not be used.
   std::vector<RunProblem> problems;
-  std::size_t problemCount = 0; ///< ... and how many there are in all
+  std::size_t problemCount = 0; ///< of all lines that could not be used
 };
 
 /// Takes the lines of one record in their order.

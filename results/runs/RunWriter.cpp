@@ -1,7 +1,8 @@
-// One function for each kind of line.
+// Writes each kind of line as a JSON object.
 
 #include "results/runs/RunWriter.h"
 
+#include "results/RawTimingLog.h"
 #include "results/runs/Json.h"
 #include "results/runs/SizeFields.h"
 
@@ -11,7 +12,7 @@ using namespace corvane;
 namespace json = llvm::json;
 
 llvm::StringRef corvane::versionInFile(llvm::StringRef version) {
-  return version.empty() ? "baseline" : version;
+  return version.empty() ? llvm::StringRef(baselineName) : version;
 }
 
 static void writeVersion(json::OStream &out, const std::string &version) {

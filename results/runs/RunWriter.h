@@ -1,4 +1,4 @@
-// Writes lines of a run record as text.
+// Makes the text of a line of a run record.
 
 #pragma once
 
