@@ -1,5 +1,8 @@
-// What a condition does unless its class overrides it; the order of conditions.
+// What a condition does unless its class overrides it, and a strict order of
+// conditions, as a standard set needs it.
 #include "variants/Transform.h"
+
+#include <utility>
 
 namespace llvm {
 
@@ -30,3 +33,23 @@ bool corvane::TransformOrder::operator()(const llvm::Transform &a,
     return a.dimension < b.dimension;
   return a.precedes(b);
 }
+
+namespace corvane {
+
+bool ConditionSet::EntryOrder::operator()(const Entry &a,
+                                          const Entry &b) const {
+  const bool aFirst = TransformOrder()(*a.condition, *b.condition);
+  const bool bFirst = TransformOrder()(*b.condition, *a.condition);
+  // Both claim to be first, and the newer one is put first. A variant's
+  // conditions pass through two sets, each of which reverses its restrictions,
+  // so the rebuilt name has them in their first order.
+  if (aFirst && bFirst)
+    return a.arrival > b.arrival;
+  return aFirst;
+}
+
+void ConditionSet::insert(std::unique_ptr<llvm::Transform> condition) {
+  entries.insert(Entry{std::move(condition), arrivals++});
+}
+
+} // namespace corvane

@@ -1,7 +1,7 @@
 // The record of one generated variant, and what a launch asks of it.
 #pragma once
 
-#include "variants/ConditionSet.h"
+#include "variants/Transform.h"
 
 #include <string>
 #include <utility>

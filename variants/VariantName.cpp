@@ -1,9 +1,8 @@
 // Splits a kernel name into base name, marker and the items of its spec.
 #include "variants/VariantName.h"
 
+#include "variants/ArgumentConditions.h"
 #include "variants/CoarseRequest.h"
-#include "variants/DivisibleArgs.h"
-#include "variants/RestrictArgs.h"
 #include "variants/SpecText.h"
 
 #include "llvm/ADT/StringExtras.h"

@@ -1,6 +1,6 @@
 // Tests of the owning set: order, equivalents, and restrictions, of which the
 // latest comes first.
-#include "variants/ConditionSet.h"
+#include "variants/Transform.h"
 
 #include "ProbeCondition.h"
 #include "variants/VariantName.h"

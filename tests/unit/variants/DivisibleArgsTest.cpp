@@ -1,5 +1,5 @@
 // Divisibility of scalar arguments, and the order of such conditions.
-#include "variants/DivisibleArgs.h"
+#include "variants/ArgumentConditions.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // Tests of restricted arguments: part of the name, but no condition.
-#include "variants/RestrictArgs.h"
+#include "variants/ArgumentConditions.h"
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,7 @@
 #include "variants/Transform.h"
 
 #include "variants/CoarseRequest.h"
-#include "variants/DivisibleArgs.h"
-#include "variants/RestrictArgs.h"
+#include "variants/ArgumentConditions.h"
 
 #include <gtest/gtest.h>
 

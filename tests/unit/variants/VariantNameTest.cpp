@@ -2,8 +2,7 @@
 #include "variants/VariantName.h"
 
 #include "variants/CoarseRequest.h"
-#include "variants/DivisibleArgs.h"
-#include "variants/RestrictArgs.h"
+#include "variants/ArgumentConditions.h"
 
 #include <gmock/gmock.h>
 

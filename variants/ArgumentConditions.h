@@ -1,4 +1,4 @@
-// The condition that scalar arguments are divisible by given numbers.
+// The conditions that name arguments: restrict pointers, and divisible scalars.
 #pragma once
 
 #include "variants/Transform.h"
@@ -6,8 +6,23 @@
 #include "llvm/ADT/ArrayRef.h"
 
 #include <map>
+#include <set>
 
 namespace llvm {
+
+/// The arguments that a variant's generator assumed to be restrict pointers.
+/// Part of a variant's name and order, but no test at launch.
+///
+/// Keeps the base's `precedes`, so that no two are ever equivalent and each one
+/// in a name stays in the record.
+struct RestrictArgs : Transform {
+  std::set<std::uint32_t> indices; ///< argument indices
+
+  RestrictArgs() : Transform(RestrictKind, 0) {}
+
+  std::string specText() const override;
+  std::unique_ptr<Transform> clone() const override;
+};
 
 /// Arguments that must be multiples of a divisor when the variant is launched.
 struct DivisibleArgs : Transform {
@@ -28,6 +43,10 @@ struct DivisibleArgs : Transform {
 } // namespace llvm
 
 namespace corvane {
+
+/// The condition that an item of a spec makes: null unless the letter is 'r'.
+std::unique_ptr<llvm::Transform>
+makeRestrictArgs(char letter, llvm::ArrayRef<std::uint32_t> numbers);
 
 /// The condition that an item of a spec makes: null unless the letter is 'd'
 /// and the numbers are pairs of index and divisor. The first pair for an index

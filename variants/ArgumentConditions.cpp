@@ -1,5 +1,5 @@
-// Tests argument values for divisibility.
-#include "variants/DivisibleArgs.h"
+// Tests arguments, and makes their conditions from items of a name and back.
+#include "variants/ArgumentConditions.h"
 
 #include "variants/SpecText.h"
 
@@ -7,6 +7,15 @@
 #include <vector>
 
 namespace llvm {
+
+std::string RestrictArgs::specText() const {
+  return corvane::itemText(
+      'r', std::vector<std::uint32_t>(indices.begin(), indices.end()));
+}
+
+std::unique_ptr<Transform> RestrictArgs::clone() const {
+  return std::make_unique<RestrictArgs>(*this);
+}
 
 /// Tests a value that may lie at any address, as the application left it.
 template <typename Unsigned>
@@ -55,6 +64,16 @@ bool DivisibleArgs::precedes(const Transform &other) const {
 }
 
 } // namespace llvm
+
+std::unique_ptr<llvm::Transform>
+corvane::makeRestrictArgs(char letter, llvm::ArrayRef<std::uint32_t> numbers) {
+  if (letter != 'r')
+    return nullptr;
+
+  auto condition = std::make_unique<llvm::RestrictArgs>();
+  condition->indices.insert(numbers.begin(), numbers.end());
+  return condition;
+}
 
 std::unique_ptr<llvm::Transform>
 corvane::makeDivisibleArgs(char letter, llvm::ArrayRef<std::uint32_t> numbers) {
