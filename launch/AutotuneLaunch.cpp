@@ -10,7 +10,7 @@
 #include "launch/LaunchBuffers.h"
 #include "launch/TimingTicket.h"
 #include "launch/VariantChoice.h"
-#include "programs/KernelName.h"
+#include "programs/CreatedKernels.h"
 #include "session/LaunchHistory.h"
 
 #include <utility>

@@ -7,7 +7,7 @@
 #include "agent/RuntimeTable.h"
 #include "launch/KernelRecord.h"
 #include "launch/MapOrder.h"
-#include "programs/KernelName.h"
+#include "programs/CreatedKernels.h"
 #include "programs/ProgramRecord.h"
 
 #include "llvm/ADT/ScopeExit.h"

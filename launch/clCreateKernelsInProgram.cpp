@@ -7,7 +7,6 @@
 #include "launch/Hooks.h"
 #include "launch/KernelRegistry.h"
 #include "programs/CreatedKernels.h"
-#include "programs/KernelName.h"
 
 #include <algorithm>
 #include <string>

@@ -2,7 +2,6 @@
 
 #include "programs/BuildInProgress.h"
 
-#include "agent/AgentState.h"
 #include "programs/ProgramIdentity.h"
 #include "programs/VariantDiscovery.h"
 

@@ -1,7 +1,10 @@
-// A build of a program while its call is under way, and what other builds of
-// the same program leave to it.
+// Builds and links under way: several builds of one program at a time, and a
+// second attempt that hides a variable from the compiler.
 
 #pragma once
+
+#include "agent/AgentState.h"
+#include "agent/Environment.h"
 
 #include <CL/cl.h>
 
@@ -41,5 +44,28 @@ private:
   unsigned owedCollections = 0; ///< left by other builds
   BuildInProgress *next;        ///< in the list of all that are under way
 };
+
+/// Hides CORVANE_AUTOTUNE while it lives. Takes the agent lock at its birth and
+/// at its end only: the compiler may take long.
+class AutotuneHidden {
+public:
+  AutotuneHidden() {
+    AgentGuard guard;
+    hideAutotune();
+  }
+  ~AutotuneHidden() {
+    AgentGuard guard;
+    restoreAutotune();
+  }
+  AutotuneHidden(const AutotuneHidden &) = delete;
+  AutotuneHidden &operator=(const AutotuneHidden &) = delete;
+};
+
+/// Calls \p attempt, a second build or link, while the compiler of the runtime
+/// does not see that the agent autotunes. Returns what \p attempt returns.
+template <typename Attempt> auto attemptWithoutAutotune(Attempt attempt) {
+  const AutotuneHidden hidden;
+  return attempt();
+}
 
 } // namespace corvane

@@ -1,10 +1,15 @@
-// Kernels that the runtime created for us in one go.
+// Creates all kernels of a program at once, and tells what each is called and
+// whether that makes it a variant.
 
 #pragma once
 
 #include "agent/Owned.h"
+#include "variants/TransformedKernel.h"
 
 #include <CL/cl.h>
+
+#include <memory>
+#include <string>
 
 namespace corvane {
 
@@ -37,5 +42,14 @@ private:
   cl_uint next = 0;
   cl_uint count = 0;
 };
+
+/// The function name of \p kernel as the runtime tells it; empty if it does
+/// not.
+std::string readKernelName(cl_kernel kernel);
+
+/// The variant that a kernel of this name is, or null if it is an ordinary
+/// kernel. A name too long for the buffer of a usual query makes no variant.
+std::unique_ptr<llvm::TransformedKernelAgent>
+variantOf(const std::string &kernelName);
 
 } // namespace corvane

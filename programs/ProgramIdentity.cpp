@@ -4,7 +4,7 @@
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
-#include "programs/Devices.h"
+#include "programs/BuiltDevices.h"
 #include "programs/ProgramRecord.h"
 #include "programs/RuntimeText.h"
 

@@ -6,7 +6,6 @@
 #include "agent/ClError.h"
 #include "agent/RuntimeTable.h"
 #include "programs/CreatedKernels.h"
-#include "programs/KernelName.h"
 #include "programs/ProgramRecord.h"
 
 #include <string>

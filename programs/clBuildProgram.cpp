@@ -5,10 +5,8 @@
 #include "agent/Flags.h"
 #include "agent/RuntimeTable.h"
 #include "programs/BuildInProgress.h"
-#include "programs/BuildLog.h"
-#include "programs/Devices.h"
+#include "programs/BuiltDevices.h"
 #include "programs/Hooks.h"
-#include "programs/SecondAttempt.h"
 
 using namespace corvane;
 

@@ -6,9 +6,9 @@
 #include "agent/ErrorStream.h"
 #include "agent/Owned.h"
 #include "agent/RuntimeTable.h"
-#include "programs/Devices.h"
+#include "programs/BuildInProgress.h"
+#include "programs/BuiltDevices.h"
 #include "programs/Hooks.h"
-#include "programs/SecondAttempt.h"
 #include "programs/VariantDiscovery.h"
 
 using namespace corvane;

@@ -1,4 +1,4 @@
-// The devices that a program was built for.
+// The devices that a program was built for, and its build log on each.
 
 #pragma once
 
@@ -21,5 +21,9 @@ struct DeviceList {
 /// Asks the runtime for the devices of \p program. A failure is reported and
 /// returned, and leaves \p devices empty.
 cl_int programDevices(cl_program program, DeviceList &devices);
+
+/// True when no device's build log flags a variant. Every device is asked; a
+/// log that cannot be read is reported and flags nothing.
+bool screenBuild(cl_program program, llvm::ArrayRef<cl_device_id> devices);
 
 } // namespace corvane
