@@ -5,6 +5,8 @@
 
 #include "base/Platform.h"
 
+#include "llvm/Support/Path.h"
+
 #include <atomic>
 #include <cstring>
 
@@ -116,4 +118,21 @@ const char *corvane::resultsDir() {
   if (const char *directory = autotuneDir())
     return directory;
   return isParked ? lookUp(variable::autotuneShadow) : nullptr;
+}
+
+// An empty text names the root.
+static bool isRelative(const std::string &directory) {
+  return !directory.empty() && !llvm::sys::path::has_root_path(directory);
+}
+
+std::optional<std::string>
+corvane::outputDirectory(const std::string &loadFolder) {
+  const EnvironmentLook look;
+  const char *value = look ? resultsDir() : nullptr;
+  if (!value)
+    return std::nullopt;
+  const std::string directory = value;
+  if (loadFolder.empty() || !isRelative(directory))
+    return directory;
+  return loadFolder + "/" + directory;
 }

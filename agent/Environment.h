@@ -7,6 +7,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
+#include <string>
 
 namespace corvane {
 
@@ -73,5 +75,11 @@ private:
 /// Where autotuning results go, also while the variable is parked; null when
 /// it is not defined. Hold an EnvironmentLook.
 const char *resultsDir();
+
+/// Where autotuning results go, for callers without an EnvironmentLook; none if
+/// the variable is not defined. A relative folder is looked for from
+/// \p loadFolder, the folder that was current at the load; if that is empty it
+/// stays relative. Any thread.
+std::optional<std::string> outputDirectory(const std::string &loadFolder);
 
 } // namespace corvane

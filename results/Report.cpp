@@ -3,10 +3,9 @@
 #include "results/Report.h"
 
 #include "results/Files.h"
+#include "results/NumberText.h"
 #include "results/ResultFiles.h"
-#include "results/ResultsTable.h"
-#include "results/Statistics.h"
-#include "results/report/PageNames.h"
+#include "results/report/PageLinks.h"
 #include "results/report/Pages.h"
 
 #include <algorithm>
@@ -31,6 +30,29 @@ llvm::Error corvane::createOutputFolder(const ReportJob &job) {
 llvm::Error corvane::createPageFolder(const ReportJob &job) {
   return createFolder(job.outputDirectory + platform::directorySeparator +
                       resultFile::pageFolder);
+}
+
+ResultsTable::ResultsTable(llvm::raw_ostream &stream) : out(stream) {
+  // The column names are part of the interface, byte for byte.
+  out << "kernel,x_global,y_global,z_global,x_local,y_local,z_local,"
+         "coarsed_kernel,time,outlier\n";
+}
+
+LineRange ResultsTable::addRows(const RankedConfig &config) {
+  LineRange range;
+  range.first = nextRow;
+  const std::string key = joinedFields(config.launchKey, ',');
+  for (const auto &[version, stats] : config.ranking) {
+    const std::string start = key + ',' + version + ',';
+    for (double sample : stats.samples) {
+      out << start;
+      writeGeneral(out, sample);
+      out << (isOutlier(sample, stats.min) ? ",*\n" : ", \n");
+    }
+    nextRow += stats.samples.size();
+  }
+  range.last = nextRow - 1;
+  return range;
 }
 
 namespace {

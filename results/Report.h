@@ -2,10 +2,12 @@
 
 #pragma once
 
-#include "results/RawTimingLog.h"
+#include "results/report/Pages.h"
 
 #include "llvm/Support/Error.h"
+#include "llvm/Support/raw_ostream.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -34,5 +36,20 @@ llvm::Error createPageFolder(const ReportJob &job);
 /// written. A file that cannot be written is left out; the errors of all those,
 /// each a FileError, are joined.
 llvm::Error writeResultFiles(ReportJob &job);
+
+/// The results table: every sample again, by rank and time, outliers marked.
+/// Writes it to a stream that must outlive it.
+class ResultsTable {
+public:
+  /// Writes the header line.
+  explicit ResultsTable(llvm::raw_ostream &stream);
+
+  /// Writes the rows of a configuration and returns where they are.
+  LineRange addRows(const RankedConfig &config);
+
+private:
+  llvm::raw_ostream &out;
+  std::uint64_t nextRow = 1;
+};
 
 } // namespace corvane

@@ -7,7 +7,7 @@
 namespace corvane {
 
 /// All names are part of the interface. Each format is described where the
-/// file's text is made: RawTimingLog.h, ResultsTable.h, report/Pages.h,
+/// file's text is made: RawTimingLog.h, Report.h, report/Pages.h,
 /// runs/RunLines.h and profile/Profile.h.
 namespace resultFile {
 inline constexpr const char *rawLog = ".auto.csv";
@@ -15,7 +15,7 @@ inline constexpr const char *table = "autotune.csv";
 inline constexpr const char *mainPage = "main.html";
 inline constexpr const char *pageFolder = "html"; ///< holds all other pages
 inline constexpr const char *indexPage = "index.html";
-// The name of a configuration (report/PageNames.h) and one of these endings
+// The name of a configuration (report/PageLinks.h) and one of these endings
 // make the name of a page.
 inline constexpr const char *framePage = ".html";
 inline constexpr const char *tablePage = "_table.html";

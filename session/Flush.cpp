@@ -10,7 +10,6 @@
 #include "results/Files.h"
 #include "results/ResultFiles.h"
 #include "session/LogAppender.h"
-#include "session/OutputDirectory.h"
 
 #include <memory>
 #include <mutex>

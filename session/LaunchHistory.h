@@ -59,7 +59,12 @@ struct LaunchHistory {
   }
 
   /// A record that is not listed yet. Takes the lock.
-  std::shared_ptr<LaunchRecord> makeRecord(const LaunchKey &key);
+  std::shared_ptr<LaunchRecord> makeRecord(const LaunchKey &key) {
+    auto record = std::make_shared<LaunchRecord>();
+    const std::lock_guard<std::mutex> guard(lock);
+    record->fields = &shared(joinedFields(key, ','));
+    return record;
+  }
 };
 
 } // namespace corvane

@@ -3,12 +3,12 @@
 
 #include "session/LogAppender.h"
 
+#include "agent/Environment.h"
 #include "agent/ErrorStream.h"
 #include "agent/Flags.h"
 #include "base/Platform.h"
 #include "results/RawTimingLog.h"
 #include "results/ResultFiles.h"
-#include "session/OutputDirectory.h"
 
 #include <limits>
 #include <mutex>

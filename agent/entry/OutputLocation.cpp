@@ -9,7 +9,6 @@
 #include "base/Platform.h"
 #include "session/LaunchHistory.h"
 #include "session/LogAppender.h"
-#include "session/OutputDirectory.h"
 
 #include <optional>
 #include <string>

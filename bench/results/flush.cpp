@@ -7,7 +7,6 @@
 #include "bench/results/SampleLog.h"
 #include "results/Files.h"
 #include "results/Report.h"
-#include "results/ResultsTable.h"
 #include "results/Statistics.h"
 
 #include <benchmark/benchmark.h>

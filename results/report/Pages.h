@@ -5,20 +5,20 @@
 
 #pragma once
 
-#include "results/ResultsTable.h"
 #include "results/Statistics.h"
 
 #include "llvm/Support/raw_ostream.h"
 
+#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace corvane {
 
-/// One line of the list of configurations.
-struct IndexEntry {
-  std::string title;
-  std::string page; ///< file name, as PageNames made it
+/// Rows of the results table. They are counted from 1 and the header is not
+/// counted, so a text editor shows each row one line lower.
+struct LineRange {
+  std::uint64_t first = 1;
+  std::uint64_t last = 0;
 };
 
 /// The statistics of a configuration; \p lines is where its samples are in the
@@ -30,16 +30,5 @@ void writeTablePage(llvm::raw_ostream &out, const RankedConfig &config,
 /// from \p installLocation.
 void writeGraphPage(llvm::raw_ostream &out, const RankedConfig &config,
                     const std::string &installLocation);
-
-/// The table page above the graph page, both called after \p base.
-void writeFramePage(llvm::raw_ostream &out, const std::string &base);
-
-/// The list of all configurations.
-void writeIndexPage(llvm::raw_ostream &out,
-                    const std::vector<IndexEntry> &entries);
-
-/// The index beside the first configuration.
-void writeMainPage(llvm::raw_ostream &out,
-                   const std::vector<IndexEntry> &entries);
 
 } // namespace corvane

@@ -2,7 +2,7 @@
 
 #include "results/NumberText.h"
 #include "results/ResultFiles.h"
-#include "results/report/PageNames.h"
+#include "results/report/PageLinks.h"
 #include "results/report/Pages.h"
 #include "results/report/SafeText.h"
 

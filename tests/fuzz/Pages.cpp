@@ -2,9 +2,9 @@
 
 #include "tests/fuzz/Pages.h"
 
+#include "results/Report.h"
 #include "results/ResultFiles.h"
-#include "results/ResultsTable.h"
-#include "results/report/PageNames.h"
+#include "results/report/PageLinks.h"
 #include "results/report/Pages.h"
 #include "tests/fuzz/Input.h"
 

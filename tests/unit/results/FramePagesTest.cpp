@@ -1,6 +1,6 @@
 // The frame, index and main page, byte for byte.
 
-#include "results/report/Pages.h"
+#include "results/report/PageLinks.h"
 
 #include "Configs.h"
 

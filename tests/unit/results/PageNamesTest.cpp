@@ -1,6 +1,6 @@
 // What pages are called: ordinary names byte for byte, the others harmless.
 
-#include "results/report/PageNames.h"
+#include "results/report/PageLinks.h"
 
 #include "Configs.h"
 

@@ -1,6 +1,6 @@
 // autotune.csv as text, and the line numbers that the report prints.
 
-#include "results/ResultsTable.h"
+#include "results/Report.h"
 
 #include "Configs.h"
 

@@ -1,9 +1,10 @@
-// Keeps ordinary names as they are and replaces what would do harm in others.
+// Makes names that are safe in files and links, and the pages with the links.
 
-#include "results/report/PageNames.h"
+#include "results/report/PageLinks.h"
 
 #include "base/Platform.h"
 #include "results/ResultFiles.h"
+#include "results/report/SafeText.h"
 
 #include "llvm/ADT/STLExtras.h"
 #include "llvm/ADT/StringExtras.h"
@@ -65,4 +66,49 @@ std::string PageNames::nameFor(const LaunchKey &key) {
       taken.insert(platform::comparableFileName(name)).second)
     return name;
   return numbered(std::move(name), count);
+}
+
+void corvane::writeFramePage(llvm::raw_ostream &out, const std::string &base) {
+  out << "<!DOCTYPE html>\n"
+         "<html>"
+         "<frameset rows = \"50%,*\">\n"
+         "<frame src=\""
+      << base << resultFile::tablePage
+      << "\">\n"
+         "<frame src=\""
+      << base << resultFile::graphPage
+      << "\">\n"
+         "</frameset>\n"
+         "</html>";
+}
+
+void corvane::writeIndexPage(llvm::raw_ostream &out,
+                             const std::vector<IndexEntry> &entries) {
+  out << "<!DOCTYPE html>\n"
+         "<html>\n"
+         "<b>Kernels</b>\n"
+         "<ul>\n";
+  for (const IndexEntry &entry : entries)
+    out << "<li><a class=\"el\" href=\"" << entry.page
+        << "\" target=\"basefrm\"> " << htmlText(entry.title) << " </a> \n";
+  out << "</ul>\n"
+         "</html>\n";
+}
+
+void corvane::writeMainPage(llvm::raw_ostream &out,
+                            const std::vector<IndexEntry> &entries) {
+  // The head stands before the html tag; browsers have always coped.
+  out << "<!DOCTYPE html>\n"
+         "<head><title>AUTOTUNE OUTPUT</title></head>\n"
+         "<html>\n"
+         "<frameset cols = \"20%,*\">\n"
+         "<frame src=\""
+      << resultFile::pageFolder << '/' << resultFile::indexPage
+      << "\" name=\"indexfrm\">\n"
+         "<frame src=\""
+      << resultFile::pageFolder << '/'
+      << (entries.empty() ? "" : entries.front().page)
+      << "\" name=\"basefrm\">\n"
+         "</frameset>\n"
+         "</html>\n";
 }

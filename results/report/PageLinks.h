@@ -1,12 +1,17 @@
-// Titles of configurations, and names for their files that are safe in links.
+// How the pages of a report are called, and the pages that lead to the others.
+//
+// All texts are part of the interface, byte for byte.
 
 #pragma once
 
 #include "results/LaunchKey.h"
 
+#include "llvm/Support/raw_ostream.h"
+
 #include <cstddef>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace corvane {
 
@@ -30,5 +35,22 @@ private:
   std::size_t count = 0;       ///< configurations so far
   std::set<std::string> taken; ///< names as the file system tells them apart
 };
+
+/// One line of the list of configurations.
+struct IndexEntry {
+  std::string title;
+  std::string page; ///< file name, as PageNames made it
+};
+
+/// The table page above the graph page, both called after \p base.
+void writeFramePage(llvm::raw_ostream &out, const std::string &base);
+
+/// The list of all configurations.
+void writeIndexPage(llvm::raw_ostream &out,
+                    const std::vector<IndexEntry> &entries);
+
+/// The index beside the first configuration.
+void writeMainPage(llvm::raw_ostream &out,
+                   const std::vector<IndexEntry> &entries);
 
 } // namespace corvane
