@@ -1,4 +1,4 @@
-# What cmake --install copies: libraries, the program, the report's script, the licence.
+# What cmake --install copies: libraries, programs, the report's script, the licence.
 
 # One folder for both: the layer looks for the agent beside itself.
 set(installed_libraries CorvaneAg)
@@ -13,6 +13,9 @@ install(TARGETS ${installed_libraries}
 # The program looks for the layer in ../lib as well as beside itself.
 if(TARGET corvane)
   install(TARGETS corvane RUNTIME DESTINATION bin)
+endif()
+if(TARGET corvane-coarsen)
+  install(TARGETS corvane-coarsen RUNTIME DESTINATION bin)
 endif()
 
 # <prefix>/share/corvane is what $CORVANE_INSTALL_LOCATION has to name.

@@ -14,7 +14,8 @@ class CorvaneHelp : public CorvaneTest {};
 TEST_F(CorvaneHelp, NamesTheCommands) {
   const Outcome outcome = corvane({"--help"});
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_THAT(outcome.out, AllOf(HasSubstr("tune"), HasSubstr("run")));
+  EXPECT_THAT(outcome.out,
+              AllOf(HasSubstr("tune"), HasSubstr("run"), HasSubstr("coarsen")));
   EXPECT_EQ(outcome.err, "");
 }
 
@@ -26,6 +27,10 @@ TEST_F(CorvaneHelp, ShowsEachCommandWithAnExample) {
   EXPECT_THAT(corvane({"run", "--help"}).out,
               AllOf(HasSubstr("--profile"), HasSubstr("--summary"),
                     HasSubstr("Example: corvane run")));
+  EXPECT_THAT(corvane({"coarsen", "--help"}).out,
+              AllOf(HasSubstr("--plans"), HasSubstr("--output"),
+                    HasSubstr("--refusals"),
+                    HasSubstr("Example: corvane coarsen")));
 }
 
 TEST_F(CorvaneHelp, TellsTheVersion) {
@@ -44,7 +49,9 @@ TEST_F(CorvaneHelp, RefusesArgumentsInOneLine) {
         {"tune", "./x"},
         {"tune"},
         {"tune", "--"},
-        {"run"}}) {
+        {"run"},
+        {"coarsen"},
+        {"coarsen", "a.cl", "b.cl"}}) {
     const Outcome outcome = corvane(arguments);
     EXPECT_EQ(outcome.exitCode, 125);
     EXPECT_EQ(outcome.out, "");

@@ -1,6 +1,6 @@
 # Installs into a new folder and has an application autotuned from there.
 #
-# cmake -DBUILD=... -DINTO=... -DLAYER=... -DAGENT=... -DAPPLICATION=... -P ...
+# cmake -DBUILD=... -DINTO=... -DPROGRAMS=... -DLAYER=... -DAGENT=... -DAPPLICATION=... -P ...
 
 set(prefix "${INTO}/prefix")
 set(results "${INTO}/results")
@@ -11,7 +11,7 @@ execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}"
                 OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 file(GLOB_RECURSE installed RELATIVE "${prefix}" "${prefix}/*")
 list(SORT installed)
-set(expected bin/corvane "lib/${AGENT}" "lib/${LAYER}" share/corvane/dygraph-combined.js
+set(expected ${PROGRAMS} "lib/${AGENT}" "lib/${LAYER}" share/corvane/dygraph-combined.js
              share/doc/corvane/LICENSE)
 if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "Installed: ${installed}\nExpected: ${expected}")

@@ -36,9 +36,18 @@ struct RunOptions {
   bool summary = false;
 };
 
+struct CoarsenOptions {
+  std::string file;  ///< "-": the standard input
+  std::string plans; ///< empty: not given, so are the next two
+  std::string output;
+  std::string refusals;
+  std::vector<std::string> build; ///< options for the build of the program
+};
+
 /// Each does one command and returns the exit code. \p program is not empty.
 int tune(const TuneOptions &options, const Program &program);
 int run(const RunOptions &options, const Program &program);
+int coarsen(const CoarsenOptions &options);
 
 /// Writes one line to standard error, which begins with "corvane".
 void say(const llvm::Twine &line);

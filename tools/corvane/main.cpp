@@ -14,13 +14,19 @@ using namespace corvane;
 
 namespace {
 
-/// Help for a command that runs a program.
+/// Help for a command whose arguments end with words that are not its own.
 class CommandFormatter : public CLI::Formatter {
 public:
+  explicit CommandFormatter(std::string words) : ending(std::move(words)) {}
   std::string make_usage(const CLI::App *, std::string name) const override {
-    return "Usage: " + name + " [OPTIONS] -- PROGRAM ARGUMENTS...\n";
+    return "Usage: " + name + " [OPTIONS] " + ending + "\n";
   }
+
+private:
+  const std::string ending;
 };
+
+const char programWords[] = "-- PROGRAM ARGUMENTS...";
 
 } // namespace
 
@@ -54,7 +60,7 @@ static CLI::App *addTune(CLI::App &commands, TuneOptions &options) {
                    "Time that tuning may add, in all")
       ->type_name("S")
       ->check(CLI::PositiveNumber);
-  command->formatter(std::make_shared<CommandFormatter>());
+  command->formatter(std::make_shared<CommandFormatter>(programWords));
   command->footer("Example: corvane tune --seconds 60 -- ./solve --size 512\n"
                   "Ends with the program's exit code.");
   return command;
@@ -70,8 +76,36 @@ static CLI::App *addRun(CLI::App &commands, RunOptions &options) {
       ->capture_default_str();
   command->add_flag("--summary", options.summary,
                     "One line at the end: how many launches ran a variant");
-  command->formatter(std::make_shared<CommandFormatter>());
+  command->formatter(std::make_shared<CommandFormatter>(programWords));
   command->footer("Example: corvane run -- ./solve --size 512");
+  return command;
+}
+
+static CLI::App *addCoarsen(CLI::App &commands, CoarsenOptions &options) {
+  CLI::App *const command = commands.add_subcommand(
+      "coarsen", "Print an OpenCL source with variants of its kernels");
+  command
+      ->add_option("FILE", options.file,
+                   "OpenCL C source; - is the standard input")
+      ->type_name("")
+      ->required();
+  command
+      ->add_option("--plans", options.plans,
+                   "Which variants: default, all, or a list with commas such "
+                   "as g0S4,l0S2,block:g0S2 (docs/coarsening.md)")
+      ->type_name("P");
+  command
+      ->add_option("--output", options.output,
+                   "File to write to, in place of the standard output")
+      ->type_name("F");
+  command
+      ->add_option("--refusals", options.refusals,
+                   "JSON file that tells what was made, what was not, and why")
+      ->type_name("F.json");
+  command->formatter(std::make_shared<CommandFormatter>(
+      "FILE.cl [-- OPTIONS FOR ITS BUILD...]"));
+  command->footer("Example: corvane coarsen blur.cl --output blur-variants.cl "
+                  "-- -D RADIUS=3");
   return command;
 }
 
@@ -89,18 +123,22 @@ static int dispatch(const std::vector<std::string> &arguments) {
                     "corvane");
   TuneOptions tuneOptions;
   RunOptions runOptions;
+  CoarsenOptions coarsenOptions;
   commands.set_version_flag("--version", "corvane " CORVANE_VERSION);
   commands.require_subcommand(1);
   commands.footer("corvane COMMAND --help tells more of a command.");
   CLI::App *const tuneCommand = addTune(commands, tuneOptions);
   CLI::App *const runCommand = addRun(commands, runOptions);
 
-  // What follows the first "--" is the program's, whatever it looks like.
+  const CLI::App *const coarsenCommand = addCoarsen(commands, coarsenOptions);
+
+  // What follows the first "--" is for the program or for its build, whatever
+  // it looks like.
   const auto separator =
       std::find(arguments.begin(), arguments.end(), std::string("--"));
-  const Program program(separator == arguments.end() ? separator
-                                                     : separator + 1,
-                        arguments.end());
+  const std::vector<std::string> others(
+      separator == arguments.end() ? separator : separator + 1,
+      arguments.end());
   std::vector<std::string> ours(arguments.begin(), separator);
   std::reverse(ours.begin(), ours.end()); // as CLI11 takes them
   try {
@@ -108,14 +146,18 @@ static int dispatch(const std::vector<std::string> &arguments) {
   } catch (const CLI::ParseError &error) {
     return explain(commands, error);
   }
-  if (program.empty()) {
+  if (coarsenCommand->parsed()) {
+    coarsenOptions.build = others;
+    return coarsen(coarsenOptions);
+  }
+  if (others.empty()) {
     say("which program? Put it after --, as in: corvane " +
         commands.get_subcommands().front()->get_name() + " -- ./program");
     return CommandFailed;
   }
   if (tuneCommand->parsed())
-    return tune(tuneOptions, program);
-  return runCommand->parsed() ? run(runOptions, program) : CommandFailed;
+    return tune(tuneOptions, others);
+  return runCommand->parsed() ? run(runOptions, others) : CommandFailed;
 }
 
 int main(int count, char **values) {
