@@ -1,4 +1,4 @@
-// Forgets buffers that the runtime has destroyed.
+// Drops the records of buffers that the runtime has destroyed.
 
 #include "programs/BufferRecord.h"
 
@@ -7,9 +7,9 @@
 
 using namespace corvane;
 
-// Unlocked: the runtime may call this while another thread waits for it with
-// the agent lock in its hands. The pin keeps the state, the leaf lock the
-// table.
+// Unlocked: the runtime may call this while another thread holds the agent lock
+// and waits for the runtime. The pin keeps the state alive; the leaf lock
+// guards the table.
 void CL_CALLBACK corvane::bufferReleased(cl_mem memObject, void *) {
   if (inForkedChild())
     return;

@@ -1,4 +1,4 @@
-// A buffer of the application's, and the host memory for its contents.
+// The record of a buffer, and host memory for its contents.
 
 #pragma once
 
@@ -13,7 +13,7 @@ namespace corvane {
 
 struct HostArea;
 
-/// Shared with whoever waits for a transfer of the area's.
+/// Shared by the record and the transfers that are under way.
 using HostCopy = std::shared_ptr<HostArea>;
 
 /// Host memory that the runtime reads and writes while transfers are under way.
@@ -32,8 +32,8 @@ struct BufferRecord {
   std::size_t size = 0;       ///< bytes, as the application asked for
   /// False if the host may not both read and write the buffer.
   bool hostMayTransfer = true;
-  /// False if the runtime will not tell when the buffer is gone; another buffer
-  /// of the handle does.
+  /// False if the runtime will not tell when the buffer is gone. Then the
+  /// record is dropped when a new buffer gets the same handle.
   bool isWatched = true;
   /// size bytes; null until a launch with the buffer is tuned.
   HostCopy hostCopy;

@@ -2,7 +2,7 @@
 
 #include "programs/BuildInProgress.h"
 
-#include "programs/ProgramIdentity.h"
+#include "programs/ProgramRecord.h"
 #include "programs/VariantDiscovery.h"
 
 #include <utility>

@@ -22,10 +22,10 @@ public:
   CreatedKernels(const CreatedKernels &) = delete;
   CreatedKernels &operator=(const CreatedKernels &) = delete;
 
-  /// Creates the kernels of \p program, if they are at most \p room, and
-  /// returns the runtime's status. On failure there are none, and there can be
-  /// another try.
-  cl_int createUpTo(cl_uint room, cl_program program);
+  /// Creates the kernels of \p program, if they are at most \p most, and
+  /// returns the runtime's status. After a failure there are none, and it may
+  /// be called again.
+  cl_int createUpTo(cl_uint most, cl_program program);
 
   bool empty() const { return next == count; }
   cl_uint size() const { return count - next; }

@@ -18,8 +18,8 @@ static constexpr std::size_t mostBytes = std::size_t{1} << 16;
 static std::optional<std::string> textOf(cl_device_id device,
                                          cl_device_info what) {
   const auto text = readRuntimeText(
-      mostBytes, [=](std::size_t room, void *place, std::size_t *size) {
-        return runtime().clGetDeviceInfo(device, what, room, place, size);
+      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
+        return runtime().clGetDeviceInfo(device, what, capacity, place, size);
       });
   if (!text)
     return std::nullopt;
@@ -28,8 +28,8 @@ static std::optional<std::string> textOf(cl_device_id device,
 
 template <typename Value>
 static std::optional<Value> valueOf(cl_device_id device, cl_device_info what) {
-  return readRuntimeValue<Value>([=](std::size_t room, void *place) {
-    return runtime().clGetDeviceInfo(device, what, room, place, nullptr);
+  return readRuntimeValue<Value>([=](std::size_t capacity, void *place) {
+    return runtime().clGetDeviceInfo(device, what, capacity, place, nullptr);
   });
 }
 

@@ -18,7 +18,7 @@ struct VariantDescription {
 
   const std::string kernelName;                  ///< as the runtime knows it
   const llvm::TransformedKernelAgent conditions; ///< a copy of the group's
-  const std::string spec;                        ///< as timings are labelled
+  const std::string spec;                        ///< its name in all results
 };
 
 /// The name of a kernel and its variants, ready for each creation of such a

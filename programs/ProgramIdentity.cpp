@@ -23,19 +23,19 @@ static constexpr std::size_t mostBytes = std::size_t{1} << 30;
 static constexpr std::size_t mostDevices = 4096;
 
 static std::optional<std::string> sourceOf(cl_program program) {
-  return readRuntimeText(mostBytes,
-                         [=](std::size_t room, void *place, std::size_t *size) {
-                           return runtime().clGetProgramInfo(
-                               program, CL_PROGRAM_SOURCE, room, place, size);
-                         });
+  return readRuntimeText(
+      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
+        return runtime().clGetProgramInfo(program, CL_PROGRAM_SOURCE, capacity,
+                                          place, size);
+      });
 }
 
 static std::optional<std::string> optionsOf(cl_program program,
                                             cl_device_id device) {
   return readRuntimeText(
-      mostBytes, [=](std::size_t room, void *place, std::size_t *size) {
+      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
         return runtime().clGetProgramBuildInfo(
-            program, device, CL_PROGRAM_BUILD_OPTIONS, room, place, size);
+            program, device, CL_PROGRAM_BUILD_OPTIONS, capacity, place, size);
       });
 }
 
@@ -132,9 +132,4 @@ std::optional<std::string> corvane::programHash(AgentState &state,
   if (ProgramRecord *record = state.programs.find(program))
     record->hashes[device] = hash;
   return hash;
-}
-
-void corvane::forgetProgramHash(AgentState &state, cl_program program) {
-  if (ProgramRecord *record = state.programs.find(program))
-    record->hashes.clear();
 }

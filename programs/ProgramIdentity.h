@@ -23,8 +23,4 @@ struct AgentState;
 std::optional<std::string> programHash(AgentState &state, cl_program program,
                                        cl_device_id device);
 
-/// Forgets the hashes of \p program, which was built again. Hold the agent
-/// lock.
-void forgetProgramHash(AgentState &state, cl_program program);
-
 } // namespace corvane

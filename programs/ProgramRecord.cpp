@@ -1,4 +1,4 @@
-// Keeps the records of programs and their kernel groups.
+// Makes and drops records of programs, and sorts kernels into groups.
 
 #include "programs/ProgramRecord.h"
 
@@ -118,6 +118,11 @@ corvane::prototypeOf(KernelGroup &group) {
         std::make_unique<const VariantDescription>(*variant));
   group.prototype = std::move(prototype);
   return group.prototype;
+}
+
+void corvane::forgetProgramHash(AgentState &state, cl_program program) {
+  if (ProgramRecord *record = state.programs.find(program))
+    record->hashes.clear();
 }
 
 void corvane::dropProgramReference(AgentState &state, cl_program program) {

@@ -1,4 +1,4 @@
-// What a build made: a program's kernels, each with its variants.
+// The record of a program: its kernels, each with its variants.
 
 #pragma once
 
@@ -37,8 +37,9 @@ struct KernelGroup {
 /// Owned by the state; found by handle. Changed under the agent lock and the
 /// state's programsLock, so either is enough for reading.
 struct ProgramRecord {
-  cl_program program = nullptr;                           ///< borrowed
-  std::vector<std::unique_ptr<KernelGroup>> kernelGroups; ///< as they came
+  cl_program program = nullptr; ///< borrowed
+  /// In the order of the builds, and within one build of the runtime.
+  std::vector<std::unique_ptr<KernelGroup>> kernelGroups;
   /// Builds and links, not the runtime's references.
   std::uint32_t refCount = 1;
 
@@ -75,6 +76,10 @@ KernelGroup *findGroup(const ProgramRecord &record, llvm::StringRef name);
 /// What the group's kernels have in common, with copies of its variants. An
 /// exception leaves the group as it was. Hold the agent lock.
 std::shared_ptr<const KernelPrototype> prototypeOf(KernelGroup &group);
+
+/// Forgets the hashes of \p program, which was built again. Hold the agent
+/// lock.
+void forgetProgramHash(AgentState &state, cl_program program);
 
 /// Takes one reference from the record of \p program, if there is one, and
 /// forgets it with the last. Hold the agent lock.

@@ -14,7 +14,7 @@
 namespace corvane {
 
 /// A text that the runtime tells in two steps, its size and its characters.
-/// \p ask(room, place, size) makes the call and returns its status. None if
+/// \p ask(capacity, place, size) makes the call and returns its status. None if
 /// either step fails, or if the runtime claims more than \p most bytes. Ends
 /// with the first zero, if there is one.
 template <typename Ask>
@@ -34,8 +34,8 @@ std::optional<std::string> readRuntimeText(std::size_t most, Ask ask) {
   return std::string(text.get());
 }
 
-/// A value of a fixed size. \p ask(room, place) makes the call and returns its
-/// status. None if it fails.
+/// A value of a fixed size. \p ask(capacity, place) makes the call and returns
+/// its status. None if it fails.
 template <typename Value, typename Ask>
 std::optional<Value> readRuntimeValue(Ask ask) {
   Value value{};

@@ -1,4 +1,4 @@
-// Has the runtime create all kernels of a program, for a look at their names.
+// Creates all kernels of a program for a moment, to read their names.
 
 #include "programs/VariantDiscovery.h"
 
@@ -21,13 +21,13 @@ static FoundKernel identify(cl_kernel kernel) {
   return found;
 }
 
-// Room for the kernels of nearly every program.
-static constexpr cl_uint usualRoom = 4096;
+// Nearly every program has fewer kernels.
+static constexpr cl_uint usualCount = 4096;
 
 // A runtime that claims more kernels for one program is wrong.
-static constexpr cl_uint mostRoom = 1U << 20;
+static constexpr cl_uint mostKernels = 1U << 20;
 
-// 0 if the runtime does not tell.
+// How many kernels the program has; 0 if the runtime does not tell.
 static cl_uint countKernels(cl_program program) {
   cl_uint count = 0;
   const cl_int status =
@@ -35,17 +35,17 @@ static cl_uint countKernels(cl_program program) {
   return status == CL_SUCCESS ? count : 0;
 }
 
-// The first failure is reported although more room may help: the report is part
-// of the interface.
+// The first failure is reported even where a second try with a larger array
+// succeeds: the report is part of the interface.
 static cl_int createAll(CreatedKernels &kernels, cl_program program) {
-  cl_int status = kernels.createUpTo(usualRoom, program);
+  cl_int status = kernels.createUpTo(usualCount, program);
   if (status == CL_SUCCESS)
     return status;
   reportClError(CallSite::CollectKernels, status);
   if (status != CL_INVALID_VALUE)
     return status;
   const cl_uint count = countKernels(program);
-  if (count <= usualRoom || count > mostRoom)
+  if (count <= usualCount || count > mostKernels)
     return status;
   status = kernels.createUpTo(count, program);
   if (status != CL_SUCCESS)

@@ -1,4 +1,4 @@
-// A build, and the discovery of the variants that it made.
+// The hook of a build: has the program built, and finds the variants in it.
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
@@ -10,7 +10,8 @@
 
 using namespace corvane;
 
-// Without a program there is nothing to be clean.
+// Whether no build log complains of a variant. False for a program that is
+// null.
 static bool screenBuiltDevices(cl_program program, cl_uint numDevices,
                                const cl_device_id *deviceList) {
   if (deviceList)
@@ -52,8 +53,8 @@ cl_int CL_API_CALL hooks::clBuildProgram(
   cl_int status = build();
   AfterBuild next = lookAtLogs(program, numDevices, deviceList);
   if (next == AfterBuild::BuildAgain) {
-    // Variants that spill registers are not worth timing: the compiler gets a
-    // second chance, as if nobody were autotuning.
+    // Variants that spill registers are not worth timing. So the program is
+    // built again, and this time the compiler does not see that it is tuned.
     status = attemptWithoutAutotune(build);
     next = status == CL_SUCCESS ? AfterBuild::Collect : AfterBuild::Leave;
   }

@@ -1,5 +1,5 @@
-// In autotuning mode every buffer is remembered, so that tuned launches can
-// save and restore it.
+// The hook of a buffer's creation: remembers buffers whose contents tuned
+// launches may have to save and restore.
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"

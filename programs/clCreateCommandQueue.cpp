@@ -1,4 +1,4 @@
-// Every queue gets profiling: the times of launches come from it.
+// The hook of a queue's creation: turns profiling on, by which runs are timed.
 
 #include "agent/RuntimeTable.h"
 #include "programs/Hooks.h"

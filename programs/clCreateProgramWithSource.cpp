@@ -1,4 +1,5 @@
-// Creation of a program; what is in it shows when it is built.
+// The hook of a program's creation: passes the call on. What is in the program
+// shows when it is built.
 
 #include "agent/RuntimeTable.h"
 #include "programs/Hooks.h"

@@ -1,4 +1,5 @@
-// Answers about a program's kernels that leave the variants out.
+// The hook of questions about a program: leaves the variants out of the
+// answers.
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
@@ -11,14 +12,14 @@
 using namespace corvane;
 
 namespace {
-/// Where the application wants an answer, and how large it may be.
+/// The place for an answer that the application has passed.
 struct Answer {
-  std::size_t room;
-  void *value;         ///< null: not wanted
-  std::size_t *length; ///< null: not wanted
+  std::size_t capacity; ///< bytes
+  void *value;          ///< null: not wanted
+  std::size_t *length;  ///< null: not wanted
 
   cl_int give(const void *data, std::size_t size) const {
-    if (value && room < size)
+    if (value && capacity < size)
       return CL_INVALID_VALUE;
     if (value)
       std::memcpy(value, data, size);
@@ -29,7 +30,8 @@ struct Answer {
 };
 } // namespace
 
-// Calls give(record) while nobody changes it; nothing without a record.
+// Calls give(record) with the lock of the records held. No result if the agent
+// has no record of the program.
 template <typename Give>
 static std::optional<cl_int> withRecord(cl_program program, Give give) {
   StatePin pin;

@@ -1,4 +1,4 @@
-// A link, and the discovery of the variants in the linked program.
+// The hook of a link: finds the variants in the linked program.
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"
@@ -19,7 +19,8 @@ static void warnAboutNotification() {
              "which prevents Corvane from collecting coarse kernels.\n");
 }
 
-// Asked for the report of its failure alone.
+// The devices are not used: only a failure of the question matters, for its
+// report.
 static void checkDevices(cl_program program, const cl_device_id *deviceList) {
   if (deviceList)
     return;
@@ -29,15 +30,15 @@ static void checkDevices(cl_program program, const cl_device_id *deviceList) {
     reportClError(CallSite::LinkDevices, status);
 }
 
-// Variants are collected only while the variable is defined, be it parked.
+// Variants are collected only while the variable is defined, or parked.
 static bool autotunes() {
   AgentGuard guard;
   const EnvironmentLook look;
   return resultsDir() != nullptr;
 }
 
-// The application has not got the program yet. A flush may have taken the state
-// during the link.
+// Releases the program if an exception passes: the application has not got it
+// yet. A flush may have taken the state away during the link.
 static cl_program withKernels(cl_program linked) {
   Owned<cl_program> program(linked);
   AgentGuard guard;

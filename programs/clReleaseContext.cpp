@@ -1,4 +1,5 @@
-// A context's release can be the moment for the results.
+// The hook of a context's release: flushes the results first, where the user
+// has asked for it.
 
 #include "agent/AgentState.h"
 #include "agent/Environment.h"
@@ -8,8 +9,9 @@
 
 using namespace corvane;
 
-// Unlocked: the flush takes the state away in one step and the results are its
-// own from then on. Whoever still uses the state keeps it alive.
+// Unlocked: the flush takes the state away in one step, and no other thread
+// finds the results from then on. Threads that still use the state keep it
+// alive.
 cl_int CL_API_CALL hooks::clReleaseContext(cl_context context) {
   if (flushOnReleaseContext() && agentState())
     flushAutotuneResults();

@@ -1,4 +1,4 @@
-// Release of a program, and of what is known about it.
+// The hook of a program's release: drops one reference to its record.
 
 #include "agent/AgentState.h"
 #include "agent/ClError.h"

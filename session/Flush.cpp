@@ -1,4 +1,4 @@
-// Reads the log back, writes the report, and lets the state go.
+// Takes the state away, makes the results from the log, and retires the state.
 
 #include "session/Flush.h"
 
@@ -52,10 +52,9 @@ int corvane::writeReport(ReportJob &job) {
 
 namespace {
 
-/// A history that no more runs are added to. Its lock is held, if it was free,
-/// until the waiting rows are written: a row that was being written came first.
-/// A thread that has the lock now is not waited for, because it may have been
-/// stopped by the end of the process.
+/// A history to which no more runs are added. Holds its lock, if that was free,
+/// until the waiting rows are written. A thread that holds the lock already is
+/// not waited for, because the end of the process may have stopped it.
 class ClosedHistory {
 public:
   explicit ClosedHistory(LaunchHistory &open)
@@ -63,11 +62,11 @@ public:
     history.open = false;
   }
 
-  /// Where the results go; none if no variable says so.
+  /// Where the results go; none if the variable is not defined.
   std::optional<std::string> directory() const {
     return outputDirectory(history.loadFolder);
   }
-  /// Lets the history go as well.
+  /// Writes the rows that wait, and unlocks the history.
   void writeRows() {
     if (!lock)
       return;
@@ -93,8 +92,8 @@ static void runJob(ReportJob &job, ClosedHistory &history) {
   writeReport(job);
 }
 
-// None if no variable says so. A build on another thread may be moving
-// variables.
+// None if the variable is not defined. Within a look, because a build on
+// another thread may be moving variables.
 static std::optional<std::string> givenInstallLocation() {
   const EnvironmentLook look;
   const char *location = look ? installLocation() : nullptr;

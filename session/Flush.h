@@ -1,4 +1,4 @@
-// The end of the bookkeeping: makes the results and drops the state.
+// The flush: writes the results and ends the bookkeeping.
 
 #pragma once
 

@@ -1,4 +1,5 @@
-// What this process has launched in autotuning mode, and how long it took.
+// The launches of this process in autotuning mode, and how long their runs
+// took.
 
 #pragma once
 
@@ -49,7 +50,8 @@ struct LaunchHistory {
   std::string unwrittenRows;
   std::unordered_set<std::string> texts;
 
-  /// False once the results are being written: later runs leave no trace.
+  /// False once the results are being written: runs that complete later are
+  /// not recorded.
   std::atomic<bool> open{true};
 
   /// The one copy of \p text that all records share; lasts as long as the

@@ -1,4 +1,4 @@
-// Writes whole lines only, each in one go: a process that is killed at any
+// Appends whole lines, each with one write: a process that is killed at any
 // moment leaves a log that can be read.
 
 #include "session/LogAppender.h"
@@ -21,8 +21,8 @@ using namespace corvane;
 using platform::FileHandle;
 using platform::FileUse;
 
-// A leaf lock below the histories': a second load empties the log for which the
-// runs of the first one have another history's lock.
+// A leaf lock, taken with a history's lock held. That one is not enough: after
+// a second load the runs of the first one have another history.
 static std::mutex fileLock;
 
 static FileHandle openLog(const std::string &directory, FileUse use) {
@@ -66,8 +66,8 @@ static long lengthAfter(long length, std::size_t bytes) {
   return length + static_cast<long>(bytes);
 }
 
-// Writes as many whole lines as the disk takes behind the \p length bytes that
-// are there; the others stay in rows.
+// Appends as many whole lines as the disk takes to the log, which is \p length
+// bytes long; the others stay in rows.
 static void writeRows(std::FILE *log, std::string &rows, long length) {
   std::size_t written = 0;
   while (written < rows.size()) {
@@ -88,10 +88,10 @@ static std::string allRows(const LaunchHistory &history) {
   return rows;
 }
 
-// \p log is empty.
+// Writes the header and all rows of the history to an empty log.
 static void writeAnew(std::FILE *log, LaunchHistory &history) {
-  // A full disk takes not even the header; a long history is not made into rows
-  // for each try.
+  // First of all, so that a full disk does not have a long history made into
+  // rows for each try.
   if (!writeLine(log, rawLogHeader, 0))
     return;
   try {
@@ -103,9 +103,10 @@ static void writeAnew(std::FILE *log, LaunchHistory &history) {
   writeRows(log, history.unwrittenRows, static_cast<long>(rawLogHeader.size()));
 }
 
-// Each time anew, for anybody may have moved, emptied or deleted the log. One
-// handle is enough to look at it and to add to it: opened like this a missing
-// log is an empty one. A log that can be written but not read is made anew.
+// Opens the log each time anew, because any process may have moved, emptied or
+// deleted it. One handle serves for its length and for the rows: opened like
+// this a missing log is an empty one. A log that can be written but not read is
+// made anew.
 static void updateLog(const std::string &directory, LaunchHistory &history) {
   FileHandle log = openLog(directory, FileUse::Append);
   if (!log)

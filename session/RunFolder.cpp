@@ -4,6 +4,7 @@
 
 #include "agent/Environment.h"
 #include "base/Platform.h"
+#include "results/ResultFiles.h"
 
 #include "llvm/ADT/StringExtras.h"
 #include "llvm/Support/FileSystem.h"
@@ -122,7 +123,7 @@ static std::string runName(const ProcessLine &process) {
 std::optional<std::string>
 corvane::makeRunFolder(const std::string &tunedFolder,
                        const ProcessLine &process) {
-  const std::string runs = tunedFolder + "/runs";
+  const std::string runs = resultPath(tunedFolder, resultFile::runFolder);
   platform::createDirectory(tunedFolder.c_str());
   platform::createDirectory(runs.c_str());
   const std::string path = runs + "/" + runName(process);

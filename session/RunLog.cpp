@@ -5,6 +5,7 @@
 
 #include "agent/ErrorStream.h"
 #include "base/Platform.h"
+#include "results/ResultFiles.h"
 #include "results/runs/RunWriter.h"
 
 #include <cstdio>
@@ -12,8 +13,6 @@
 
 using namespace corvane;
 using platform::FileUse;
-
-static constexpr const char *recordName = "run.jsonl";
 
 // More than a full disk keeps waiting in an ordinary run.
 static constexpr std::size_t mostUnwritten = std::size_t{1} << 20;
@@ -64,7 +63,7 @@ void RunLog::append(const std::string &text) {
     return;
   if (unwritten.size() + text.size() <= mostUnwritten)
     unwritten += text;
-  const std::string name = path + "/" + recordName;
+  const std::string name = resultPath(path, resultFile::runRecord);
   const platform::OpenedFile record =
       platform::openRegularFile(name, FileUse::Append);
   if (record.refused)

@@ -1,4 +1,4 @@
-// Transfers between buffers and host memory.
+// Reads, writes and compares buffers in blocking transfers.
 
 #include "tuner/BufferContents.h"
 

@@ -1,4 +1,4 @@
-// Copies of what a launch's buffers hold, in host memory.
+// Copies of the contents of a launch's buffers, in host memory.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Runs, comparisons and restores, one after the other.
+// Runs and compares versions as the plan says, and restores buffers after each.
 
 #include "tuner/TuningJob.h"
 
@@ -36,7 +36,7 @@ void TuningJob::run() noexcept {
   try {
     end = measure();
   } catch (const std::bad_alloc &) {
-    // What was spoiled can still be restored: the copy is there.
+    // The buffers can still be restored: their copy needs no more memory.
   }
   if (buffersAreSpoiled)
     buffersAreSpoiled = saved->writeTo(launch.queue.get()) != CL_SUCCESS;
@@ -45,7 +45,7 @@ void TuningJob::run() noexcept {
   try {
     listener->ended(end, plan, added);
   } catch (const std::bad_alloc &) {
-    // A decision that is lost leaves the application's kernel in its place.
+    // The decision is lost, and the application's kernel stays in use.
   }
   letGo();
 }

@@ -1,4 +1,4 @@
-// A queue of tasks and the thread that runs them.
+// Keeps a queue of tasks and the thread that runs them.
 
 #include "tuner/TuningThread.h"
 

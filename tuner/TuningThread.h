@@ -1,4 +1,4 @@
-// The thread on which kernels are measured.
+// The thread on which versions of kernels are measured.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Names of OpenCL C's scalar types, and their values.
+// Reads the names of OpenCL C's scalar types, and the values of elements.
 
 #include "tuning/ElementType.h"
 

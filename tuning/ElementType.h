@@ -1,4 +1,4 @@
-// What the elements of a buffer are, as a kernel argument's type tells it.
+// The type of a buffer's elements, from the type of a kernel's argument.
 
 #pragma once
 

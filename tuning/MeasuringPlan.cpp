@@ -1,4 +1,4 @@
-// Warm-ups, then rounds in rotating order.
+// Hands out warm-ups, then samples in rounds of rotating order.
 
 #include "tuning/MeasuringPlan.h"
 

@@ -1,4 +1,4 @@
-// Decides which version of a kernel to run next while one is looked for.
+// Decides which version of a kernel is run next while versions are measured.
 
 #pragma once
 
@@ -17,7 +17,7 @@ enum class VersionFate : std::uint8_t {
   Measured,  ///< or still being measured
   Slow,      ///< dropped: its first two samples were hopeless
   Different, ///< its output differs from the reference
-  Failed,    ///< the runtime refused a run, or told of none's time
+  Failed,    ///< the runtime refused a run, or told the time of none
 };
 
 /// One run that a plan asks for.

@@ -1,4 +1,4 @@
-// Element-wise comparison of two buffers.
+// Compares two buffers element by element.
 
 #include "tuning/OutputComparison.h"
 
@@ -49,7 +49,7 @@ void OutputComparison::addPiece(std::size_t offset, const void *reference,
   while (at < whole) {
     const std::size_t element = at - at % type.size;
     compareElement(offset + element, expected + element, found + element);
-    // Every later difference of the piece would be forbidden as well.
+    // Only the first forbidden difference of a buffer is told.
     if (forbidden && forbidden->offset <= offset + element)
       return;
     at = nextDifference(expected, found, element + type.size, size);

@@ -1,4 +1,4 @@
-// A scan of OpenCL C for names and for variables outside of functions.
+// Scans OpenCL C for names, and for variables outside of functions.
 
 #include "tuning/SourceObstacles.h"
 

@@ -1,4 +1,4 @@
-// What in a program's source forbids running its kernels more than once.
+// Finds in a program's source what forbids running its kernels more than once.
 
 #pragma once
 

@@ -1,7 +1,7 @@
 // Tests arguments, and makes their conditions from items of a name and back.
 #include "variants/ArgumentConditions.h"
 
-#include "variants/SpecText.h"
+#include "variants/VariantName.h"
 
 #include <cstring>
 #include <vector>

@@ -1,7 +1,7 @@
 // Tests the sizes of a launch and rewrites them for a coarsened variant.
 #include "variants/CoarseRequest.h"
 
-#include "variants/SpecText.h"
+#include "variants/VariantName.h"
 
 #include "llvm/ADT/SmallVector.h"
 

@@ -1,4 +1,5 @@
-// The condition of a variant that does several work-items' work in one.
+// The conditions on sizes, of a variant that does several work-items' work in
+// one.
 #pragma once
 
 #include "variants/Transform.h"

@@ -1,4 +1,4 @@
-// Reads a build log word by word.
+// Reads a build log word by word, for the lines that name variants.
 #include "variants/SpillScreen.h"
 
 #include "variants/VariantName.h"
@@ -7,7 +7,7 @@ namespace corvane {
 
 namespace {
 
-/// Splits a text into words, one at each call.
+/// Takes words off a text.
 class WordCutter {
 public:
   explicit WordCutter(char *text) : rest(text) {}

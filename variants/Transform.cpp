@@ -40,7 +40,7 @@ bool ConditionSet::EntryOrder::operator()(const Entry &a,
                                           const Entry &b) const {
   const bool aFirst = TransformOrder()(*a.condition, *b.condition);
   const bool bFirst = TransformOrder()(*b.condition, *a.condition);
-  // Both claim to be first, and the newer one is put first. A variant's
+  // Where both claim to be first, the newer one is put first. A variant's
   // conditions pass through two sets, each of which reverses its restrictions,
   // so the rebuilt name has them in their first order.
   if (aFirst && bFirst)

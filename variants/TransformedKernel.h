@@ -1,4 +1,5 @@
-// The record of one generated variant, and what a launch asks of it.
+// The record of one generated variant: which launches it takes, and with which
+// sizes.
 #pragma once
 
 #include "variants/Transform.h"

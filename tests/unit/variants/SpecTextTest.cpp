@@ -1,5 +1,5 @@
 // Tests of splitting a spec, and of reading and writing its numbers.
-#include "variants/SpecText.h"
+#include "variants/VariantName.h"
 
 #include <gmock/gmock.h>
 
