@@ -9,6 +9,39 @@ using namespace corvane::test;
 
 using Lock = std::lock_guard<std::recursive_mutex>;
 
+cl_event CL_API_CALL fake::clCreateUserEvent(cl_context context,
+                                             cl_int *status) {
+  World &world = World::current("clCreateUserEvent");
+  if (const auto failure = world.begin("clCreateUserEvent",
+                                       {world.say(context), place(status)})) {
+    setStatus(status, *failure);
+    return nullptr;
+  }
+  Lock guard(world.lock);
+  const bool valid = world.objects.find(context) != nullptr;
+  setStatus(status, valid ? CL_SUCCESS : CL_INVALID_CONTEXT);
+  return valid ? world.objects.add<cl_event>(std::make_shared<Event>())
+               : nullptr;
+}
+
+cl_int CL_API_CALL fake::clSetUserEventStatus(cl_event handle, cl_int status) {
+  World &world = World::current("clSetUserEventStatus");
+  if (const auto failure = world.begin(
+          "clSetUserEventStatus", {world.say(handle), std::to_string(status)}))
+    return *failure;
+  std::shared_ptr<Event> event;
+  {
+    Lock guard(world.lock);
+    event = world.objects.find(handle);
+  }
+  if (!event)
+    return CL_INVALID_EVENT;
+  if (status > CL_COMPLETE)
+    return CL_INVALID_VALUE;
+  world.commands.endUserEvent(event, status);
+  return CL_SUCCESS;
+}
+
 cl_int CL_API_CALL fake::clRetainEvent(cl_event event) {
   return World::current("clRetainEvent")
       .retain("clRetainEvent", event, CL_INVALID_EVENT);
