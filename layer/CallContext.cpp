@@ -14,9 +14,9 @@ CallContext::~CallContext() { innermost = outer; }
 
 CallContext *CallContext::current() { return innermost; }
 
-bool CallContext::isAnyTuned() {
+bool CallContext::isInAgentsLaunch() {
   for (const CallContext *call = innermost; call; call = call->outer)
-    if (call->isTuned)
+    if (call->isWithAgent)
       return true;
   return false;
 }

@@ -12,6 +12,7 @@
 namespace corvane::layer {
 
 class Notification;
+struct Launch;
 
 /// One call of the application's, on its way through the agent. A hook of the
 /// upper half makes the context on its stack before it calls the agent, fills
@@ -35,8 +36,10 @@ public:
   /// The innermost context of this thread; null in a call that has none.
   static CallContext *current();
 
-  /// Whether any call of this thread is an autotuned launch.
-  static bool isAnyTuned();
+  /// Whether this thread is inside a launch that the agent has, or is about to
+  /// get. The agent holds its lock then, so what the application calls
+  /// meanwhile must not wait for the launches of other threads.
+  static bool isInAgentsLaunch();
 
   /// The status of the attempt to build or link that the layer has made before
   /// it called the agent; once, and nothing when the runtime must be asked.
@@ -53,12 +56,12 @@ public:
 
   // What the upper half tells, for a launch.
 
-  /// The kernel that the application launches; null in any other call.
-  cl_kernel launchedKernel = nullptr;
-  /// What the agent may do with that launch.
+  /// The launch as the application asked for it; null in any other call.
+  const Launch *launch = nullptr;
+  /// What the agent may do with it.
   LaunchTuning tuning = LaunchTuning::NotNow;
-  /// The launch has been admitted as one that is tuned.
-  bool isTuned = false;
+  /// The agent has the launch, or is about to get it.
+  bool isWithAgent = false;
 
   // What the lower half tells.
 
@@ -66,8 +69,8 @@ public:
   std::vector<cl_kernel> createdKernels;
   /// A launch has reached the runtime, whatever its kernel.
   bool hasLaunched = false;
-  /// The agent has created a user event: the launch may wait for a thread of
-  /// the agent's.
+  /// The agent has created a user event: the launch may be tuned by a thread of
+  /// the agent's, and wait for that.
   bool hasUserEvent = false;
 
 private:

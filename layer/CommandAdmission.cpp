@@ -16,7 +16,7 @@ bool CommandsInFlight::mayTune(Command &command, const Conflicts &conflicts,
   const auto isEntering = [](const CommandRef &each) {
     return each->isEntering;
   };
-  if (CallContext::isAnyTuned() || command.memory.anything ||
+  if (CallContext::isInAgentsLaunch() || command.memory.anything ||
       isMapped(command.memory) ||
       std::any_of(conflicts.others.begin(), conflicts.others.end(), isEntering))
     return false;
@@ -85,10 +85,10 @@ bool CommandsInFlight::tryToAdmit(const CommandRequest &request,
     queue.inOrder = admission.queueIsInOrder;
     order(*command, queue, request, others, released);
     const Conflicts conflicts = conflictsOf(*command, queue, !wantsTuning);
-    // While this thread enqueues a tuned launch, the runtime may call the
-    // application, and what that enqueues must not wait for launches of other
-    // threads: those may be waiting for this one to leave the agent.
-    if (conflicts.tunedIsEntering && !CallContext::isAnyTuned()) {
+    // While this thread is in the agent, the runtime may call the application,
+    // and what that enqueues must not wait for launches of other threads: those
+    // may be waiting for this one to leave the agent.
+    if (conflicts.tunedIsEntering && !CallContext::isInAgentsLaunch()) {
       someEntered.wait(guard);
       continue;
     }
@@ -151,9 +151,11 @@ Admission CommandsInFlight::admit(const CommandRequest &request,
 }
 
 void CommandsInFlight::enqueued(const CommandRef &command,
-                                std::shared_ptr<HeldEvent> event) {
+                                std::shared_ptr<HeldEvent> event,
+                                bool isTuned) {
   HeldEvents released;
   Lock guard(lock);
+  command->mayBeTuned = isTuned;
   command->isEntering = false;
   if (event) {
     command->event = std::move(event);

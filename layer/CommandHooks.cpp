@@ -5,6 +5,7 @@
 #include "layer/Kernels.h"
 #include "layer/Launches.h"
 #include "layer/TuningHooks.h"
+#include "layer/TuningMode.h"
 
 using namespace corvane::layer;
 
@@ -58,6 +59,8 @@ cl_int CL_API_CALL tuning::clEnqueueWaitForEvents(cl_command_queue queue,
 }
 
 // A kernel without variants runs as it is anyway, and nothing is saved for it.
+// An agent that does not ask must not see a launch that may not be tuned; past
+// the agent the application's kernel runs as it would alone.
 cl_int CL_API_CALL tuning::clEnqueueNDRangeKernel(
     cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
     const size_t *globalOffset, const size_t *globalSize,
@@ -66,7 +69,9 @@ cl_int CL_API_CALL tuning::clEnqueueNDRangeKernel(
   Launch launch{queue,     kernel,    workDim,  globalOffset, globalSize,
                 localSize, waitCount, waitList, event};
   CallContext call;
-  const bool wantsTuning = hasVariants(kernel);
+  call.launch = &launch;
+  const bool alone = mustRunAlone(launch);
+  const bool wantsTuning = !alone && hasVariants(kernel);
   CommandRequest request;
   request.queue = queue;
   request.memory = memoryOf(kernel);
@@ -75,8 +80,10 @@ cl_int CL_API_CALL tuning::clEnqueueNDRangeKernel(
   launch.waitCount = enqueueing.arguments().waitCount;
   launch.waitList = enqueueing.arguments().waitList;
   launch.event = enqueueing.arguments().event;
-  // Past the agent the application's kernel runs as it would alone.
-  if (mustRunAlone(launch) || (wantsTuning && !call.isTuned))
+  if (alone)
+    call.tuning = LaunchTuning::KernelOnly;
+  if (tuningMode() == TuningMode::Autotune &&
+      (alone || (wantsTuning && call.tuning != LaunchTuning::Allowed)))
     return enqueueing.returned(launch.enqueueThrough(runtime()));
   return enqueueing.returned(launchThroughAgent(launch, call));
 }

@@ -89,7 +89,9 @@ public:
   Admission admit(const CommandRequest &request, bool wantsTuning);
 
   /// \p event is the command's; null if the command is over or was refused.
-  void enqueued(const CommandRef &command, std::shared_ptr<HeldEvent> event);
+  /// Later commands on the same memory wait for a launch that \p isTuned.
+  void enqueued(const CommandRef &command, std::shared_ptr<HeldEvent> event,
+                bool isTuned);
 
   /// The commands of a queue whose calls have returned; say `areOver` when the
   /// runtime has finished the queue.

@@ -2,13 +2,15 @@
 
 #include "layer/Enqueueing.h"
 
+#include "layer/TuningMode.h"
+
 #include <utility>
 
 using namespace corvane::layer;
 
 Enqueueing::Enqueueing(CommandRequest request, const EnqueueArguments &asked,
                        bool blocking, CallContext *launch)
-    : given(asked), isBlocking(blocking), toGive(asked) {
+    : given(asked), isBlocking(blocking), launchContext(launch), toGive(asked) {
   // Arguments that contradict each other are the runtime's to refuse.
   if ((asked.waitCount == 0) != (asked.waitList == nullptr))
     return;
@@ -17,8 +19,10 @@ Enqueueing::Enqueueing(CommandRequest request, const EnqueueArguments &asked,
   admission = commandsInFlight().admit(request, launch != nullptr);
   if (!admission.command)
     return;
-  if (launch)
-    launch->isTuned = admission.mayBeTuned;
+  if (admission.mayBeTuned) {
+    launch->tuning = LaunchTuning::Allowed;
+    launch->isWithAgent = true;
+  }
   for (cl_command_queue queue : admission.flushFirst)
     (void)runtime().clFlush(queue);
   if (!admission.moreWaits.empty()) {
@@ -44,12 +48,18 @@ static cl_event markEndOf(cl_command_queue queue) {
   return marker;
 }
 
+// A launch that is tuned later waits for a user event of the agent's.
+bool Enqueueing::isTuned() const {
+  return admission.mayBeTuned &&
+         (tuningMode() == TuningMode::Autotune || launchContext->hasUserEvent);
+}
+
 cl_int Enqueueing::returned(cl_int status) {
   if (!admission.command)
     return status;
   std::shared_ptr<HeldEvent> event;
   if (status != CL_SUCCESS) {
-    if (admission.mayBeTuned && admission.queueIsInOrder)
+    if (isTuned() && admission.queueIsInOrder)
       if (cl_event marker = markEndOf(admission.command->queue))
         event = HeldEvent::adopt(marker);
   } else if (ownEvent) {
@@ -57,6 +67,6 @@ cl_int Enqueueing::returned(cl_int status) {
   } else if (given.event && !isBlocking) {
     event = HeldEvent::retain(*given.event);
   }
-  commandsInFlight().enqueued(admission.command, std::move(event));
+  commandsInFlight().enqueued(admission.command, std::move(event), isTuned());
   return status;
 }

@@ -21,8 +21,8 @@ struct EnqueueArguments {
 class Enqueueing {
 public:
   /// With \p blocking the command is over when the call has returned. \p launch
-  /// is the context of a launch whose variants could run, which is told whether
-  /// it is tuned; null for any other command.
+  /// is the context of a launch that the agent could tune, which is told
+  /// whether it may; null for any other command.
   Enqueueing(CommandRequest request, const EnqueueArguments &asked,
              bool blocking, CallContext *launch = nullptr);
 
@@ -33,8 +33,11 @@ public:
   cl_int returned(cl_int status);
 
 private:
+  bool isTuned() const;
+
   const EnqueueArguments given;
   const bool isBlocking;
+  const CallContext *const launchContext;
   Admission admission;
   std::vector<cl_event> waits;
   cl_event ownEvent = nullptr;

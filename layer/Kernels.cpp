@@ -2,6 +2,7 @@
 
 #include "layer/Kernels.h"
 
+#include "layer/Answer.h"
 #include "layer/Builds.h"
 #include "layer/CallContext.h"
 #include "layer/LowerHooks.h"
@@ -115,10 +116,20 @@ cl_int CL_API_CALL upper::clReleaseKernel(cl_kernel kernel) {
   return status;
 }
 
+// Answers whether the launch that this thread is in may be tuned.
+static cl_int answerTuning(const Answer &answer) {
+  const CallContext *call = CallContext::current();
+  const LaunchTuning tuning =
+      call && call->launch ? call->tuning : LaunchTuning::NotNow;
+  return answer.give(&tuning, sizeof tuning);
+}
+
 // Questions of the agent's.
 cl_int CL_API_CALL lower::clGetKernelInfo(cl_kernel kernel, cl_kernel_info name,
                                           size_t capacity, void *value,
                                           size_t *length) {
+  if (name == launchTuningQuery)
+    return answerTuning({capacity, value, length});
   const cl_int status =
       runtime().clGetKernelInfo(kernel, name, capacity, value, length);
   if (status != CL_SUCCESS || name != CL_KERNEL_REFERENCE_COUNT || !value)

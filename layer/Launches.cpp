@@ -1,4 +1,4 @@
-// The call that launches a kernel.
+// The call that launches a kernel, and the user events of tuned launches.
 
 #include "layer/Launches.h"
 
@@ -14,6 +14,14 @@ cl_int Launch::enqueueThrough(const cl_icd_dispatch &calls) const {
   return calls.clEnqueueNDRangeKernel(queue, kernel, workDim, globalOffset,
                                       globalSize, localSize, waitCount,
                                       waitList, event);
+}
+
+void Launch::takeWork(const Launch &other) {
+  kernel = other.kernel;
+  workDim = other.workDim;
+  globalOffset = other.globalOffset;
+  globalSize = other.globalSize;
+  localSize = other.localSize;
 }
 
 // An offset counts work-items of the kernel's own range; a variant has another
@@ -32,6 +40,7 @@ bool corvane::layer::mustRunAlone(const Launch &launch) {
 
 cl_int corvane::layer::launchThroughAgent(const Launch &launch,
                                           CallContext &call) {
+  call.isWithAgent = true;
   const cl_int status = launch.enqueueThrough(agent());
   return call.hasLaunched ? status : launch.enqueueThrough(runtime());
 }
@@ -49,14 +58,29 @@ cl_int CL_API_CALL upper::clEnqueueNDRangeKernel(
   return launchThroughAgent(launch, call);
 }
 
+// Where only the application's kernel may run, it takes the place of a variant.
+// An agent that could not begin to tune does not ask, and chooses as in a
+// process that tunes nothing.
 cl_int CL_API_CALL lower::clEnqueueNDRangeKernel(
     cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
     const size_t *globalOffset, const size_t *globalSize,
     const size_t *localSize, cl_uint waitCount, const cl_event *waitList,
     cl_event *event) {
-  if (CallContext *call = CallContext::current())
+  Launch launch{queue,     kernel,    workDim,  globalOffset, globalSize,
+                localSize, waitCount, waitList, event};
+  if (CallContext *call = CallContext::current()) {
     call->hasLaunched = true;
-  return Launch{queue,     kernel,    workDim,  globalOffset, globalSize,
-                localSize, waitCount, waitList, event}
-      .enqueueThrough(runtime());
+    if (call->launch && call->tuning == LaunchTuning::KernelOnly)
+      launch.takeWork(*call->launch);
+  }
+  return launch.enqueueThrough(runtime());
+}
+
+cl_event CL_API_CALL lower::clCreateUserEvent(cl_context context,
+                                              cl_int *errcodeRet) {
+  cl_event event = runtime().clCreateUserEvent(context, errcodeRet);
+  CallContext *call = CallContext::current();
+  if (call && event)
+    call->hasUserEvent = true;
+  return event;
 }

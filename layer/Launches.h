@@ -20,6 +20,9 @@ struct Launch {
   cl_event *event;
 
   cl_int enqueueThrough(const cl_icd_dispatch &calls) const;
+
+  /// Takes over the kernel and its range, but not the queue and the events.
+  void takeWork(const Launch &other);
 };
 
 /// Whether the application's kernel runs as it is: no variant could do what the

@@ -48,6 +48,15 @@ static void replace(Function &entry, Function layerCall) {
     entry = layerCall;
 }
 
+// Has the application call the runtime where the lower half's call is for the
+// agent alone. Where the agent has a hook of its own the application gets that.
+template <typename Function>
+static void leadPast(Function &entry, Function lowerCall,
+                     Function runtimesCall) {
+  if (entry == lowerCall)
+    entry = runtimesCall;
+}
+
 void corvane::layer::installLowerHooks(Table &table) {
   replace(table.clBuildProgram, lower::clBuildProgram);
   replace(table.clLinkProgram, lower::clLinkProgram);
@@ -57,6 +66,7 @@ void corvane::layer::installLowerHooks(Table &table) {
   replace(table.clReleaseKernel, lower::clReleaseKernel);
   replace(table.clGetKernelInfo, lower::clGetKernelInfo);
   replace(table.clEnqueueNDRangeKernel, lower::clEnqueueNDRangeKernel);
+  replace(table.clCreateUserEvent, lower::clCreateUserEvent);
 }
 
 void corvane::layer::installUpperHooks(Table &table) {
@@ -78,10 +88,10 @@ void corvane::layer::installUpperHooks(Table &table) {
   replace(table.clSetKernelArgSVMPointer, upper::clSetKernelArgSVMPointer);
   replace(table.clSetKernelExecInfo, upper::clSetKernelExecInfo);
   replace(table.clEnqueueNDRangeKernel, upper::clEnqueueNDRangeKernel);
-  // The lower half's answers are for the agent. Where the agent has a hook of
-  // its own the application gets that hook's.
-  if (table.clGetKernelInfo == lower::clGetKernelInfo)
-    table.clGetKernelInfo = runtime().clGetKernelInfo;
+  leadPast(table.clGetKernelInfo, lower::clGetKernelInfo,
+           runtime().clGetKernelInfo);
+  leadPast(table.clCreateUserEvent, lower::clCreateUserEvent,
+           runtime().clCreateUserEvent);
 
   replace(table.clCreateCommandQueue, upper::clCreateCommandQueue);
   replace(table.clCreateCommandQueueWithProperties,

@@ -43,4 +43,6 @@ cl_int CL_API_CALL clEnqueueNDRangeKernel(
     const size_t *localSize, cl_uint waitCount, const cl_event *waitList,
     cl_event *event);
 
+cl_event CL_API_CALL clCreateUserEvent(cl_context context, cl_int *errcodeRet);
+
 } // namespace corvane::layer::lower

@@ -10,19 +10,26 @@ namespace corvane::layer {
 
 enum class TuningMode {
   None,
-  /// A launch that the agent sees is tuned, within its call.
+  /// The agent tunes each launch that it sees, within the call. The layer keeps
+  /// launches from it that may not be tuned.
   Autotune,
-  /// The agent asks of each launch whether it may be tuned, and tunes it later
-  /// on a thread of its own.
+  /// The agent sees all launches and asks of each one whether it may be tuned,
+  /// which it does later, on a thread of its own.
   Tune,
 };
+
+/// Reads the environment.
+inline TuningMode readTuningMode() {
+  if (std::getenv(variable::autotune))
+    return TuningMode::Autotune;
+  return std::getenv(variable::tune) ? TuningMode::Tune : TuningMode::None;
+}
 
 /// What the environment asks the agent for, whether or not the agent will find
 /// the folders usable. Call it first before the agent is loaded, which may move
 /// a variable; what it finds then holds for the process.
 inline TuningMode tuningMode() {
-  static const TuningMode mode =
-      std::getenv(variable::autotune) ? TuningMode::Autotune : TuningMode::None;
+  static const TuningMode mode = readTuningMode();
   return mode;
 }
 

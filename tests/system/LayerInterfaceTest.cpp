@@ -58,18 +58,18 @@ protected:
 
 } // namespace
 
-TEST_F(InspectedLayer, GivesTheAgentTheLoadersEntriesButWhereItStandsBelow) {
+TEST_F(InspectedLayer, GivesTheAgentTheLoadersEntriesButForTheLowerHooks) {
   const std::vector<void *> loaderTable = loaderTableOf(knownEntries);
   ASSERT_EQ(layer.init(loaderTable).status, CL_SUCCESS);
   const Findings *found = findings();
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->get, CL_SUCCESS);
   for (unsigned i = 0; i < agentEntries; ++i)
-    EXPECT_EQ(found->table[i] != loaderTable[i], isServedBelow(i))
+    EXPECT_EQ(found->table[i] != loaderTable[i], isLowerHook(i))
         << "entry " << i;
 }
 
-TEST_F(InspectedLayer, GivesTheLoaderTheAgentsEntriesButWhereItStandsAbove) {
+TEST_F(InspectedLayer, GivesTheLoaderTheAgentsEntriesButForTheUpperHooks) {
   const std::vector<void *> loaderTable = loaderTableOf(knownEntries);
   const LoadedLayer::Answer answer = layer.init(loaderTable);
   EXPECT_EQ(answer.status, CL_SUCCESS);
@@ -77,10 +77,10 @@ TEST_F(InspectedLayer, GivesTheLoaderTheAgentsEntriesButWhereItStandsAbove) {
   ASSERT_EQ(answer.count, knownEntries);
   ASSERT_NE(answer.table, nullptr);
   for (unsigned i = 0; i < agentEntries; ++i)
-    EXPECT_EQ(answer.entry(i) != agentEntry(i), isServedAbove(i))
+    EXPECT_EQ(answer.entry(i) != agentEntry(i), isUpperHook(i))
         << "entry " << i;
   for (unsigned i = agentEntries; i < knownEntries; ++i)
-    EXPECT_EQ(answer.entry(i) != loaderTable[i], isServedAbove(i))
+    EXPECT_EQ(answer.entry(i) != loaderTable[i], isUpperHook(i))
         << "entry " << i;
 }
 

@@ -55,7 +55,7 @@ std::vector<void *> corvane::test::loaderTableOf(size_t entries) {
   return table;
 }
 
-// Whether the entry stands at one of those offsets.
+// Whether the entry lies at one of those offsets.
 static bool isAt(size_t index, std::initializer_list<size_t> offsets) {
   return std::find(offsets.begin(), offsets.end(), index * sizeof(void *)) !=
          offsets.end();
@@ -63,14 +63,15 @@ static bool isAt(size_t index, std::initializer_list<size_t> offsets) {
 
 #define AT(name) offsetof(cl_icd_dispatch, name)
 
-bool corvane::test::isServedBelow(size_t index) {
-  return isAt(index, {AT(clCreateKernel), AT(clCreateKernelsInProgram),
-                      AT(clRetainKernel), AT(clReleaseKernel),
-                      AT(clGetKernelInfo), AT(clBuildProgram),
-                      AT(clLinkProgram), AT(clEnqueueNDRangeKernel)});
+bool corvane::test::isLowerHook(size_t index) {
+  return isAt(index,
+              {AT(clCreateKernel), AT(clCreateKernelsInProgram),
+               AT(clRetainKernel), AT(clReleaseKernel), AT(clGetKernelInfo),
+               AT(clBuildProgram), AT(clLinkProgram),
+               AT(clEnqueueNDRangeKernel), AT(clCreateUserEvent)});
 }
 
-bool corvane::test::isServedAbove(size_t index) {
+bool corvane::test::isUpperHook(size_t index) {
   return isAt(index, {AT(clCreateCommandQueue),
                       AT(clCreateCommandQueueWithProperties),
                       AT(clRetainCommandQueue),
@@ -94,6 +95,10 @@ bool corvane::test::isServedAbove(size_t index) {
                       AT(clSetKernelArgSVMPointer),
                       AT(clSetKernelExecInfo),
                       AT(clEnqueueNDRangeKernel)});
+}
+
+bool corvane::test::isForTheAgentAlone(size_t index) {
+  return isAt(index, {AT(clGetKernelInfo), AT(clCreateUserEvent)});
 }
 
 #undef AT

@@ -36,8 +36,12 @@ public:
 /// may be called.
 std::vector<void *> loaderTableOf(size_t entries);
 
-/// True for the entries where the layer stands below the agent, or above it.
-bool isServedBelow(size_t index);
-bool isServedAbove(size_t index);
+/// True for the entries that have a hook of the layer's lower half, and for
+/// those that have one of its upper half, in a process that tunes nothing.
+bool isLowerHook(size_t index);
+bool isUpperHook(size_t index);
+
+/// True for the lower half's entries that the application's calls do not reach.
+bool isForTheAgentAlone(size_t index);
 
 } // namespace corvane::test

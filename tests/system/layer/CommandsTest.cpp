@@ -3,7 +3,10 @@
 
 #include "tests/system/layer/LayeredRuntime.h"
 
+#include <atomic>
+#include <future>
 #include <thread>
+#include <utility>
 
 using namespace corvane::test;
 using testing::ElementsAre;
@@ -225,14 +228,14 @@ TEST_F(LayeredCommands, ThatWaitForTheApplicationAreNotTuned) {
   runtime.runAll();
 }
 
-TEST_F(LayeredCommands, BehindOneThatWaitsForTheApplicationAreNotTuned) {
+TEST_F(LayeredCommands, AfterOneThatWaitsForTheApplicationAreNotTuned) {
   const cl_event start = runtime.addEvent();
   cl_event first = nullptr;
   EXPECT_EQ(write(beside, &first, CL_FALSE, {start}), CL_SUCCESS);
   launch(inOrder, {first});
   EXPECT_THAT(launches(), SizeIs(1));
   launch(inOrder);
-  EXPECT_THAT(launches(), SizeIs(2)) << "in order behind the first";
+  EXPECT_THAT(launches(), SizeIs(2)) << "in order after the first";
   runtime.endEvent(start);
   runtime.runAll();
   launch(inOrder);
@@ -368,6 +371,41 @@ TEST_F(LayeredCommands, OfACallWithinATunedLaunchDoNotWaitForIt) {
     }
   });
   launch(inOrder);
+  EXPECT_TRUE(called);
+  runtime.runAll();
+}
+
+TEST_F(LayeredCommands, OfACallWithinALaunchDoNotWaitForLaunchesOfOthers) {
+  launch(beside); // the next tuned launch waits for it
+  const cl_kernel tuned = std::exchange(kernel, create("single"));
+  set(kernel, createBuffer({5, 6}));
+
+  // In the middle of a launch, while the agent is locked, another thread begins
+  // a tuned one on the buffer: it has flushed, and waits for the agent.
+  std::thread other;
+  std::promise<void> hasFlushed;
+  std::atomic<bool> awaited{false};
+  runtime.whenCalled("clFlush", [&] {
+    if (awaited.exchange(false))
+      hasFlushed.set_value();
+  });
+  bool called = false;
+  runtime.whenCalled("clEnqueueNDRangeKernel", [&] {
+    if (std::exchange(called, true))
+      return;
+    awaited = true;
+    other = std::thread([&] {
+      const size_t global = 64;
+      const size_t local = 16;
+      EXPECT_EQ(cl().clEnqueueNDRangeKernel(inOrder, tuned, 1, nullptr, &global,
+                                            &local, 0, nullptr, nullptr),
+                CL_SUCCESS);
+    });
+    hasFlushed.get_future().wait();
+    EXPECT_EQ(write(outOfOrder), CL_SUCCESS);
+  });
+  launch(outOfOrder);
+  other.join();
   EXPECT_TRUE(called);
   runtime.runAll();
 }

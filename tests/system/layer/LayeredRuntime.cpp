@@ -8,13 +8,12 @@
 
 using namespace corvane::test;
 
-static std::filesystem::path agentName() {
-  return std::filesystem::path(AGENT_FILE).filename();
+std::string LayeredRuntime::agentCopy() const {
+  return (folder.path() / agent.filename()).string();
 }
 
 std::string LayeredRuntime::copyBoth() const {
-  const std::filesystem::path agent = AGENT_FILE;
-  std::filesystem::copy_file(agent, folder.path() / agentName());
+  std::filesystem::copy_file(agent, agentCopy());
   std::filesystem::copy_file(LAYER_FILE, folder.file(LAYER_FILE_NAME));
   return folder.file(LAYER_FILE_NAME);
 }
@@ -22,12 +21,17 @@ std::string LayeredRuntime::copyBoth() const {
 // A loader unloads nothing, but what is left would meet the next test's runtime
 // when the process ends.
 LayeredRuntime::~LayeredRuntime() {
-  void *agent =
-      dlopen((folder.path() / agentName()).c_str(), RTLD_NOW | RTLD_NOLOAD);
-  if (!agent)
-    return;
-  reinterpret_cast<void (*)(void *)>(dlsym(agent, "clAgent_OnUnload"))(nullptr);
-  dlclose(agent);
+  if (void *unload = agentsExport("clAgent_OnUnload"))
+    reinterpret_cast<void (*)(void *)>(unload)(nullptr);
+}
+
+void *LayeredRuntime::agentsExport(const char *name) const {
+  void *library = dlopen(agentCopy().c_str(), RTLD_NOW | RTLD_NOLOAD);
+  if (!library)
+    return nullptr;
+  void *found = dlsym(library, name);
+  dlclose(library); // the layer keeps it
+  return found;
 }
 
 const cl_icd_dispatch &LayeredRuntime::load(const Variables &variables) {

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <list>
 #include <string>
 #include <utility>
@@ -21,7 +22,13 @@ class LayeredRuntime : public testing::Test {
 protected:
   using Variables = std::vector<std::pair<std::string, std::string>>;
 
+  /// With the agent library of this build, or with another \p agentFile.
+  explicit LayeredRuntime(std::filesystem::path agentFile = AGENT_FILE)
+      : agent(std::move(agentFile)) {}
   ~LayeredRuntime() override;
+
+  /// An export of the agent; null if it has none of that name.
+  void *agentsExport(const char *name) const;
 
   /// The table for the application. Defines the variables for the length of the
   /// test and loads, the first time; change `runtime.ownTable()` before.
@@ -49,7 +56,9 @@ protected:
 
 private:
   std::string copyBoth() const;
+  std::string agentCopy() const;
 
+  const std::filesystem::path agent;
   std::list<EnvGuard> environment;
   const LoadedLayer layer{copyBoth()};
   const cl_icd_dispatch *table = nullptr;

@@ -55,8 +55,8 @@ TEST_F(NewerCalls, LeaveAllEntriesOfOtherKindsAsTheyAre) {
   ASSERT_EQ(answer.count, loaderTable.size());
   for (size_t i = 0; i < loaderTable.size(); ++i)
     EXPECT_EQ(answer.entry(i) != loaderTable[i],
-              i == plainBufferEntry || isServedAbove(i) ||
-                  (isServedBelow(i) && i != kernelInfoEntry))
+              i == plainBufferEntry || isUpperHook(i) ||
+                  (isLowerHook(i) && !isForTheAgentAlone(i)))
         << "entry " << i;
 }
 

@@ -18,8 +18,6 @@ inline constexpr size_t bufferEntry =
     indexOf(offsetof(cl_icd_dispatch, clCreateBufferWithProperties));
 inline constexpr size_t plainBufferEntry =
     indexOf(offsetof(cl_icd_dispatch, clCreateBuffer));
-inline constexpr size_t kernelInfoEntry =
-    indexOf(offsetof(cl_icd_dispatch, clGetKernelInfo));
 inline constexpr size_t agentsEntries = 119;
 
 /// A layer over the scripted loader, beside an agent that marks the buffers it
