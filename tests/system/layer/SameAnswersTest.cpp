@@ -205,5 +205,32 @@ TEST_P(SameAnswers, AloneAndAutotuned) {
   EXPECT_EQ(log.rows, GetParam().rows);
 }
 
+namespace {
+class SameAnswersWhileTuning : public SameAnswers {};
+
+/// Those of programs that the agent looks at in every mode.
+std::vector<Story> storiesOfBuiltPrograms() {
+  std::vector<Story> all = stories();
+  all.erase(std::remove_if(all.begin(), all.end(),
+                           [](const Story &story) {
+                             return story.aloneInNormalMode == withVariants;
+                           }),
+            all.end());
+  return all;
+}
+} // namespace
+
+TEST_P(SameAnswersWhileTuning, AsAlone) {
+  const TempFolder results;
+  Environment environment = withAgent();
+  environment["CORVANE_TUNE"] = results.text();
+  const ProgramRun alone = run(withoutVariants, withoutAgent());
+  const ProgramRun tuned = run(withVariants, environment);
+  expectSame(tuned, alone);
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, SameAnswersWhileTuning,
+                         testing::ValuesIn(storiesOfBuiltPrograms()),
+                         [](const auto &story) { return story.param.name; });
 INSTANTIATE_TEST_SUITE_P(Programs, SameAnswers, testing::ValuesIn(stories()),
                          [](const auto &story) { return story.param.name; });
