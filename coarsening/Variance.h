@@ -44,7 +44,7 @@ public:
   std::string describe() const;
 
 private:
-  struct Place;
+  friend class DifferingValues;
   friend class VarianceWalk;
 
   const clang::FunctionDecl &kernel;
