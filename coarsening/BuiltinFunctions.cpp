@@ -1,4 +1,4 @@
-// The functions of OpenCL C by name.
+// Sorts OpenCL C's own functions into kinds by their names.
 #include "coarsening/BuiltinFunctions.h"
 
 #include "llvm/ADT/StringSwitch.h"

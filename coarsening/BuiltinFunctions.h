@@ -1,4 +1,5 @@
-// What the functions that OpenCL C brings along mean for a work-item.
+// The kinds of OpenCL C's own functions: what each means for memory and for
+// other work-items.
 #pragma once
 
 #include "llvm/ADT/StringRef.h"

@@ -1,10 +1,10 @@
-// All stages, one after the other.
+// Runs all stages for one program, and puts the variants after its source.
 #include "coarsening/Coarsener.h"
 
-#include "coarsening/Identifiers.h"
 #include "coarsening/Inline.h"
 #include "coarsening/KernelText.h"
 #include "coarsening/Preprocess.h"
+#include "coarsening/ProgramText.h"
 #include "coarsening/TextEnds.h"
 
 namespace corvane::coarsening {

@@ -1,4 +1,4 @@
-// OpenCL C in, the same program with variants of its kernels out.
+// Adds variants of its kernels to a program in OpenCL C.
 #pragma once
 
 #include "coarsening/BuildOptions.h"

@@ -1,4 +1,4 @@
-// Goes through an expression once and writes down what it finds.
+// Collects the facts of an expression in one walk over it.
 #include "coarsening/Expressions.h"
 
 namespace corvane::coarsening {
@@ -154,7 +154,8 @@ private:
 
   void count() { facts.differs = facts.waits = true; }
 
-  /// What is behind the pointers among the children may be read and written.
+  /// The memory that pointers among the children lead to may be read and
+  /// written.
   void passMemory(const clang::Stmt &node, bool stores = true) {
     for (const clang::Stmt *child : node.children()) {
       const auto *expr = llvm::dyn_cast_or_null<clang::Expr>(child);

@@ -1,4 +1,5 @@
-// What an expression reads and changes, as far as work-items may differ in it.
+// The facts of expressions: what each reads and changes, and whether it differs
+// between work-items.
 #pragma once
 
 #include "coarsening/FunctionFacts.h"

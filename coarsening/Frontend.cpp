@@ -1,8 +1,8 @@
-// One compiler instance a run, with a file system of our own in front.
+// Sets up a compiler for each run. It sees the program and the embedded header
+// as files that lie over the real ones.
 #include "coarsening/Frontend.h"
 
 #include "coarsening/ClangHeaders.h"
-#include "coarsening/OpenClBaseHeader.h"
 
 #include "clang/AST/ASTConsumer.h"
 #include "clang/Basic/Diagnostic.h"
@@ -12,6 +12,14 @@
 #include "llvm/Support/VirtualFileSystem.h"
 
 namespace corvane::coarsening {
+
+static const unsigned char headerBytes[] = {
+#include "OpenClBaseHeader.inc"
+};
+
+llvm::StringRef openClBaseHeader() {
+  return {reinterpret_cast<const char *>(headerBytes), sizeof headerBytes - 1};
+}
 
 static const char programFile[] = "/program.cl";
 static const char resourceFolder[] = "/opencl";
@@ -34,7 +42,7 @@ public:
   std::optional<ProgramError> error;
 };
 
-/// Hands the finished syntax tree on.
+/// Passes the finished syntax tree to a function.
 class TreeAction : public clang::ASTFrontendAction {
 public:
   using Use = llvm::function_ref<void(clang::ASTContext &)>;
@@ -60,7 +68,7 @@ private:
 
 } // namespace
 
-/// The program and the embedded header in front of the real files.
+/// The real files, with the program and the embedded header over them.
 static llvm::IntrusiveRefCntPtr<llvm::vfs::FileSystem>
 filesWith(llvm::StringRef text) {
   auto own = llvm::makeIntrusiveRefCnt<llvm::vfs::InMemoryFileSystem>();

@@ -32,4 +32,9 @@ std::optional<ProgramError>
 parseProgram(llvm::StringRef text, const BuildOptions &options,
              llvm::function_ref<void(clang::ASTContext &)> use);
 
+/// The text of Clang's opencl-c-base.h, embedded so that no file is needed at
+/// run time. It declares OpenCL for programs; what it leaves out, Clang knows
+/// itself.
+llvm::StringRef openClBaseHeader();
+
 } // namespace corvane::coarsening

@@ -1,4 +1,4 @@
-// Looks through the bodies of functions.
+// Collects the facts of a function from its body.
 #include "coarsening/FunctionFacts.h"
 
 #include "coarsening/GlobalIds.h"

@@ -1,4 +1,5 @@
-// What a function does, those that it calls included.
+// The facts of functions: what each does, itself and through those that it
+// calls.
 #pragma once
 
 #include "coarsening/BuiltinFunctions.h"

@@ -1,4 +1,5 @@
-// Matches sums of products, through variables that never change.
+// Matches sums of products, also where their parts are in variables that never
+// change.
 #include "coarsening/GlobalIds.h"
 
 #include "coarsening/FunctionFacts.h"

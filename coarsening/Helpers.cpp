@@ -1,4 +1,4 @@
-// Writes clones of functions.
+// Writes clones, with the ids that they need as parameters.
 #include "coarsening/Helpers.h"
 
 namespace corvane::coarsening {
@@ -48,7 +48,7 @@ std::string Helpers::write(const clang::FunctionDecl &function,
   else if (!parameters.empty())
     parameters += ", ";
 
-  // What the function's own text needs is no need of the kernel's.
+  // Ids that the clone gets as parameters are not asked for by the kernel.
   const LaneText::IdNeeds needs = lanes.needs;
   const bool counts = lanes.countsUsed;
   const Voice voice{Voice::Loop, 0, nullptr, ""};

@@ -1,4 +1,4 @@
-// Copies of the program's functions that use ids, for one variant.
+// Clones of the program's functions that ask for ids, for one variant.
 #pragma once
 
 #include "coarsening/LaneText.h"
@@ -15,13 +15,13 @@ public:
       : names(newNames), expressions(all), plan(wanted),
         ending(std::move(suffix)) {}
 
-  /// The arguments that the function's clone has in front: ids, and numbers of
-  /// work-groups.
+  /// The first parameters of the function's clone, which the function itself
+  /// lacks: ids, and numbers of work-groups.
   std::vector<IdUse> parametersOf(const clang::FunctionDecl &function) const;
   /// The name of the function's clone, which is written when it is first asked
   /// for.
   std::string cloneOf(const clang::FunctionDecl &function, LaneText &lanes);
-  /// All clones, each in front of those that call it.
+  /// All clones, each before the ones that call it.
   const std::string &text() const { return clones; }
 
 private:

@@ -1,7 +1,6 @@
-// Finds calls and writes bodies in their places.
+// Finds calls of functions with barriers, and puts the bodies in their places.
 #include "coarsening/Inline.h"
 
-#include "coarsening/Identifiers.h"
 #include "coarsening/ProgramText.h"
 #include "coarsening/TextEnds.h"
 #include "coarsening/Walk.h"

@@ -1,4 +1,4 @@
-// Jams statement by statement; see Variance for what is decided here already.
+// Jams one statement after the other, as the kernel's Variance has decided.
 #include "coarsening/JamWriter.h"
 
 namespace corvane::coarsening {

@@ -1,4 +1,5 @@
-// Writes a kernel's body for all lanes, side by side.
+// Writes a kernel's body for all lanes: what they share once, the rest for
+// each.
 #pragma once
 
 #include "coarsening/LaneText.h"
@@ -42,7 +43,7 @@ private:
   LaneText &lanes;
   unsigned &labelCount;
   unsigned guardCount = 0;
-  std::string loopHint; ///< stands in front of the next loop
+  std::string loopHint; ///< written before the next loop
 };
 
 /// Whether the statement declares local memory, and nothing else.

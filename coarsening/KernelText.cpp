@@ -1,4 +1,5 @@
-// The variant's frame: signature, ids, and what is left over of a range.
+// Writes what a variant has around the body: its signature, the ids of its
+// lanes, and the test for the end of the range.
 #include "coarsening/KernelText.h"
 
 #include "coarsening/Helpers.h"

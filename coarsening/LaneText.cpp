@@ -1,4 +1,5 @@
-// Takes the program's own words and changes what a lane has to say otherwise.
+// Copies the program's text and replaces names, ids and calls that a lane needs
+// in another form.
 #include "coarsening/LaneText.h"
 
 #include "coarsening/Helpers.h"
@@ -39,8 +40,8 @@ std::string LaneText::nameOf(const clang::VarDecl &variable,
     return names.shadow(name);
   if (voice.kind == Voice::Lane && variance.differs(variable))
     return names.own(name, voice.lane);
-  // A loop goes through the lanes one after the other; the first one's local
-  // memory will do for each.
+  // In a loop the lanes run one after the other, so all can use the local
+  // memory of the first.
   if (voice.kind == Voice::Loop && variance.differs(variable) &&
       isLocal(variable))
     return names.own(name, 0);
@@ -89,7 +90,7 @@ std::string LaneText::idText(const IdUse &use, const Voice &voice) {
   }
 }
 
-/// Calls, and whether their arguments need no look any more.
+/// Edits a call. Returns whether its arguments are covered by that.
 bool LaneText::editCall(const clang::CallExpr &call, const Voice &voice,
                         std::vector<Edit> &edits) {
   if (const clang::FunctionDecl *called = calledFunction(call)) {

@@ -1,4 +1,4 @@
-// Pieces of a kernel as one lane, or all lanes together, say them.
+// Writes pieces of a kernel for one lane, or for all lanes together.
 #pragma once
 
 #include "coarsening/Plan.h"
@@ -44,7 +44,7 @@ struct Voice {
   };
   Kind kind = Shared;
   unsigned lane = 0;
-  /// What each copy has one of besides, or null.
+  /// Shared variables of which each copy has one of its own, or null.
   const std::set<const clang::VarDecl *> *shadows = nullptr;
   /// The label at the end of the copy; empty where `return` stays.
   std::string end;
@@ -86,7 +86,8 @@ public:
 
   /// Whether a `return` became a jump to the end since this was last asked.
   bool tookEnd() { return std::exchange(endUsed, false); }
-  /// The ids that the text asks for, with their digits; none means in a loop.
+  /// The ids that the text asks for, with their digits along the axes; an id in
+  /// a loop over the lanes has no digit.
   using IdNeeds = std::set<std::pair<IdUse, std::optional<unsigned>>>;
   const IdNeeds &ids() const { return needs; }
   bool usesGroupCounts() const { return countsUsed; }

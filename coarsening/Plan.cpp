@@ -1,4 +1,4 @@
-// Plans as text: what is asked for, and what the variant is called.
+// Parses plans, and makes the spec in the name of a plan's variant.
 #include "coarsening/Plan.h"
 
 #include "llvm/ADT/STLExtras.h"

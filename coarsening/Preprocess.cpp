@@ -1,8 +1,9 @@
-// Preprocesses, and watches which macros from outside the result depends on.
+// Preprocesses a program, and records on which of the compiler's macros the
+// result depends.
 #include "coarsening/Preprocess.h"
 
 #include "coarsening/ClangHeaders.h"
-#include "coarsening/OpenClBaseHeader.h"
+#include "coarsening/Frontend.h"
 #include "coarsening/TextEnds.h"
 
 #include "clang/Frontend/CompilerInstance.h"
@@ -23,8 +24,8 @@ static std::vector<std::string> headerConstants() {
   std::vector<std::string> names;
   llvm::StringRef rest = openClBaseHeader();
   while (!rest.empty()) {
-    const auto [line, behind] = rest.split('\n');
-    rest = behind;
+    const auto [line, others] = rest.split('\n');
+    rest = others;
     llvm::StringRef text = line.ltrim();
     if (!text.consume_front("#define "))
       continue;

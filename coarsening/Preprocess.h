@@ -1,4 +1,4 @@
-// A program without its macros and includes.
+// Expands a program's macros and includes.
 #pragma once
 
 #include "coarsening/BuildOptions.h"

@@ -1,4 +1,4 @@
-// From places in a syntax tree to offsets in the text.
+// Converts places in a syntax tree to offsets in the text.
 #include "coarsening/ProgramText.h"
 #include "coarsening/TextEnds.h"
 
@@ -136,6 +136,15 @@ std::string ProgramText::edited(Span span, std::vector<Edit> edits) const {
     at = edit.span.end;
   }
   return result + words({at, span.end}).str();
+}
+
+std::string unusedLetters(llvm::StringRef text) {
+  std::string letters = "cv";
+  // Every round makes a string that is longer than the one before, so one that
+  // `text` lacks comes up before it is as long as `text`.
+  while (text.contains(letters))
+    letters += 'x';
+  return letters;
 }
 
 } // namespace corvane::coarsening

@@ -1,4 +1,4 @@
-// The text of a program, by the nodes of its syntax tree.
+// The text of a program, found by the nodes of its syntax tree.
 #pragma once
 
 #include "coarsening/ClangHeaders.h"
@@ -17,8 +17,8 @@ struct Edit {
   std::string words;
 };
 
-/// Reads the main file of a syntax tree. What does not stand in it, such as the
-/// inside of the compiler's macros, is noted and reads as nothing.
+/// Reads the main file of a syntax tree. Text that is not in it, such as the
+/// inside of the compiler's macros, reads as empty, and is remembered.
 class ProgramText {
 public:
   explicit ProgramText(const clang::ASTContext &ast);
@@ -50,7 +50,11 @@ private:
   mutable bool foreign = false;
 };
 
-/// The offset behind the string or character literal that begins at `from`.
+/// The offset after the string or character literal that begins at `from`.
 size_t behindLiteral(llvm::StringRef text, size_t from);
+
+/// A few letters that no identifier of `text` contains: every name that
+/// contains them is new to the program.
+std::string unusedLetters(llvm::StringRef text);
 
 } // namespace corvane::coarsening

@@ -1,4 +1,4 @@
-// The words of the refusals.
+// The word and the clause of each reason.
 #include "coarsening/Reason.h"
 
 namespace corvane::coarsening {

@@ -1,4 +1,5 @@
-// The reference: nothing is shared, so nothing can be shared wrongly.
+// Puts the whole body into a loop. Lanes share nothing, so the variant is a
+// reference for those that jam.
 #include "coarsening/SequentialWriter.h"
 
 #include "coarsening/JamWriter.h"
@@ -14,7 +15,7 @@ std::string laneVariable(const Names &names, const Axis &axis) {
 static std::set<const clang::VarDecl *>
 changedParameters(const clang::FunctionDecl &kernel) {
   std::set<const clang::VarDecl *> changed;
-  const auto note = [&changed](const clang::Expr &lvalue) {
+  const auto addVariable = [&changed](const clang::Expr &lvalue) {
     const clang::VarDecl *variable = namedVariable(lvalue);
     if (variable && llvm::isa<clang::ParmVarDecl>(variable))
       changed.insert(variable);
@@ -22,10 +23,10 @@ changedParameters(const clang::FunctionDecl &kernel) {
   forEachNode(kernel.getBody(), [&](const clang::Stmt &node) {
     bool readsFirst = false;
     if (const clang::Expr *target = changedBy(node, readsFirst))
-      note(*target);
+      addVariable(*target);
     const auto *unary = llvm::dyn_cast<clang::UnaryOperator>(&node);
     if (unary && unary->getOpcode() == clang::UO_AddrOf)
-      note(*unary->getSubExpr());
+      addVariable(*unary->getSubExpr());
   });
   return changed;
 }

@@ -1,4 +1,4 @@
-// Walks a syntax tree.
+// Visits the nodes of a syntax tree.
 #pragma once
 
 #include "coarsening/ClangHeaders.h"
