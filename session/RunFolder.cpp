@@ -1,4 +1,4 @@
-// Asks the system who runs here, and names the run's folder after that.
+// Asks the system about this process, and makes the folder of its run.
 
 #include "session/RunFolder.h"
 

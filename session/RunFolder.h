@@ -1,4 +1,4 @@
-// Who this process is, and the folder that its run gets.
+// Describes this process in a run record, and makes the folder of its run.
 
 #pragma once
 

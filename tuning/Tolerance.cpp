@@ -1,4 +1,4 @@
-// Reading of CORVANE_VERIFY.
+// Parses the value of CORVANE_VERIFY.
 
 #include "tuning/Tolerance.h"
 

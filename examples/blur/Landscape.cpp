@@ -1,4 +1,4 @@
-// The landscape that the blur example works on when it is given no picture.
+// Paints sky, mountains and lake from noise that is the same in every run.
 
 #include "examples/blur/Landscape.h"
 
@@ -105,7 +105,7 @@ static Colour land(double x, double y) {
   return colour;
 }
 
-/// The land once more, upside down, darker and broken by waves.
+/// The land mirrored: upside down, darker and broken by waves.
 static Colour lake(double x, double y) {
   const double down = y - shore;
   const double wave = bumps(x * 7., y * 55. / (0.6 + down), 91);

@@ -1,4 +1,4 @@
-// A picture in memory, read from PNG and written to it.
+// Reads and writes PNG files by libpng.
 
 #include "examples/blur/Picture.h"
 #include "examples/common/Failure.h"

@@ -1,4 +1,4 @@
-// A device with a context and a queue, and the steps every example takes on it.
+// Makes the OpenCL calls for a device, and ends the example when one fails.
 
 #include "examples/common/Device.h"
 #include "examples/common/Failure.h"

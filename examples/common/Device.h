@@ -1,4 +1,5 @@
-// A device with a context and a queue, and the steps every example takes on it.
+// A device with a context and a queue, and the steps that all examples take on
+// it.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Ending an example with one clear line when something cannot work.
+// Writes the line on standard error, and exits.
 
 #include "examples/common/Failure.h"
 

@@ -1,4 +1,4 @@
-// Ending an example with one clear line when something cannot work.
+// Ends an example with one clear line when something cannot work.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// OpenCL objects that are released by whoever holds them.
+// OpenCL objects that are released when their owner is destroyed.
 
 #pragma once
 

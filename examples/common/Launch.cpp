@@ -1,4 +1,4 @@
-// Launching a kernel many times, and how long a launch takes on the average.
+// Enqueues launches, and takes the mean of their times by the clock.
 
 #include "examples/common/Launch.h"
 #include "examples/common/Failure.h"

@@ -1,4 +1,4 @@
-// Launching a kernel many times, and how long a launch takes on the average.
+// Launches a kernel many times, and measures how long a launch takes.
 
 #pragma once
 

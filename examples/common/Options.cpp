@@ -1,4 +1,4 @@
-// Command line options of the form "--name value", and a help text for them.
+// Parses the command line, and prints the help text.
 
 #include "examples/common/Options.h"
 #include "examples/common/Failure.h"

@@ -1,4 +1,4 @@
-// What an example prints about its launches and their results.
+// Prints a line for people and one for scripts, and counts wrong values.
 
 #include "examples/common/Report.h"
 

@@ -3,8 +3,8 @@
 // Each launch adds a line to the file named by LAUNCH_OBSERVER_FILE, or to the
 // standard error stream if there is none:
 //   launch kernel=NAME global=64x32 local=16x4
-// Name this layer first in OPENCL_LAYERS: it then lies below the others and
-// sees what they make of a launch.
+// Name this layer first in OPENCL_LAYERS: then it is the last one before the
+// runtime, and sees what the other layers have made of a launch.
 
 #include <CL/cl_layer.h>
 

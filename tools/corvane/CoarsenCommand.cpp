@@ -1,4 +1,4 @@
-// corvane coarsen: become corvane-coarsen, which holds the compiler.
+// corvane coarsen: becomes corvane-coarsen, which holds the compiler.
 
 #include "tools/corvane/Command.h"
 #include "tools/corvane/Process.h"
@@ -17,8 +17,8 @@ static void addOption(Program &words, const char *name,
 int corvane::coarsen(const CoarsenOptions &options) {
   const std::string self = ownProgram();
   llvm::SmallString<256> tool(llvm::sys::path::parent_path(self));
-  llvm::sys::path::append(tool, "corvane-coarsen" +
-                                    llvm::sys::path::extension(self));
+  llvm::sys::path::append(tool,
+                          "corvane-coarsen" + llvm::sys::path::extension(self));
   if (!llvm::sys::fs::exists(tool)) {
     say(tool + " is not there: build it with Clang's libraries (on Debian: "
                "apt-get install libclang-14-dev)");

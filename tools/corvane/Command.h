@@ -1,4 +1,4 @@
-// What the commands share: their arguments, and how they end.
+// What the commands share: their options, exit codes and lines for the user.
 
 #pragma once
 
@@ -13,8 +13,8 @@ namespace corvane {
 /// The program to run, found as a shell does, and its arguments.
 using Program = std::vector<std::string>;
 
-/// Exit codes for what a shell and its tools say likewise. All others are the
-/// program's: 128 + n if it ended by signal n.
+/// Exit codes of this program's own, the same as a shell's. All others are
+/// those of the program that it ran: 128 + n if that ended by signal n.
 enum ExitCode : int {
   CommandFailed = 125, ///< the command could not do its work
   NotExecutable = 126, ///< the program was found and cannot be run

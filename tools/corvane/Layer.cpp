@@ -1,4 +1,4 @@
-// Asks the system where this program lies.
+// Looks for the layer beside this program, and adds it to OPENCL_LAYERS.
 
 #include "tools/corvane/Layer.h"
 

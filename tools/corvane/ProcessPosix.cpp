@@ -1,4 +1,4 @@
-// Processes of Posix systems.
+// Starts programs, and waits for them, by the calls of Posix.
 
 #include "tools/corvane/Process.h"
 
@@ -55,8 +55,8 @@ ProgramEnd corvane::become(const Program &program) {
 
 namespace {
 
-/// The signals that ask a process to do something. While this lives they wait
-/// for next(), as does the news of a child's end.
+/// The signals that ask a process to do something, and the one of a child's
+/// end. While this lives they are held back until next() takes them.
 class HeldSignals {
 public:
   HeldSignals() {
@@ -65,7 +65,7 @@ public:
          {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGCHLD})
       sigaddset(&held, signal);
     pthread_sigmask(SIG_BLOCK, &held, &before);
-    // Who ignores this signal never hears of a child's end.
+    // A process that ignores this signal gets none when a child ends.
     struct sigaction byDefault = {};
     byDefault.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &byDefault, &childBefore);
@@ -94,7 +94,7 @@ private:
   struct sigaction childBefore;
 };
 
-/// A pipe that closes itself where a program starts.
+/// A pipe whose ends are closed when this process executes a program.
 class Pipe {
 public:
   Pipe() : works(::pipe2(ends, O_CLOEXEC) == 0) {}
@@ -118,7 +118,7 @@ public:
     ends[1] = -1;
   }
 
-  /// What was written; 0 if it was closed without.
+  /// The number that was written; 0 if the pipe was closed without one.
   int read() const {
     int number = 0;
     ssize_t got = 0;

@@ -1,4 +1,4 @@
-// Processes of Windows.
+// Starts programs, and waits for them, by the calls of Windows.
 
 #include "tools/corvane/Process.h"
 

@@ -1,4 +1,4 @@
-// corvane run: set the variables and become the program.
+// corvane run: sets the variables and becomes the program.
 
 #include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
@@ -16,7 +16,7 @@ namespace fs = llvm::sys::fs;
 // More than any profile has.
 static constexpr std::uint64_t profileLimit = std::uint64_t(256) << 20;
 
-// The library would say the same, but only once the program runs.
+// The library would refuse it too, but only when the program runs already.
 static bool isUsable(const std::string &profile) {
   const std::string file =
       fs::is_directory(profile) ? profile + "/" + resultFile::profile : profile;

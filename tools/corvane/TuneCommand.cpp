@@ -1,4 +1,4 @@
-// corvane tune: run the program, then make the profile from what it left.
+// corvane tune: runs the program, then makes the profile from its records.
 
 #include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
@@ -19,7 +19,8 @@
 using namespace corvane;
 namespace fs = llvm::sys::fs;
 
-// Makes the folder if need be and tries to write there: only that tells.
+// Makes the folder if need be, and makes a file in it: nothing else shows
+// whether it can be written to.
 static bool prepareFolder(const std::string &folder) {
   std::error_code error = fs::create_directories(folder);
   int descriptor = -1;
@@ -48,8 +49,8 @@ static void setVariables(const std::string &folder,
     setVariable(variable::tuneSeconds, options.seconds);
 }
 
-// Why the program launched nothing that could be seen. Asks in a process of its
-// own, which drivers may end as they like.
+// Why no launch of the program reached the layer. Asks the loader in a process
+// of its own, because a driver may end the process.
 static void tellWhyNothingRan(const std::string &layer) {
   removeVariable(variable::tune);
   switch (static_cast<LoaderAnswer>(
@@ -108,7 +109,7 @@ static void tellHowToUse(llvm::ArrayRef<TunedConfiguration> configurations,
       " % of kernel time saved; to use it: " + command);
 }
 
-// Says what can be said of the runs, and makes their profile.
+// Makes the profile of the runs, and tells the user what came of them.
 static void conclude(const std::string &folder, const TuneOptions &options,
                      llvm::ArrayRef<RunRecord> runs) {
   const std::vector<TunedConfiguration> configurations = mergeRuns(runs);

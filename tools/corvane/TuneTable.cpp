@@ -1,4 +1,4 @@
-// Cells first, then columns as wide as their widest cell.
+// Fills the cells of each row, and pads the columns to their widest cells.
 
 #include "tools/corvane/TuneTable.h"
 
@@ -43,7 +43,7 @@ static const TunedVersion *originalOf(const TunedConfiguration &tuned) {
              : nullptr;
 }
 
-// Null where the original is used.
+// The version to use; null where that is the original.
 static const TunedVersion *winnerOf(const TunedConfiguration &tuned) {
   const auto found =
       llvm::find_if(tuned.versions, [&](const TunedVersion &version) {
@@ -162,7 +162,7 @@ std::string corvane::tuneTable(ArrayRef<TunedConfiguration> configurations) {
     devices.insert(tuned.device);
   }
 
-  // The columns without a title stay empty, and then away.
+  // A column without a title has empty cells, and is left out of the text.
   std::vector<Row> rows = {{"kernel", "sizes", "winner", "original", "winner's",
                             "gain", "check",
                             programs.size() > 1 ? "program" : "",

@@ -1,4 +1,4 @@
-// What tuning found, for people to read.
+// The table of what tuning has found, for a terminal.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Reads what any process may have left in the folder.
+// Reads files that any process may have written, and replaces the profile.
 
 #include "tools/corvane/TunedFolder.h"
 
@@ -17,7 +17,7 @@ using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
 
-// A record of millions of samples; more is a mistake.
+// Enough for a record of millions of samples.
 static constexpr std::uint64_t recordLimit = std::uint64_t(1) << 30;
 
 static std::string joined(const std::string &folder, const llvm::Twine &a,

@@ -24,8 +24,8 @@ std::set<std::string> runNames(const std::string &folder);
 std::vector<RunRecord> readRuns(const std::string &folder,
                                 const std::set<std::string> &names);
 
-/// Replaces the profile in the folder at one blow: who reads it at the same
-/// time finds either of the two, whole.
+/// Replaces the profile in the folder in one step: a program that reads it at
+/// the same time gets the old one or the new one, whole.
 llvm::Error writeProfile(const std::string &folder, const Profile &profile);
 
 /// The bytes of a regular file of at most \p limit bytes. Never waits, whatever

@@ -1,4 +1,4 @@
-// The arguments of the commands.
+// Reads the command line, shows help, and calls a command.
 
 #include "tools/corvane/Command.h"
 #include "tools/corvane/Process.h"

@@ -1,4 +1,4 @@
-// Lines for the user.
+// Writes lines for the user, without control characters.
 
 #include "tools/corvane/Command.h"
 
