@@ -15,18 +15,22 @@ from run_examples import print_table
 
 # In percent of what gcovr counts, all folders together.
 LIMITS = {"line": 97, "branch": 90}
-FOLDERS = ("agent", "programs", "variants", "launch", "results")
 
 
 def read(path):
     return json.loads(path.read_text(encoding="utf-8"))["files"]
 
 
+def folder_of(file):
+    return file["filename"].split("/")[0]
+
+
 def sums(files):
     """For each folder, and for all, how many there are and how many were reached."""
-    counts = {name: collections.Counter() for name in (*FOLDERS, "all")}
+    folders = sorted({folder_of(file) for file in files})
+    counts = {name: collections.Counter() for name in (*folders, "all")}
     for file in files:
-        for name in (file["filename"].split("/")[0], "all"):
+        for name in (folder_of(file), "all"):
             counts[name].update({key: value for key, value in file.items()
                                  if key.endswith(("_total", "_covered"))})
     return counts
