@@ -26,16 +26,19 @@ struct TwoArguments : Application {
     return runtime.transcript({"clSetKernelArg"});
   }
 };
+
+/// The call that gives the variant an argument of four bytes.
+std::string given(int index, const std::string &bytes) {
+  return "clSetKernelArg(kernel k_coarsed_g0S4, " + std::to_string(index) +
+         ", 4, " + bytes + ")";
+}
 } // namespace
 
 TEST(RecordedArguments, GivesTheVariantAllArgumentsWhenItIsLaunched) {
   TwoArguments app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.settings(),
-              ElementsAre("clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, "
-                          "07 00 00 00)",
-                          "clSetKernelArg(kernel k_coarsed_g0S4, 1, 4, "
-                          "08 00 00 00)"));
+              ElementsAre(given(0, "07 00 00 00"), given(1, "08 00 00 00")));
 }
 
 TEST(RecordedArguments, ReplaysOnceForTwoLaunchesWithoutAChangeInBetween) {
@@ -55,10 +58,7 @@ TEST(RecordedArguments, GivesTheLaterOfTwoValuesOnceAtTheLaunch) {
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.settings(),
-              ElementsAre("clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, "
-                          "07 00 00 00)",
-                          "clSetKernelArg(kernel k_coarsed_g0S4, 1, 4, "
-                          "0a 00 00 00)"));
+              ElementsAre(given(0, "07 00 00 00"), given(1, "0a 00 00 00")));
 }
 
 TEST(RecordedArguments, ReplaysEverythingAfterAnyChange) {
@@ -68,10 +68,7 @@ TEST(RecordedArguments, ReplaysEverythingAfterAnyChange) {
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.settings(),
-              ElementsAre("clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, "
-                          "07 00 00 00)",
-                          "clSetKernelArg(kernel k_coarsed_g0S4, 1, 4, "
-                          "09 00 00 00)"));
+              ElementsAre(given(0, "07 00 00 00"), given(1, "09 00 00 00")));
 }
 
 TEST(RecordedArguments, KeepsACopyOfTheValue) {
@@ -81,8 +78,7 @@ TEST(RecordedArguments, KeepsACopyOfTheValue) {
   value = 6;
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
-  EXPECT_EQ(app.settings().at(0),
-            "clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, 05 00 00 00)");
+  EXPECT_EQ(app.settings().at(0), given(0, "05 00 00 00"));
   EXPECT_EQ(value, 6);
 }
 
@@ -92,8 +88,7 @@ TEST(RecordedArguments, DoesNotRecordWhatTheRuntimeRefused) {
   EXPECT_EQ(app.set(app.kernel, 0, cl_int{99}), CL_INVALID_ARG_VALUE);
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
-  EXPECT_EQ(app.settings().at(0),
-            "clSetKernelArg(kernel k_coarsed_g0S4, 0, 4, 07 00 00 00)");
+  EXPECT_EQ(app.settings().at(0), given(0, "07 00 00 00"));
 }
 
 TEST(RecordedArguments, ReportsAFailedReplayAndGoesOn) {
