@@ -21,7 +21,8 @@ struct FunctionFacts {
   std::set<IdUse> ids;
   bool barrier = false;
   /// It has atomics, volatile accesses, or changes memory to a value that
-  /// depends on the old one: to run it once is not what running it twice is.
+  /// depends on the old one: running it twice does not do what running it once
+  /// does.
   bool counted = false;
   bool waits = false; ///< it has atomics or volatile accesses
   bool loops = false;

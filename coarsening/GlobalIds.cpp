@@ -21,7 +21,7 @@ public:
       if (const auto *sum = llvm::dyn_cast<clang::BinaryOperator>(&node))
         match(*sum);
     });
-    // A variable used nowhere else leaves its call without another use.
+    // If the variable is used nowhere else, the call in it is not either.
     for (const auto &[variable, uses] : spentUses)
       if (uses == allUses[variable])
         if (const clang::CallExpr *call = callIn(*variable->getInit()))

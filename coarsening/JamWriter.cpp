@@ -143,8 +143,8 @@ std::string JamWriter::jamFor(const clang::ForStmt &loop) {
   return before.empty() ? words : "{\n" + before + words + "}\n";
 }
 
-/// An expression for each lane where it differs; of a row with commas each
-/// part.
+/// Writes an expression for each lane where it differs. Expressions with commas
+/// between them are looked at one by one.
 std::string JamWriter::jamEach(const clang::Expr &expr,
                                llvm::StringRef separator) {
   const auto *pair = llvm::dyn_cast<clang::BinaryOperator>(expr.IgnoreParens());
@@ -210,7 +210,7 @@ JamWriter::guarded(const Guard &guard, const clang::IfStmt &branch,
   return words + "}\n}\n";
 }
 
-/// The whole of some statements for each lane, one after the other.
+/// Writes statements as a whole for each lane, one lane after the other.
 std::string JamWriter::copies(Statements statements) {
   std::string words;
   for (unsigned lane = 0; lane < plan.lanes(); ++lane)

@@ -104,7 +104,8 @@ bool LaneText::editCall(const clang::CallExpr &call, const Voice &voice,
   return use.has_value();
 }
 
-/// A function that asks for ids becomes its clone, which is given them.
+/// Replaces a call of a function that asks for ids by a call of its clone,
+/// which gets them as arguments.
 void LaneText::editHelperCall(const clang::CallExpr &call,
                               const clang::FunctionDecl &called,
                               const Voice &voice, std::vector<Edit> &edits) {
@@ -128,7 +129,8 @@ void LaneText::editHelperCall(const clang::CallExpr &call,
                    helpers.cloneOf(called, *this) + "(" + arguments});
 }
 
-/// An expression that works out the global id is the lane's, offset aside.
+/// Replaces an expression that works out the global id, without the offset, by
+/// the lane's id.
 bool LaneText::editGlobalId(const clang::Expr &expr, unsigned dim,
                             const Voice &voice, std::vector<Edit> &edits) {
   const IdUse use{BuiltinKind::GlobalId, dim};
