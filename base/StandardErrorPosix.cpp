@@ -78,7 +78,7 @@ static bool canBlock() {
   return flags >= 0 && (flags & O_NONBLOCK) == 0;
 }
 
-// An error counts as room: the write that follows meets it.
+// An error counts as free space: the write that follows meets it.
 static bool hasRoomWithin(std::chrono::milliseconds wait) {
   const Clock::time_point end = Clock::now() + wait;
   for (;;) {
@@ -108,7 +108,7 @@ void platform::useStandardError(llvm::function_ref<void()> write) {
     write();
 }
 
-// Where there is room for anything, there is room for so many bytes at once.
+// Where any byte can be written without waiting, so many can be at once.
 static std::size_t pieceSize(std::size_t size) {
   struct stat status = {};
   const bool isFile =
@@ -117,7 +117,7 @@ static std::size_t pieceSize(std::size_t size) {
 }
 
 static void writePieces(llvm::StringRef bytes) {
-  bool isFirst = true; // there is room for that one
+  bool isFirst = true; // useStandardError has waited for that one
   while (!bytes.empty()) {
     if (!isFirst && canBlock() && !hasRoom())
       return;

@@ -16,7 +16,7 @@ public:
 
   GlobalIdForms find() {
     forEachNode(function.getBody(),
-                [this](const clang::Stmt &node) { noteChanges(node); });
+                [this](const clang::Stmt &node) { recordUses(node); });
     forEachNode(function.getBody(), [this](const clang::Stmt &node) {
       if (const auto *sum = llvm::dyn_cast<clang::BinaryOperator>(&node))
         match(*sum);
@@ -37,7 +37,7 @@ private:
     const clang::VarDecl *variable; ///< or null
   };
 
-  void noteChanges(const clang::Stmt &node) {
+  void recordUses(const clang::Stmt &node) {
     bool readsFirst = false;
     const clang::Expr *changed = changedBy(node, readsFirst);
     if (const auto *unary = llvm::dyn_cast<clang::UnaryOperator>(&node))
