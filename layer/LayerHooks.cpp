@@ -12,9 +12,9 @@
 //       |     LayerTable::runtime
 //   runtime
 //
-// Each part calls the next one below through the table that is named between
-// them; each may also call the runtime directly, past all others. An entry
-// without a hook in a part leads straight to the next part that has one.
+// Each part calls the next one through the table that is named between them;
+// each may also call the runtime directly, past all others. An entry without a
+// hook in a part leads straight to the next part that has one.
 //
 // The story of one call, clCreateKernel(program, "blur") of a program with a
 // variant of that kernel, while launches may be tuned:

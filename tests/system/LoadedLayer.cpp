@@ -1,4 +1,4 @@
-// The layer in this process, below a loader that the test plays.
+// Loads the layer as a loader would, and lists the entries that it replaces.
 
 #include "tests/system/LoadedLayer.h"
 

@@ -1,4 +1,4 @@
-// The layer in this process, below a loader that the test plays.
+// The layer in this process, under a loader that the test plays.
 
 #pragma once
 

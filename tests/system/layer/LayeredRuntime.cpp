@@ -1,4 +1,4 @@
-// The layer with the real agent, over the scripted runtime.
+// Copies layer and agent, loads both, and lets the agent end.
 
 #include "tests/system/layer/LayeredRuntime.h"
 

@@ -1,4 +1,4 @@
-// The layer with the real agent, over the scripted runtime.
+// The layer with the real agent or another, over the scripted runtime.
 
 #pragma once
 

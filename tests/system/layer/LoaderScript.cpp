@@ -1,4 +1,4 @@
-// The calls that create queues and buffers, played by the test.
+// Writes the calls down and answers as scripted.
 
 #include "tests/system/layer/LoaderScript.h"
 #include "tests/system/LoadedLayer.h"
@@ -16,7 +16,7 @@ LoaderScript &corvane::test::loaderScript() {
 
 static LoaderScript::QueueAnswer nextQueueAnswer(LoaderScript &script) {
   if (script.queueAnswers.empty()) {
-    ADD_FAILURE() << "nobody expected a queue to be created";
+    ADD_FAILURE() << "no test expects a queue to be created";
     return {nullptr, CL_OUT_OF_RESOURCES};
   }
   const LoaderScript::QueueAnswer answer = script.queueAnswers.front();

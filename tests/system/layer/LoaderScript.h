@@ -8,7 +8,7 @@
 
 namespace corvane::test {
 
-/// What the layer called below itself, and what it is answered.
+/// What the layer has called, and what it is answered.
 struct LoaderScript {
   struct QueueCall {
     cl_context context;

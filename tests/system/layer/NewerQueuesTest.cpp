@@ -1,4 +1,4 @@
-// Queues made by a list of properties, below a loader that the test plays.
+// Queues made by a list of properties, under a loader that the test plays.
 
 #include "tests/system/layer/ScriptedLayer.h"
 

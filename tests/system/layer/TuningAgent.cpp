@@ -1,4 +1,4 @@
-// A test agent that has launches tuned later, when the test says.
+// The hooks of the test agent that tunes later.
 
 #include "tests/system/layer/TuningAgent.h"
 

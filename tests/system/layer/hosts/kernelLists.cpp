@@ -31,7 +31,7 @@ static void ask(cl_program program, cl_program_info what, const char *name) {
   std::printf("\n");
 }
 
-// Offers room for so many, in an array that goes on behind it.
+// Offers an array of that many elements, which is longer in truth.
 static void create(cl_program program, cl_uint room) {
   cl_kernel none = reinterpret_cast<cl_kernel>(size_t{0x77});
   std::vector<cl_kernel> kernels(1100, none);
@@ -43,9 +43,9 @@ static void create(cl_program program, cl_uint room) {
     std::printf(" %s", nameOf(kernels[i]).c_str());
     check(clReleaseKernel(kernels[i]), "clReleaseKernel");
   }
-  const auto behind = kernels.begin() + (status == CL_SUCCESS ? room : 0);
-  std::printf(" behind %td\n",
-              std::count_if(behind, kernels.end(),
+  const auto pastEnd = kernels.begin() + (status == CL_SUCCESS ? room : 0);
+  std::printf(" past the end %td\n",
+              std::count_if(pastEnd, kernels.end(),
                             [&](cl_kernel kernel) { return kernel != none; }));
 }
 

@@ -1,4 +1,4 @@
-// Has somebody notified of builds, or, says the second argument, of links.
+// Asks for notifications of builds or, as the second argument says, of links.
 
 #include "tests/system/layer/hosts/Program.h"
 
@@ -80,8 +80,9 @@ static void buildOddly(const Session &session) {
   cl_device_id device = session.device();
   const char *options = commonOptions.c_str();
   unsigned data = 0;
-  std::printf("data for nobody: %d", clBuildProgram(program.get(), 1, &device,
-                                                    options, nullptr, &data));
+  std::printf(
+      "data without a function: %d",
+      clBuildProgram(program.get(), 1, &device, options, nullptr, &data));
   std::printf(" no program: %d",
               clBuildProgram(nullptr, 1, &device, options, count, &data));
   std::printf(" calls %u\n", data);
@@ -97,7 +98,7 @@ static void linkOddly(const Session &session) {
   cl_int status = 77;
   Program program(clLinkProgram(session.context(), 1, &device, "", 1, &object,
                                 nullptr, &data, &status));
-  std::printf("data for nobody: %d %d", program != nullptr, status);
+  std::printf("data without a function: %d %d", program != nullptr, status);
   program.reset(clLinkProgram(nullptr, 1, &device, "", 1, &object, count, &data,
                               &status));
   std::printf(" no context: %d %d calls %u\n", program != nullptr, status,

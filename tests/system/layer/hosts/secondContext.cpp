@@ -68,11 +68,11 @@ int main(int argumentCount, char **arguments) {
   tellKernels(program);
   releaseAnother(session);
   launchAll(session, early);
-  const Kernel behind = session.kernel("accumulate");
-  launchAll(session, behind);
+  const Kernel later = session.kernel("accumulate");
+  launchAll(session, later);
   tellKernels(program);
   releaseAnother(session);
-  launchAll(session, behind);
+  launchAll(session, later);
   {
     const Kernel last(early.release());
     launchAll(session, last);
