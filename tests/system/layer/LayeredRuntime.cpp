@@ -41,6 +41,7 @@ const cl_icd_dispatch &LayeredRuntime::load(const Variables &variables) {
     environment.emplace_back(name.c_str(), value);
   const auto entries = entriesOf(runtime.ownTable());
   std::vector<void *> loaderTable;
+  loaderTable.reserve(entries.size());
   for (const void *entry : entries)
     loaderTable.push_back(const_cast<void *>(entry));
   loaderTable.resize(sizeof(cl_icd_dispatch) / sizeof(void *));

@@ -12,7 +12,6 @@ using namespace corvane;
 using namespace corvane::test;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 using Bytes = std::vector<unsigned char>;
