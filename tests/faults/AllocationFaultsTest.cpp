@@ -1,5 +1,6 @@
-// Tests that an application can go on when the agent was refused memory, at
-// whatever moment: it gets the exception, calls again, and all is as usual.
+// Tests that an application can go on after the agent was refused memory,
+// whichever request it was: the call throws, is made again, and everything is
+// as usual.
 
 #include "tests/faults/Reports.h"
 #include "tests/faults/Story.h"
@@ -26,7 +27,8 @@ protected:
     return {std::get<bool>(GetParam()), std::get<Running>(GetParam())};
   }
 
-  // Told twice: the first one also gets what the process keeps.
+  // Tells the story twice. The first time memory is allocated as well that the
+  // process keeps.
   void tellUsually() const {
     for (int i = 0; i != 2; ++i) {
       Story story(telling(), folder);
@@ -35,11 +37,12 @@ protected:
     }
   }
 
-  // Returns whether the story came to that request.
+  // Tells the story without the memory of one request. Returns whether the
+  // story had that many requests.
   bool tellWithout(std::size_t request, void (*refuse)(std::size_t)) {
     ErrorCapture errors;
     bool refused = false;
-    // The C library needs memory to open the log.
+    // The agent could not open the log, for which the C library needs memory.
     std::string another =
         "CV: " + folder.text() +
         " is invalid. There will be no autotune output generated.";
@@ -54,7 +57,7 @@ protected:
       EXPECT_LE(story.rows(), story.rowsExpected());
     }
     AgentMemory::refuseNothing();
-    // One more is the environment's, if the agent was the last to change it.
+    // One more block is the environment's, if the agent changed it last.
     EXPECT_LE(AgentMemory::liveBlocks(), blocksBefore + 1);
     expectReportsOf({}, errors.text(), another);
     return refused;

@@ -1,5 +1,5 @@
 // Tests that an application does not notice a failing call of the runtime that
-// was none of its own, whichever it is.
+// it has not made itself, whichever call it is.
 
 #include "tests/faults/Reports.h"
 #include "tests/faults/Story.h"
@@ -35,7 +35,7 @@ protected:
   std::size_t blocksBefore = 0;
   std::size_t kept = 0;
 
-  // The entries that a story calls in which nothing fails.
+  // The entries that are called by a story in which nothing fails.
   std::set<std::string> usualCalls() {
     std::set<std::string> calls;
     {
@@ -49,8 +49,8 @@ protected:
     return calls;
   }
 
-  // Blocks that are kept for good: the host copies of transfers, where the run
-  // that would tell of their end was not launched or not watched.
+  // How many blocks are never freed: the host copies of transfers, if the run
+  // whose completion shows their end was not launched or not watched.
   std::size_t mostKept(const Failures &failures) const {
     const auto isRun = [](const auto &failure) {
       return failure.first == "clSetEventCallback" ||
@@ -61,8 +61,8 @@ protected:
   }
 
   // Tells the story with a fault in it and expects that nothing else is wrong.
-  // Returns the entry that failed, which is \p always or the one that the
-  // runtime was planned to let fail; empty if it came to none.
+  // Returns the entry that failed, which is \p always or the one of the planned
+  // fault; empty if the story had none.
   template <typename Plan>
   std::string tellWith(Plan plan, std::string always = {}) {
     ErrorCapture errors;
@@ -76,13 +76,13 @@ protected:
       EXPECT_EQ(story.rows(), story.rowsExpected());
       if (entry.empty())
         entry = story.runtime.failedOfAny();
-      // What the runtime would not take back is not ours to mourn.
+      // What the runtime refused to release is not expected to be gone.
       if (entry.find("clRelease") == std::string::npos) {
         EXPECT_THAT(story.leftovers(), IsEmpty());
       }
     }
     kept += mostKept(failures);
-    // One more is the environment's, if the agent was the last to change it.
+    // One more block is the environment's, if the agent changed it last.
     EXPECT_LE(AgentMemory::liveBlocks(), blocksBefore + kept + 1);
     expectReportsOf(failures, errors.text());
     return entry;
@@ -124,8 +124,8 @@ static std::string nameOf(const testing::TestParamInfo<Parameters> &info) {
   return name + textOf(running) + "Code" + std::to_string(-code);
 }
 
-// One code that means something everywhere, one that a query gets for too
-// little capacity, and one that has no name.
+// A code that every entry may return, one that a query returns for a place that
+// is too small, and one that has no name.
 INSTANTIATE_TEST_SUITE_P(
     , CallFaults,
     testing::Combine(testing::Bool(),

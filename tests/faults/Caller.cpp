@@ -1,4 +1,4 @@
-// Makes an application's calls and looks at what comes of them.
+// Compares the answer of each call with the runtime's, and looks for traces.
 
 #include "tests/faults/Caller.h"
 
@@ -16,14 +16,14 @@
 using namespace corvane::test;
 
 bool Caller::load() {
-  return tryTwice("the load", [this] { return frontier.load(); });
+  return tryTwice("the load", [this] { return boundary.load(); });
 }
 
-// An exception means that there are no results, or not all of them.
+// If the unload throws, there are no results, or not all of them.
 void Caller::unload() {
-  frontier.forgetAnswers();
+  boundary.forgetAnswers();
   try {
-    frontier.unload();
+    boundary.unload();
     endRefusals();
   } catch (const std::bad_alloc &) {
     EXPECT_TRUE(endRefusals()) << "The unload threw unasked";
@@ -43,7 +43,7 @@ bool Caller::tryOnce(const char *entry, const std::function<cl_int()> &call) {
 }
 
 bool Caller::attempt(const char *entry, const std::function<cl_int()> &call) {
-  frontier.forgetAnswers();
+  boundary.forgetAnswers();
   runtime.forgetTranscript();
   try {
     const cl_int status = call();
@@ -60,7 +60,8 @@ bool Caller::attempt(const char *entry, const std::function<cl_int()> &call) {
   }
 }
 
-// Returns whether something was refused. What is planned for later stays.
+// Returns whether a request was refused. A refusal that is planned for later
+// stays planned.
 bool Caller::endRefusals() {
   if (!AgentMemory::hasRefused())
     return false;
@@ -69,7 +70,7 @@ bool Caller::endRefusals() {
 }
 
 void Caller::lookBack() {
-  answers = frontier.answers();
+  answers = boundary.answers();
   taken.clear();
   const std::vector<std::string> launches =
       runtime.transcript({"clEnqueueNDRangeKernel"});
@@ -99,8 +100,9 @@ std::size_t Caller::callsThatWorked(const std::string &entry) const {
   return found == worked.end() ? 0 : found->second;
 }
 
-// Of several calls to the entry the application's own is the first where the
-// agent follows with its variants, and the last where it prepares or repeats.
+// Of several calls to the entry the first is the application's if the agent
+// makes the same call for its variants then; otherwise, where the agent
+// prepares or repeats, the last.
 static bool comesFirst(const std::string &entry) {
   return entry == "clCreateKernel" || entry == "clReleaseKernel" ||
          entry == "clSetKernelArg";
@@ -115,12 +117,11 @@ void Caller::expectAnswer(const std::string &entry, cl_int status) const {
     EXPECT_EQ(status, answers.back().status);
     return;
   }
-  // With place for more kernels than it knows of, the agent refuses on its
-  // own.
+  // The agent itself refuses an array for more kernels than it knows of.
   if (entry == "clCreateKernelsInProgram" && status == CL_INVALID_VALUE &&
       wasRefused(entry.c_str()))
     return;
-  // A launch without variants that cannot be timed answers with that.
+  // A launch without variants that cannot be timed returns the failure of that.
   if (entry == "clEnqueueNDRangeKernel" && wasRefused("clSetEventCallback") &&
       status != CL_SUCCESS && given == std::vector<cl_int>{CL_SUCCESS})
     return;
@@ -128,15 +129,15 @@ void Caller::expectAnswer(const std::string &entry, cl_int status) const {
   EXPECT_EQ(status, comesFirst(entry) ? given.front() : given.back()) << entry;
 }
 
-// Whoever gets an exception instead of an answer will call again.
+// After an exception the application makes the call again.
 void Caller::expectNothingDone(const std::string &entry) const {
   EXPECT_FALSE(kernelRan()) << entry << " threw after its launch";
 }
 
-// The lock is recursive, so only another thread can tell.
+// The lock is recursive, so only another thread notices that it is held.
 void Caller::expectFreeLock() {
   const auto setNothing = [this] {
-    return frontier.table().clSetKernelArg(nullptr, 0, 0, nullptr);
+    return boundary.table().clSetKernelArg(nullptr, 0, 0, nullptr);
   };
   auto answer = std::async(std::launch::async, setNothing);
   if (answer.wait_for(std::chrono::seconds(60)) == std::future_status::ready)

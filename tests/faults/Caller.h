@@ -1,9 +1,9 @@
-// Makes an application's calls and looks at what comes of them.
+// Makes an application's calls and checks how the agent answers them.
 
 #pragma once
 
+#include "tests/support/AgentBoundary.h"
 #include "tests/support/FakeRuntime.h"
-#include "tests/support/Frontier.h"
 
 #include <CL/cl.h>
 
@@ -15,24 +15,24 @@
 
 namespace corvane::test {
 
-/// Expects of every call that it answers what the runtime has answered, or that
-/// an exception passed because memory was refused: then the agent's lock is
-/// free and the call has done nothing.
+/// Makes calls and expects of each that it answers what the runtime has
+/// answered. If memory was refused it may throw instead; then the agent's lock
+/// is free and the call has done nothing.
 class Caller {
 public:
-  Caller(FakeRuntime &ofStory, Frontier &aroundAgent)
-      : runtime(ofStory), frontier(aroundAgent) {}
+  Caller(FakeRuntime &ofStory, AgentBoundary &aroundAgent)
+      : runtime(ofStory), boundary(aroundAgent) {}
 
   /// Loads the agent, twice if the first time fails, and returns whether that
-  /// worked; unloads it.
+  /// worked; and unloads it.
   bool load();
   void unload();
 
-  /// Tells whether the agent autotunes.
+  /// Says whether the agent autotunes.
   void expectTuning(bool agentTunes) { tunes = agentTunes; }
 
   /// What the application calls through.
-  const DispatchTable &cl() const { return frontier.table(); }
+  const DispatchTable &cl() const { return boundary.table(); }
 
   /// Makes a call to \p entry once, and once more if it fails. Returns whether
   /// it worked.
@@ -71,7 +71,7 @@ private:
   void expectFreeLock();
 
   FakeRuntime &runtime;
-  Frontier &frontier;
+  AgentBoundary &boundary;
   bool tunes = false;
   std::vector<Answered> answers; ///< during the latest call
   std::vector<std::string> taken;

@@ -61,7 +61,7 @@ TEST_F(Records, OfOneHandleAreKeptInOrderAfterThereWasNoMemory) {
   EXPECT_EQ(table.remove(handle(7)), nullptr);
 }
 
-// Whoever was to be in the table may still have to be cleaned up.
+// The caller may still have to clean up what the record describes.
 TEST_F(Records, StayWithTheCallerWhenThereIsNoMemory) {
   for (int number : {1, 1}) {
     auto record = std::make_unique<Record>(Record{number});

@@ -1,13 +1,14 @@
-// One call, made again for every request for memory that can be refused to it.
+// Makes one call again and again, refusing each of its requests for memory in
+// turn.
 
 #pragma once
 
 #include "agent/Environment.h"
 #include "tests/behaviour/Calls.h"
+#include "tests/support/AgentBoundary.h"
 #include "tests/support/AgentMemory.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FakeRuntime.h"
-#include "tests/support/Frontier.h"
 #include "tests/support/TempFolder.h"
 
 #include "gmock/gmock.h"
@@ -22,8 +23,8 @@
 
 namespace corvane::test {
 
-/// An agent that autotunes, and a program that it knows: the kernel k with two
-/// variants, and j without.
+/// An agent that autotunes and knows a program of the kernel k, with two
+/// variants, and the kernel j, without.
 class RefusedCalls : public testing::Test {
 protected:
   RefusedCalls() {
@@ -31,18 +32,18 @@ protected:
         .kernel("k_coarsed_g0S2", 3)
         .kernel("k_coarsed_r1g0S4", 3)
         .kernel("j", 1);
-    frontier.load();
+    boundary.load();
     EXPECT_EQ(build(cl(), program), CL_SUCCESS);
   }
-  ~RefusedCalls() override { frontier.unload(); }
+  ~RefusedCalls() override { boundary.unload(); }
 
-  const DispatchTable &cl() const { return frontier.table(); }
+  const DispatchTable &cl() const { return boundary.table(); }
 
-  /// Refuses the first request of the call, then its second alone, and so on
-  /// until nothing is refused any more. After each exception everything is as
-  /// it was before. What the agent can do without it may do without; then
-  /// \p undo undoes the call. So many times, \p shared, the call may leave what
-  /// all later ones share.
+  /// Makes the call with its first request refused, then with its second alone,
+  /// and so on until the call makes no such request. After each exception
+  /// everything has to be as before. If the call does without the memory, \p
+  /// undo undoes it. At most \p shared times the call may leave memory that all
+  /// later calls share.
   template <typename Call, typename Undo>
   void refuseEach(Call call, Undo undo, std::size_t shared = 0) {
     std::size_t exceptions = 0;
@@ -75,8 +76,8 @@ protected:
   }
 
 private:
-  // What is there of the runtime's, and what is said of the program. A kind's
-  // numbers go up.
+  // All objects of the runtime, and what the program answers. Objects of a kind
+  // are numbered in order of creation.
   std::vector<std::string> everything() {
     std::vector<std::string> all{kernelNames(cl(), program)};
     for (const char *kind : {"kernel", "buffer", "program", "event"})
@@ -90,7 +91,7 @@ protected:
   TempFolder folder;
   EnvGuard tuning{variable::autotune, folder.text()};
   EnvGuard installed{variable::installLocation, "/nowhere"};
-  Frontier frontier{runtime};
+  AgentBoundary boundary{runtime};
   ProgramScript program = runtime.addProgram();
 };
 

@@ -36,8 +36,9 @@ protected:
                                        &global, nullptr, 0, nullptr, nullptr);
   }
 
-  // After an exception nothing has been enqueued.
-  // The memory for a buffer's contents stays for the next launch.
+  // Launches with each request refused in turn. After an exception nothing has
+  // been enqueued. The memory for a buffer's contents is kept for the next
+  // launch.
   void refuseEachLaunch() {
     refuseEach(
         [this] {
@@ -99,7 +100,8 @@ TEST_F(RefusedLaunch, WithoutMemoryForABufferRunsItsVariantsTheNextTime) {
   EXPECT_EQ(runtime.transcript({"clEnqueueNDRangeKernel"}).size(), 4U);
 }
 
-// Most buffers of a program never meet a variant.
+// A buffer gets memory for a copy only when a launch with variants uses it;
+// most buffers never need it.
 TEST_F(RefusedLaunch, IsTheFirstToNeedMemoryForTheContentsOfABuffer) {
   constexpr std::size_t size = std::size_t{1} << 20;
   const std::size_t before = AgentMemory::liveBytes();
@@ -121,8 +123,8 @@ TEST_F(RefusedLaunch, IsTheFirstToNeedMemoryForTheContentsOfABuffer) {
   EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
 }
 
-// There is no event to tell when the transfers are over, so their memory stays;
-// but that needs none.
+// Without an event that shows the end of the transfers their memory is never
+// freed. Keeping it must not need memory in turn.
 TEST_F(RefusedLaunch, ThatCannotBeWatchedKeepsItsTransfersAlive) {
   create("k", 3);
   runtime.late();
@@ -136,11 +138,12 @@ TEST_F(RefusedLaunch, ThatCannotBeWatchedKeepsItsTransfersAlive) {
   for (cl_mem buffer : buffers)
     cl().clReleaseMemObject(buffer);
   buffers.clear();
-  frontier.unload();
+  boundary.unload();
   runtime.runAll();
 }
 
-// There is no last request: what is written anew grows from launch to launch.
+// The requests cannot all be tried: the log that is written anew grows from
+// launch to launch, and with it their number.
 TEST_F(RefusedLaunch, LosesNoRowOfALogThatWasDeleted) {
   create("j", 1);
   for (std::size_t n = 1; n != 60; ++n) {

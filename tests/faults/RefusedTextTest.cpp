@@ -2,12 +2,12 @@
 
 #include "agent/Environment.h"
 #include "tests/behaviour/Calls.h"
+#include "tests/support/AgentBoundary.h"
 #include "tests/support/AgentMemory.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/ErrorCapture.h"
 #include "tests/support/FakeRuntime.h"
-#include "tests/support/Frontier.h"
 
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
@@ -20,21 +20,21 @@ namespace {
 struct PlainKernel {
   FakeRuntime runtime;
   EnvGuard dumpLog;
-  Frontier frontier{runtime};
+  AgentBoundary boundary{runtime};
   cl_kernel kernel = nullptr;
 
   explicit PlainKernel(const char *logPath)
       : dumpLog(variable::dumpLog, logPath) {
     const cl_program program = runtime.addProgram().kernel("k");
-    frontier.load();
-    build(frontier.table(), program);
-    kernel = frontier.table().clCreateKernel(program, "k", nullptr);
+    boundary.load();
+    build(boundary.table(), program);
+    kernel = boundary.table().clCreateKernel(program, "k", nullptr);
   }
-  ~PlainKernel() { frontier.unload(); }
+  ~PlainKernel() { boundary.unload(); }
 
   cl_int launch() {
     const std::size_t global = 16;
-    return frontier.table().clEnqueueNDRangeKernel(runtime.queue(), kernel, 1,
+    return boundary.table().clEnqueueNDRangeKernel(runtime.queue(), kernel, 1,
                                                    nullptr, &global, nullptr, 0,
                                                    nullptr, nullptr);
   }
@@ -48,7 +48,7 @@ TEST(RefusedText, OfAReportIsWrittenWithoutAnyMemory) {
   ErrorCapture errors;
   AgentMemory::refuseFrom(1);
   EXPECT_EQ(app.launch(), CL_INVALID_GLOBAL_WORK_SIZE);
-  EXPECT_EQ(app.frontier.table().clReleaseProgram(nullptr), -9999);
+  EXPECT_EQ(app.boundary.table().clReleaseProgram(nullptr), -9999);
   EXPECT_FALSE(AgentMemory::refuseNothing());
   EXPECT_EQ(errors.text(),
             "QrlAgent:: 910: CL Error: CL_INVALID_GLOBAL_WORK_SIZE\n"
@@ -73,7 +73,7 @@ TEST(RefusedText, OfTheDiagnosticLogIsLostAndTheLaunchIsNot) {
 namespace {
 class RefusedAtTheEnd : public testing::TestWithParam<std::size_t> {};
 
-// The process is all the agent's from now on.
+// From now on all code of the process counts as the agent's.
 void refuseFromHereToTheEnd(std::size_t nth) {
   static const auto &agent = *new OnSide(Side::Agent);
   (void)agent;
@@ -90,7 +90,8 @@ TEST_P(RefusedAtTheEnd, DoesNotChangeHowTheProcessEnds) {
               testing::AnyOf("", testing::StartsWith("Frontend loaded\n")));
 }
 
-// The results are due when the process ends, and there is no memory for them.
+// The results would be written when the process ends, for which there is no
+// memory.
 TEST_P(RefusedAtTheEnd, LeavesTheResultsAndLetsTheProcessGo) {
   const Ended ended = runToItsEnd([](const std::string &log) {
     const std::string folder = log + ".results";
@@ -100,8 +101,8 @@ TEST_P(RefusedAtTheEnd, LeavesTheResultsAndLetsTheProcessGo) {
     static auto &runtime = *new FakeRuntime;
     for (const char *name : {variable::autotune, variable::installLocation})
       assignForGood(name, name == variable::autotune ? folder.c_str() : "/x");
-    static auto &frontier = *new Frontier(runtime);
-    frontier.load();
+    static auto &boundary = *new AgentBoundary(runtime);
+    boundary.load();
     refuseFromHereToTheEnd(GetParam());
   });
   EXPECT_EQ(ended.files.count("log.txt.results/.auto.csv"), 1U);

@@ -1,4 +1,4 @@
-// What the agent may say about failing calls.
+// The table of tags and codes with which the agent reports failing calls.
 
 #include "tests/faults/Reports.h"
 
@@ -11,8 +11,8 @@
 
 using namespace corvane::test;
 
-// The tags under which the failure of an entry is reported, and those of what
-// fails with it.
+// The tags under which the failure of each entry is reported, and those of
+// other calls that fail with it.
 static const std::map<std::string, std::set<int>> &tags() {
   static const std::map<std::string, std::set<int>> known{
       {"clGetProgramInfo", {128, 131, 321, 1263}},
@@ -32,7 +32,7 @@ static const std::map<std::string, std::set<int>> &tags() {
   return known;
 }
 
-// Those that the scripted runtime answers by itself, and those of the tests.
+// The names of the codes that the scripted runtime or a test answers with.
 static std::string nameOf(cl_int code) {
   switch (code) {
 #define NAME(name)                                                             \

@@ -1,4 +1,4 @@
-// The life of the application from its first call to its last.
+// What the application does, from its first call to its last.
 
 #include "tests/faults/Story.h"
 
@@ -26,8 +26,8 @@ std::string corvane::test::textOf(Running running) {
 }
 
 Story::Story(const Telling &telling, const TempFolder &output)
-    : how(telling), folder(output), frontier(runtime),
-      caller(runtime, frontier) {
+    : how(telling), folder(output), boundary(runtime),
+      caller(runtime, boundary) {
   environment.emplace_back(variable::installLocation, "/nowhere");
   environment.emplace_back(variable::autotune,
                            how.tuning ? folder.text().c_str() : nullptr);
@@ -48,7 +48,7 @@ void Story::tell() {
   for (int i = 0; i != 3; ++i)
     buffers.push_back(createBuffer(8, static_cast<unsigned char>(1 + 50 * i)));
 
-  // The agent wants to know of the end of buffers if it autotunes.
+  // The agent watches the end of buffers only if it autotunes.
   tunes = caller.calls().count("clSetMemObjectDestructorCallback") != 0;
   caller.expectTuning(tunes);
 

@@ -1,12 +1,12 @@
-// The whole life of an application under the agent, told again for every fault.
+// Everything that an application does under the agent, once for each fault.
 
 #pragma once
 
 #include "tests/faults/Caller.h"
 #include "tests/faults/Reports.h"
+#include "tests/support/AgentBoundary.h"
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FakeRuntime.h"
-#include "tests/support/Frontier.h"
 #include "tests/support/TempFolder.h"
 
 #include <CL/cl.h>
@@ -31,13 +31,14 @@ struct Telling {
   Running running;
 };
 
-/// An application that builds, links, asks, creates, sets, launches and
-/// releases, below an agent that it knows nothing of. What fails it tries once
-/// more; what goes on failing it leaves out.
+/// An application that builds, links, queries, creates, sets, launches and
+/// releases under an agent that it knows nothing of. It makes a call that fails
+/// once more, and goes on without it if it fails again.
 ///
-/// Whatever was made to fail: its calls are answered as the runtime answered,
-/// its buffers hold what its own kernels made of them, and of all that the
-/// agent got from the runtime nothing is left. The story expects all that.
+/// Whatever was made to fail, the story expects that calls answer as the
+/// runtime answered, that buffers have the contents that the application's own
+/// kernels gave them, and that the agent has released all that it got from the
+/// runtime.
 class Story {
 public:
   /// The results go into \p output, which other stories may have used.
@@ -46,10 +47,10 @@ public:
   /// From the load to the unload, and what runs after it.
   void tell();
 
-  /// To plan faults in, before the story is told.
+  /// The runtime, in which faults are planned before the story is told.
   FakeRuntime runtime;
 
-  /// What the runtime was asked for up to the unload.
+  /// The entries of the runtime that were called up to the unload.
   const std::set<std::string> &calls() const { return caller.calls(); }
 
   /// Rows of the raw timing log, and the runs that the agent has watched to
@@ -67,15 +68,15 @@ public:
   }
 
   /// Every way in which an entry of the runtime's has failed.
-  Failures failures() const { return frontier.failures(); }
+  Failures failures() const { return boundary.failures(); }
 
-  /// Objects that are still there and should not be.
+  /// Objects that should be gone and are not.
   std::vector<std::string> leftovers();
 
 private:
   void describePrograms();
   void build(cl_program program);
-  void noteWhatIsKnown();
+  void recordWhatIsKnown();
   void askForKernels(cl_program program);
   void expectKernels(std::size_t count, const std::string &names) const;
   cl_kernel create(cl_program program, const char *name);
@@ -89,8 +90,8 @@ private:
                  cl_int number, std::size_t local = 0);
   void launchPlain(cl_kernel kernel, std::size_t buffer);
   struct Launched {
-    bool worked; ///< as the application was told
-    bool ran;    ///< as the runtime has it
+    bool worked; ///< by the status that the application got
+    bool ran;    ///< in the runtime
   };
   Launched launch(cl_kernel kernel, std::size_t local);
   void launchAll(cl_kernel sum, cl_kernel plain);
@@ -105,7 +106,7 @@ private:
   const Telling how;
   const TempFolder &folder;
   std::list<EnvGuard> environment;
-  Frontier frontier;
+  AgentBoundary boundary;
   Caller caller;
 
   cl_command_queue queue = nullptr;
@@ -125,11 +126,11 @@ private:
   /// Whether the runtime refused every attempt to restore a buffer: then it
   /// stays as the variant left it.
   bool unrestored = false;
-  bool tunes = false; ///< without memory for its log the agent does not
+  bool tunes = false; ///< false also if the agent had no memory for its log
   bool directoryHidden = false;
   bool callbacksRefused = false;
   bool loaded = false;
-  bool namesKnown = true; ///< false: some kernel goes by an empty name
+  bool namesKnown = true; ///< false: to the agent some kernel's name is empty
   bool kernelsKnown = true;
   /// Whether the runtime once did not tell a kernel's references when it was
   /// released. Its record stays then, and with it the variants, because the

@@ -53,8 +53,8 @@ bool Story::setSum(cl_kernel kernel, std::size_t out, std::size_t in,
          set(3, structure.size(), structure.data()) && set(4, 64, nullptr);
 }
 
-// Each launch waits for the latest one with an event. Those without a local
-// size go without an event too.
+// Each launch waits for the latest one that had an event. Launches without a
+// local size have no event.
 Story::Launched Story::launch(cl_kernel kernel, std::size_t local) {
   const bool wantsEvent = local != 0;
   const std::size_t global = 64;
@@ -79,8 +79,8 @@ Story::Launched Story::launch(cl_kernel kernel, std::size_t local) {
   return launched;
 }
 
-// What an application makes of a failure: it sets up everything and tries
-// again.
+// After a failure the application sets all arguments again and launches once
+// more.
 void Story::launchSum(cl_kernel kernel, std::size_t out, std::size_t in,
                       cl_int number, std::size_t local) {
   if (!kernel || !buffers[out] || !buffers[in])

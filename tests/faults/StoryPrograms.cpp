@@ -31,7 +31,7 @@ static void spoil(const Launch &launch) {
     std::fill(launch.buffer(index).begin(), launch.buffer(index).end(), 0xEE);
 }
 
-// A variant that is wrong unless it was told the work-groups.
+// A variant that computes wrongly unless it got the number of work-groups.
 static void sumInGroups(const Launch &launch) {
   const auto groups = launch.value<std::array<cl_uint, 3>>(5);
   const std::size_t local = launch.local[0];
@@ -57,7 +57,8 @@ static void describe(ProgramScript program, const bool &tunes) {
 
 void Story::describePrograms() {
   describe(runtime.sourceMakes(), tunes);
-  // This one spills registers, but not when it is built again.
+  // The second program's variant spills registers, but not when it is built
+  // again.
   ProgramScript second = runtime.sourceMakes();
   describe(second.log(spillLog), tunes);
   describe(second.thenBuilt(), tunes);
@@ -70,11 +71,11 @@ void Story::build(cl_program program) {
     return;
   caller.tryTwice("clBuildProgram",
                   [&] { return test::build(caller.cl(), program); });
-  noteWhatIsKnown();
+  recordWhatIsKnown();
 }
 
-// After a build or a link.
-void Story::noteWhatIsKnown() {
+// Called after a build or a link.
+void Story::recordWhatIsKnown() {
   directoryHidden = how.tuning && !std::getenv(variable::autotune);
   if (caller.wasRefused("clGetKernelInfo"))
     namesKnown = false;
@@ -82,9 +83,10 @@ void Story::noteWhatIsKnown() {
     kernelsKnown = false;
 }
 
-// The application's kernels, once for each build. A kernel without a name
-// counts as one of them, and if no kernels could be had there are none. The
-// runtime answers for a program that the agent never looked into.
+// Expects the application's kernels, once for each build. A kernel whose name
+// is empty counts as one of them. There are none if the agent could not have
+// the kernels created. For a program that the agent has not looked at, the
+// runtime answers.
 void Story::expectKernels(std::size_t count, const std::string &names) const {
   if (count == 0 && !kernelsKnown) {
     EXPECT_EQ(names, "");
@@ -95,7 +97,7 @@ void Story::expectKernels(std::size_t count, const std::string &names) const {
   if (names == allNames && (!loaded || !tunes || directoryHidden))
     return;
   const std::string one = namesKnown ? "sum;plain" : "(sum|plain|;)*";
-  // The standard library's: GoogleTest's own knows no groups on Windows.
+  // The standard library's expressions: GoogleTest's have no groups on Windows.
   const std::regex builds(one + "(;" + one + ")*");
   EXPECT_TRUE(std::regex_match(names, builds)) << names;
 }
@@ -129,8 +131,9 @@ cl_kernel Story::create(cl_program program, const char *name) {
   return kernel;
 }
 
-// With place for more kernels than it knows of, the agent refuses; what it has
-// written all the same is there. What has no name it takes for a kernel.
+// The agent refuses an array for more kernels than it knows of, but writes
+// those that it has. A variant whose name it could not read it takes for a
+// kernel.
 void Story::createAll(cl_program program) {
   for (int attempt = 0; program && attempt != 2; ++attempt) {
     std::array<cl_kernel, 8> created{};
@@ -160,7 +163,7 @@ void Story::linkProgram() {
     return status;
   });
   programs.push_back(linked);
-  noteWhatIsKnown();
+  recordWhatIsKnown();
   // In normal mode nothing is known of a linked program.
   if (tunes)
     askForKernels(linked);

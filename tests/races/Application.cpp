@@ -1,4 +1,4 @@
-// What one thread of the application does.
+// Chooses and makes the calls of one thread, and checks its buffers.
 
 #include "tests/races/Application.h"
 
@@ -12,7 +12,7 @@ using namespace corvane::test;
 
 static constexpr std::size_t wordCount = 16;
 
-/// Of the round's program, and with the variants.
+/// How many kernels the round's program has: without and with the variants.
 static constexpr cl_uint ordinaryKernels = 4;
 static constexpr cl_uint allKernels = 8;
 
@@ -24,7 +24,7 @@ Application::Application(Round &ofRound, unsigned itsNumber)
   }
 }
 
-void Application::live(unsigned steps) {
+void Application::run(unsigned steps) {
   for (unsigned i = 0; i != steps; ++i) {
     if (i == steps / 2 && number == 0)
       round.takeTurn();
@@ -81,9 +81,9 @@ void Application::useKernel() {
   EXPECT_EQ(round.cl().clReleaseKernel(kernel), CL_SUCCESS);
 }
 
-// The first is "sum". Asked for their number, the agent would create them all,
-// and they could not be released. After a flush there is not place enough for
-// all.
+// The first kernel is "sum". The agent is not asked for their number: it would
+// create them all, and they could not be released. After a flush the array is
+// too small for all of them.
 void Application::useAllKernels() {
   std::array<cl_kernel, ordinaryKernels> kernels{};
   if (round.cl().clCreateKernelsInProgram(round.program, ordinaryKernels,
@@ -103,7 +103,8 @@ void Application::useOwnProgram(const char *source) {
   EXPECT_EQ(
       round.cl().clBuildProgram(program, 0, nullptr, nullptr, nullptr, nullptr),
       CL_SUCCESS);
-  // In normal mode no variants are looked for after a log that tells of spills.
+  // In normal mode the agent looks for no variants if the log says that one
+  // spills.
   const bool found = source[0] == 'o' || round.plan.tuning;
   expectKernels(program, found ? 1 : 2, 2);
   cl_kernel kernel = round.cl().clCreateKernel(program, "own", nullptr);
@@ -131,8 +132,8 @@ void Application::useOwnQueue() {
   EXPECT_EQ(round.cl().clReleaseKernel(kernel), CL_SUCCESS);
 }
 
-// One with a launch under way, which is not waited for; and one that another
-// thread releases.
+// Releases a buffer while a launch on it may be running, and gives another one
+// to another thread, which releases it.
 void Application::throwBuffersAway() {
   cl_mem buffer = createBuffer();
   cl_kernel kernel = round.cl().clCreateKernel(round.program, "sum", nullptr);
@@ -150,8 +151,8 @@ void Application::throwBuffersAway() {
   }
 }
 
-// All threads at the same time, which is right as long as no thread sets its
-// arguments.
+// Launches the kernel that all threads share. OpenCL allows this as long as no
+// thread sets an argument of it.
 void Application::launchSharedKernel() {
   const std::array<std::size_t, 2> global{64, 2};
   const std::array<std::size_t, 2> local{4, 1};
@@ -165,7 +166,7 @@ void Application::askForKernels() {
   expectKernels(round.program, ordinaryKernels, allKernels);
 }
 
-// With a factor that a variant of "pair" takes every other time.
+// Launches with a factor that a variant of "pair" accepts every other time.
 void Application::launchOn(cl_kernel kernel, cl_command_queue queue,
                            bool pair) {
   const auto factor = static_cast<std::uint32_t>(random() % 100);
@@ -180,8 +181,8 @@ void Application::launchOn(cl_kernel kernel, cl_command_queue queue,
     out.words[i] = out.words[i] * 31 + source.words[i] + factor;
 }
 
-// After the latest launch. Whether it runs shows by its event: after a flush
-// in autotuning mode nothing does.
+// Launches after the latest launch. Returns whether this one will run, which
+// its event shows: after a flush in autotuning mode nothing runs.
 bool Application::launch(cl_kernel kernel, cl_command_queue queue) {
   const std::size_t global = 64;
   const std::size_t local = 4;

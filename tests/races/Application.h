@@ -1,4 +1,4 @@
-// What one thread of the application does.
+// One thread of an application that calls everything in random order.
 
 #pragma once
 
@@ -13,14 +13,15 @@
 
 namespace corvane::test {
 
-/// Calls all hooks in an order of chance's. It has buffers that only it
-/// launches on, and knows what is in them.
+/// Calls all hooks in a random order. It launches on buffers that no other
+/// thread uses, and knows their contents.
 class Application {
 public:
   Application(Round &ofRound, unsigned number);
 
-  /// So many steps; the first application takes the round's turn half-way.
-  void live(unsigned steps);
+  /// Takes so many steps. The first application takes the round's turn
+  /// half-way.
+  void run(unsigned steps);
 
 private:
   void step();

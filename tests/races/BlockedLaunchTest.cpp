@@ -1,5 +1,5 @@
 // Tests of launches that do not return until another thread has done something.
-// If that needs what the launch holds, the test runs into its time limit.
+// If that needs a lock that the launch holds, the test never ends.
 
 #include "agent/Environment.h"
 #include "tests/support/EnvGuard.h"
@@ -17,11 +17,11 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-/// A runtime whose launches, once they are blocked, wait for a thread that is
-/// in the middle of something else.
+/// A runtime whose launches can be made to wait for another thread, which is in
+/// the middle of something else.
 class Blocked {
 public:
-  explicit Blocked(bool tuning) : runtime(natureOf()) {
+  explicit Blocked(bool tuning) : runtime(behaviourOf()) {
     environment.emplace_back(variable::autotune,
                              tuning ? folder.text().c_str() : nullptr);
     environment.emplace_back(variable::installLocation, folder.text());
@@ -43,7 +43,7 @@ public:
     EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
     EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
     EXPECT_EQ(cl().clReleaseCommandQueue(queue), CL_SUCCESS);
-    runtime.board.drain();
+    runtime.shared.drain();
     runtime.unload();
   }
 
@@ -64,7 +64,7 @@ public:
     return cl().clEnqueueNDRangeKernel(queue, kernel, 1, nullptr, &global,
                                        nullptr, 0, nullptr, nullptr);
   }
-  /// Launches on different buffers need no order.
+  /// With another buffer a launch needs no order to earlier ones.
   void takeNewBuffer() {
     if (buffer) {
       EXPECT_EQ(cl().clReleaseMemObject(buffer), CL_SUCCESS);
@@ -100,14 +100,14 @@ private:
     while (!flag)
       std::this_thread::yield();
   }
-  loose::Nature natureOf() {
-    loose::Nature nature;
-    nature.beforeLaunch = [this] {
+  loose::Behaviour behaviourOf() {
+    loose::Behaviour behaviour;
+    behaviour.beforeLaunch = [this] {
       isInside = true;
       wait(mayGoOn);
     };
-    nature.beforeCallback = [this] { wait(mayCallBack); };
-    return nature;
+    behaviour.beforeCallback = [this] { wait(mayCallBack); };
+    return behaviour;
   }
 };
 
@@ -153,15 +153,15 @@ TEST_P(BlockedLaunch, IsFreedByTheEndOfABuffer) {
   });
 }
 
-// The runtime tells of the first launch's runs while the second one waits for
-// just that.
+// The second launch waits until the runtime has called back about the first
+// one's runs.
 TEST_P(BlockedLaunch, IsFreedByTheCompletionOfEarlierRuns) {
   app.mayCallBack = false;
   EXPECT_EQ(app.launch(), CL_SUCCESS);
   app.takeNewBuffer();
   app.launchUntil([this] {
     app.mayCallBack = true;
-    app.runtime.board.drain();
+    app.runtime.shared.drain();
   });
 }
 

@@ -1,5 +1,5 @@
-// Tests of the moment in which a flush ends the bookkeeping, while threads that
-// never take the agent lock are using it.
+// Tests of a flush that takes the state away while threads that never take the
+// agent lock use it.
 
 #include "agent/Environment.h"
 #include "tests/races/RoundPlan.h"
@@ -39,7 +39,7 @@ protected:
 
   const DispatchTable &cl() const { return runtime.cl(); }
 
-  /// Plays so many ends; \p use is called again and again meanwhile.
+  /// Loads and flushes many times; \p use is called again and again meanwhile.
   void playEnds(const std::function<void()> &use) {
     for (unsigned round = 0; round != 10 * wantedRounds(); ++round) {
       EXPECT_EQ(runtime.load(), CL_SUCCESS);
@@ -88,9 +88,9 @@ private:
   EnvGuard location{variable::installLocation, folder.text()};
   EnvGuard flushes{variable::flushOnReleaseContext, "1"};
   loose::Runtime runtime{[] {
-    loose::Nature nature;
-    nature.atOnce = true;
-    return nature;
+    loose::Behaviour behaviour;
+    behaviour.atOnce = true;
+    return behaviour;
   }()};
 };
 } // namespace

@@ -1,4 +1,4 @@
-// Tests of all hooks on many threads at once. Meant for the thread sanitizer.
+// Tests of all hooks on many threads at once, for the thread sanitizer.
 
 #include "tests/races/Round.h"
 

@@ -1,4 +1,4 @@
-// One life of the agent below an application of many threads.
+// Loads the agent, runs the threads, ends everything, and checks what is left.
 
 #include "tests/races/Round.h"
 
@@ -20,16 +20,16 @@ using testing::IsEmpty;
 static constexpr unsigned threadCount = 8;
 static constexpr unsigned stepCount = 20;
 
-static loose::Nature natureOf(const RoundPlan &plan) {
-  loose::Nature nature;
-  nature.atOnce = plan.atOnce;
-  nature.variantsSpoil = plan.tuning;
-  nature.seed = plan.seed;
-  return nature;
+static loose::Behaviour behaviourOf(const RoundPlan &plan) {
+  loose::Behaviour behaviour;
+  behaviour.atOnce = plan.atOnce;
+  behaviour.variantsSpoil = plan.tuning;
+  behaviour.seed = plan.seed;
+  return behaviour;
 }
 
 Round::Round(const RoundPlan &roundPlan)
-    : plan(roundPlan), folder(folderInMemory()), runtime(natureOf(roundPlan)) {
+    : plan(roundPlan), folder(folderInMemory()), runtime(behaviourOf(roundPlan)) {
   for (const char *name :
        {variable::autotuneShadow, variable::bypassVectorizationSafetyCheck})
     environment.emplace_back(name, nullptr);
@@ -38,7 +38,8 @@ Round::Round(const RoundPlan &roundPlan)
   environment.emplace_back(variable::installLocation, folder.text());
   environment.emplace_back(variable::flushOnReleaseContext,
                            flushesWithContext() ? "1" : nullptr);
-  // Every other round has a diagnostic log, which is dropped with the variable.
+  // Every other round has a diagnostic log. It is dropped, because the variable
+  // is undefined at the end.
   environment.emplace_back(variable::dumpLog,
                            plan.seed % 2 == 0 ? "/nowhere/log" : nullptr);
 }
@@ -65,7 +66,7 @@ std::size_t Round::play() {
   std::vector<std::thread> threads;
   threads.reserve(threadCount);
   for (const auto &application : applications)
-    threads.emplace_back([&application] { application->live(stepCount); });
+    threads.emplace_back([&application] { application->run(stepCount); });
   for (std::thread &thread : threads)
     thread.join();
   finish();
@@ -80,14 +81,14 @@ void Round::finish() {
   EXPECT_EQ(cl().clReleaseKernel(sharedKernel), CL_SUCCESS);
   EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
   EXPECT_EQ(cl().clReleaseCommandQueue(queue), CL_SUCCESS);
-  runtime.board.drain();
-  runtime.board.announceFlush();
+  runtime.shared.drain();
+  runtime.shared.announceFlush();
   runtime.unload();
 }
 
 void Round::releaseContext() {
   if (flushesWithContext())
-    runtime.board.announceFlush();
+    runtime.shared.announceFlush();
   EXPECT_EQ(cl().clRetainContext(context()), CL_SUCCESS);
   EXPECT_EQ(cl().clReleaseContext(context()), CL_SUCCESS);
 }
@@ -99,10 +100,10 @@ void Round::takeTurn() {
     return releaseContext();
   case Turn::Unload:
   case Turn::ContextAndUnload:
-    runtime.board.announceFlush();
+    runtime.shared.announceFlush();
     return runtime.unload();
   case Turn::UnloadAndLoad:
-    runtime.board.announceFlush();
+    runtime.shared.announceFlush();
     runtime.unload();
     [[fallthrough]];
   case Turn::SecondLoad:
@@ -113,20 +114,20 @@ void Round::takeTurn() {
 }
 
 std::size_t Round::check() {
-  EXPECT_THAT(runtime.board.takeBlames(), IsEmpty());
+  EXPECT_THAT(runtime.shared.takeMistakes(), IsEmpty());
   for (const loose::Kind kind :
        {loose::Kind::Queue, loose::Kind::Buffer, loose::Kind::Event})
-    EXPECT_EQ(runtime.board.alive(kind), 0) << static_cast<int>(kind);
+    EXPECT_EQ(runtime.shared.alive(kind), 0) << static_cast<int>(kind);
   // A kernel that the agent has forgotten keeps its variants alive.
   if (plan.turn == Turn::None || plan.turn == Turn::SecondLoad)
     for (const loose::Kind kind : {loose::Kind::Kernel, loose::Kind::Program}) {
-      EXPECT_EQ(runtime.board.alive(kind), 0) << static_cast<int>(kind);
+      EXPECT_EQ(runtime.shared.alive(kind), 0) << static_cast<int>(kind);
     }
-  const auto told = runtime.board.takeTold();
+  const auto reported = runtime.shared.takeReported();
   if (!plan.tuning) {
     EXPECT_FALSE(folder.has(".auto.csv"));
     return 0;
   }
   EXPECT_THAT(folder.read("autotune.csv"), testing::Not(IsEmpty()));
-  return expectRows(folder.read(".auto.csv"), told, reloads());
+  return expectRows(folder.read(".auto.csv"), reported, reloads());
 }

@@ -1,4 +1,4 @@
-// One life of the agent below an application of many threads.
+// One round: from load to unload, with an application of many threads.
 
 #pragma once
 
@@ -22,8 +22,8 @@ class Round {
 public:
   explicit Round(const RoundPlan &roundPlan);
 
-  /// Has the threads live, the turn come and everything end, and checks it all.
-  /// Returns how many rows the raw timing log has.
+  /// Runs the threads and the turn, ends everything, and checks it. Returns how
+  /// many rows the raw timing log has.
   std::size_t play();
 
   const DispatchTable &cl() const { return runtime.cl(); }
@@ -31,25 +31,27 @@ public:
 
   const RoundPlan plan;
 
-  /// Built once, and a kernel of it whose arguments are set for good.
+  /// A program that is built once, and a kernel of it whose arguments are set
+  /// once.
   cl_program program = nullptr;
   cl_kernel sharedKernel = nullptr;
   cl_command_queue queue = nullptr;
 
-  /// Takes a buffer over and returns one that another thread has left, or null.
+  /// Stores a buffer and returns the one that another thread has stored, or
+  /// null.
   cl_mem swap(std::size_t slot, cl_mem buffer) {
     return slots[slot].exchange(buffer, std::memory_order_acq_rel);
   }
   static constexpr std::size_t slotCount = 4;
 
-  /// One reference more and one less, which flushes in some rounds.
+  /// Retains and releases the context, which flushes in some rounds.
   void releaseContext();
 
-  /// What this round has beside work, for one thread to do.
+  /// Does what the plan's turn says. For one thread.
   void takeTurn();
 
   /// Whether the agent may have forgotten all it knew.
-  bool mayHaveForgotten() const { return runtime.board.flushIsAnnounced(); }
+  bool mayHaveForgotten() const { return runtime.shared.flushIsAnnounced(); }
   bool reloads() const {
     return plan.turn == Turn::SecondLoad || plan.turn == Turn::UnloadAndLoad;
   }

@@ -1,4 +1,4 @@
-// What one round of threads is to be like, and how many there are.
+// Reads the variables that choose the rounds.
 
 #include "tests/races/RoundPlan.h"
 
@@ -36,7 +36,7 @@ void corvane::test::PrintTo(const RoundPlan &plan, std::ostream *out) {
   *out << textOf(plan);
 }
 
-// Zero without the variable.
+// The variable as a number; zero without it.
 static unsigned numberFrom(const char *variable) {
   const char *value = std::getenv(variable);
   return value ? static_cast<unsigned>(std::strtoul(value, nullptr, 10)) : 0;

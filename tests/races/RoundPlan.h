@@ -7,9 +7,9 @@
 
 namespace corvane::test {
 
-/// What happens while everybody is at work, beside the work.
+/// What happens once in a round while all threads work.
 enum class Turn {
-  None,            ///< the results are flushed when all is over
+  None,            ///< the results are flushed after all threads have ended
   ContextReleases, ///< releases of the context flush, from any thread
   Unload,
   SecondLoad,       ///< the runtime loads the agent once more
@@ -22,17 +22,16 @@ struct RoundPlan {
   bool tuning = false; ///< false: normal mode
   bool atOnce = false; ///< the runtime runs and calls back within calls
   Turn turn = Turn::None;
-  unsigned seed = 1; ///< of every choice, and by the test's rule of the turn
+  unsigned seed = 1; ///< of every choice; by a rule of the test, of the turn
 };
 
 std::string textOf(const RoundPlan &plan);
 void PrintTo(const RoundPlan &plan, std::ostream *out);
 
-/// From CORVANE_RACES_ROUNDS; how often each test goes through all turns.
+/// How often each test goes through all turns: CORVANE_RACES_ROUNDS.
 unsigned wantedRounds();
 
-/// What a test's first round makes its choices from: CORVANE_RACES_SEED, or a
-/// number left to chance.
+/// The seed of a test's first round: CORVANE_RACES_SEED, or a random number.
 unsigned firstSeed();
 
 } // namespace corvane::test

@@ -1,4 +1,4 @@
-// The rows of a raw timing log, held against what really ran.
+// Compares the rows of a raw timing log with the runs that completed.
 
 #include "tests/races/WrittenRows.h"
 
@@ -13,18 +13,20 @@ static const char *const header =
     "kernel,x_global,y_global,z_global,x_local,y_local,z_local,coarsed_kernel,"
     "time";
 
-// Every run has a time of its own, so that every row is another one.
-static std::set<std::string> rowsOf(const std::vector<loose::ToldRun> &told) {
+// Every run has another time, so all rows differ.
+static std::set<std::string>
+rowsOf(const std::vector<loose::ReportedRun> &reported) {
   std::set<std::string> rows;
-  for (const loose::ToldRun &run : told) {
-    EXPECT_TRUE(rows.insert(run.row).second) << "told twice: " << run.row;
+  for (const loose::ReportedRun &run : reported) {
+    EXPECT_TRUE(rows.insert(run.row).second) << "reported twice: " << run.row;
   }
   return rows;
 }
 
-std::size_t corvane::test::expectRows(const std::string &log,
-                                      const std::vector<loose::ToldRun> &told,
-                                      bool someAreLost) {
+std::size_t
+corvane::test::expectRows(const std::string &log,
+                          const std::vector<loose::ReportedRun> &reported,
+                          bool someAreLost) {
   EXPECT_FALSE(log.empty());
   EXPECT_EQ(log.back(), '\n') << "the last row is torn";
   std::istringstream lines(log);
@@ -32,13 +34,13 @@ std::size_t corvane::test::expectRows(const std::string &log,
   std::getline(lines, line);
   EXPECT_EQ(line, header);
 
-  const std::set<std::string> runs = rowsOf(told);
+  const std::set<std::string> runs = rowsOf(reported);
   std::set<std::string> written;
   while (std::getline(lines, line)) {
     EXPECT_EQ(runs.count(line), 1U) << "no launch made this row: " << line;
     EXPECT_TRUE(written.insert(line).second) << "written twice: " << line;
   }
-  for (const loose::ToldRun &run : told)
+  for (const loose::ReportedRun &run : reported)
     if (run.beforeFlush && !someAreLost) {
       EXPECT_EQ(written.count(run.row), 1U) << "no row for " << run.row;
     }

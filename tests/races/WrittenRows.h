@@ -1,8 +1,8 @@
-// The rows of a raw timing log, held against what really ran.
+// Checks a raw timing log against the runs that took place.
 
 #pragma once
 
-#include "tests/support/loose/Board.h"
+#include "tests/support/loose/SharedState.h"
 
 #include <cstddef>
 #include <string>
@@ -11,10 +11,10 @@
 namespace corvane::test {
 
 /// Expects that \p log is the header and whole rows, each of a run and none
-/// twice. Unless \p someAreLost, every run that was told of before the flush
-/// has its row. Returns how many rows there are.
+/// twice. Unless \p someAreLost, every run whose completion was reported before
+/// the flush has its row. Returns how many rows there are.
 std::size_t expectRows(const std::string &log,
-                       const std::vector<loose::ToldRun> &told,
+                       const std::vector<loose::ReportedRun> &reported,
                        bool someAreLost);
 
 } // namespace corvane::test

@@ -1,4 +1,4 @@
-// Asks Linux and its C library; below a sanitizer the heap is the sanitizer's.
+// Counts by means of Linux and its C library, or of the sanitizer's allocator.
 
 #include "tests/soak/Process.h"
 
@@ -17,7 +17,7 @@ std::size_t soak::liveBytes() {
   return heap.uordblks + heap.hblkhd;
 }
 
-// Without the descriptor of the walk itself.
+// The descriptor that reading the folder takes is not counted.
 std::size_t soak::openFiles() {
   namespace fs = std::filesystem;
   const fs::directory_iterator files("/proc/self/fd");

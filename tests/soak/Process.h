@@ -1,4 +1,4 @@
-// What a process has got and not given back.
+// Memory and files that a process has in use.
 
 #pragma once
 
@@ -6,7 +6,7 @@
 
 namespace soak {
 
-/// Bytes of the heap that are in use, in all its parts, whoever uses them.
+/// Bytes in use in all parts of the heap, by all code of the process.
 std::size_t liveBytes();
 
 /// Open file descriptors.

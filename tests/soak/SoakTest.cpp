@@ -17,16 +17,16 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-loose::Nature forgetful(bool tuning) {
-  loose::Nature nature;
-  nature.atOnce = true;
-  nature.variantsSpoil = tuning;
-  nature.remembersRuns = false;
-  return nature;
+loose::Behaviour forgetful(bool tuning) {
+  loose::Behaviour behaviour;
+  behaviour.atOnce = true;
+  behaviour.variantsSpoil = tuning;
+  behaviour.remembersRuns = false;
+  return behaviour;
 }
 
-/// An application that goes on and on. Each of its launches is one of a kernel
-/// with two variants; now and then it takes new kernels, buffers and programs.
+/// An application that launches a kernel with two variants very often, and now
+/// and then makes new kernels, buffers and programs.
 class Endless {
 public:
   explicit Endless(bool tuning) : runtime(forgetful(tuning)) {
@@ -51,15 +51,15 @@ public:
     }
   }
 
-  /// Gives everything back but the last word of the agent.
+  /// Releases everything; only the unload is left.
   void letGo() {
     giveBack();
     EXPECT_EQ(cl().clReleaseProgram(program), CL_SUCCESS);
     EXPECT_EQ(cl().clReleaseCommandQueue(queue), CL_SUCCESS);
     for (const auto kind :
          {loose::Kind::Kernel, loose::Kind::Buffer, loose::Kind::Event})
-      EXPECT_EQ(runtime.board.alive(kind), 0);
-    EXPECT_TRUE(runtime.board.takeBlames().empty());
+      EXPECT_EQ(runtime.shared.alive(kind), 0);
+    EXPECT_TRUE(runtime.shared.takeMistakes().empty());
   }
 
   TempFolder folder{folderInMemory()};
@@ -116,18 +116,19 @@ std::size_t wantedLaunches() {
   return value ? std::strtoull(value, nullptr, 10) : SOAK_LAUNCHES;
 }
 
-// What a launch may keep in memory, so that a lost log can be written anew: a
-// record, its times, and its place in the list, which grows by doubling.
+// How much memory a launch may keep, so that a lost log can be written anew: a
+// record, its times, and its entry in the list, which grows by doubling.
 constexpr std::size_t bytesPerLaunch = 200;
 
 std::size_t lines(const std::string &text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-/// Growth that is no growth: what an allocator keeps in its corners.
+/// Bytes that do not count as growth, because an allocator keeps some for
+/// itself.
 constexpr std::size_t slack = 16384;
 
-// What is made once in a process is not what this is about.
+// Has everything made that is made only once in a process.
 void warmUp(bool tuning) {
   Endless app(tuning);
   app.launch(64);

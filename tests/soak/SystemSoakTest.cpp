@@ -19,10 +19,10 @@ std::string wantedLaunches() {
   return value ? value : SOAK_LAUNCHES;
 }
 
-/// What the program says of itself.
+/// What the program prints of itself.
 struct Told {
   std::string results;
-  long launches = 0; ///< between the two looks
+  long launches = 0; ///< between the two measurements
   long grown = 0;    ///< bytes, between them
   long files = 0;    ///< descriptors, between them
 };

@@ -1,5 +1,6 @@
 // Launches as many short kernels as its argument says, with new kernels and
-// buffers all the time, and looks at itself after a fifth and at the end.
+// buffers all the time. Measures its memory and files after a fifth of them and
+// at the end.
 
 #include "tests/soak/Process.h"
 #include "tests/system/autotune/hosts/Host.h"

@@ -1,4 +1,5 @@
-// The memory that the agent's code gets, and how to let it get none.
+// Counts the memory that the agent's code asks for, and refuses it if a test
+// says so.
 
 #pragma once
 
@@ -6,24 +7,24 @@
 
 namespace corvane::test {
 
-/// Counts and refuses what the agent asks the allocator for, on whatever
-/// thread; other requests are left alone (see Side.h and Frontier.h). For
-/// programs that link corvane_agent_memory, which takes the place of the
-/// allocator's functions in the whole process.
+/// Counts and refuses the agent's requests for memory, on all threads; other
+/// requests are left alone (see Side.h and AgentBoundary.h). For programs that
+/// link corvane_agent_memory, which replaces the allocator in the whole
+/// process.
 struct AgentMemory {
-  /// Requests of the agent's so far; releases are none.
+  /// How many requests the agent has made so far.
   static std::size_t requests();
 
-  /// The \p nth request from now on is refused, from 1: that one alone, or it
-  /// and all later ones.
+  /// Plans to refuse the \p nth request from now on, counted from 1: that one
+  /// alone, or it and all later ones.
   static void refuse(std::size_t nth);
   static void refuseFrom(std::size_t nth);
-  /// Whether something was refused since this was planned.
+  /// Whether a request was refused since a refusal was planned.
   static bool hasRefused();
-  /// Nothing is refused any more. Returns whether something was.
+  /// Refuses no request any more. Returns whether one was refused.
   static bool refuseNothing();
 
-  /// What the agent has asked for and that has not been given back.
+  /// How many blocks the agent has got that have not been freed.
   static std::size_t liveBlocks();
   static std::size_t liveBytes();
 };

@@ -1,4 +1,4 @@
-// Failures that a test has scripted.
+// Decides which calls of the scripted runtime fail.
 
 #include "tests/support/Answers.h"
 

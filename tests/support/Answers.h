@@ -24,10 +24,10 @@ public:
   /// The \p nth call from now on fails, whichever it is.
   void scriptAny(std::size_t nth, cl_int status);
 
-  /// Counts a call to \p name and tells its failure; none: it works.
+  /// Counts a call to \p name and returns its failure; none: the call works.
   std::optional<cl_int> next(const std::string &name);
 
-  /// The name of the call that scriptAny let fail last; empty without one.
+  /// The name of the call that failed by scriptAny last; empty if none has.
   std::string lastOfAny() const;
 
   /// How many calls there were so far.

@@ -1,4 +1,4 @@
-// A process of its own for what shows only when a process ends.
+// Runs a child process by means of a death test, and reads what it has left.
 
 #include "tests/support/ChildProcess.h"
 
@@ -17,7 +17,7 @@
 using namespace corvane;
 using namespace corvane::test;
 
-// The child has no other way to know the file that its parent has chosen.
+// The parent tells the child by this variable which file it has chosen.
 static constexpr const char *logVariable = "CORVANE_TEST_CHILD_LOG";
 
 void corvane::test::assignForGood(const char *name, const char *value) {
@@ -45,7 +45,7 @@ filesIn(const std::filesystem::path &folder) {
   return files;
 }
 
-// The child comes here and not farther: GoogleTest runs the body instead.
+// Runs the body in a child. In the child this function does not return.
 static Ended runIn(const std::function<void(const std::string &)> &body) {
   Ended ended;
   const auto keep = [&ended](const std::string &text) {
@@ -59,8 +59,8 @@ static Ended runIn(const std::function<void(const std::string &)> &body) {
 
 Ended corvane::test::runToItsEnd(
     const std::function<void(const std::string &)> &body) {
-  // A new process instead of a copy of this one: what other tests have written
-  // into the log of this one is not there.
+  // Starts a new process instead of a copy of this one, whose log would have
+  // what other tests have written.
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   if (std::getenv(logVariable))
     return runIn(body);

@@ -1,4 +1,4 @@
-// A process of its own for what shows only when a process ends.
+// Runs a part of a test in a child process, to see what happens at its end.
 
 #pragma once
 
@@ -8,9 +8,9 @@
 
 namespace corvane::test {
 
-/// What remains of a child process.
+/// What a child process has written.
 struct Ended {
-  std::string diagnosticLog; ///< the text of the file, "" without one
+  std::string diagnosticLog; ///< the text of the file, "" if there is none
   std::string errorText;     ///< all that it wrote on standard error
   /// Every file in the folder of the diagnostic log, by its path from there.
   std::map<std::string, std::string> files;
@@ -24,11 +24,12 @@ struct Ended {
 /// takes that away while it lives, so hand the path to the LoadedAgent once
 /// more.
 ///
-/// The child runs the test once more from its beginning to get here. So call
-/// this once a test, before anything else is made or changed.
+/// The child runs the test from its beginning up to this call. So call this
+/// once in a test, before anything else.
 Ended runToItsEnd(const std::function<void(const std::string &log)> &body);
 
-/// Defines a variable until the process ends; null removes it. For children.
+/// Defines a variable until the process ends; null removes it. For child
+/// processes.
 void assignForGood(const char *name, const char *value);
 
 } // namespace corvane::test

@@ -1,4 +1,5 @@
-// Commands on the scripted device.
+// Keeps commands until their wait lists are over, and runs them in the order
+// that the test chooses.
 
 #include "tests/support/Commands.h"
 

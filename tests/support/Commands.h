@@ -23,14 +23,14 @@ struct Command {
 };
 
 /// Runs commands when their wait lists are over: at once, or when the test
-/// says. The queue's own order is never kept, so nothing but wait lists orders
-/// two commands.
+/// says. Queues do not keep their order, so only wait lists order two commands.
 class Commands {
 public:
   using Letter = std::function<void(const Object &)>;
 
   /// \p objectLock guards the objects; it is not held while work or callbacks
-  /// run. \p whenLetGo is told of objects that one user less needs.
+  /// run. \p whenLetGo is called with each object that a command needs no
+  /// longer.
   Commands(std::recursive_mutex &objectLock, Letter whenLetGo)
       : lock(objectLock), letGo(std::move(whenLetGo)) {}
 

@@ -1,4 +1,4 @@
-// An environment variable for the length of a test.
+// Defines an environment variable for the length of a test.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// What is written on the standard error stream meanwhile.
+// Redirects standard error to a file, and back.
 
 #include "tests/support/ErrorCapture.h"
 

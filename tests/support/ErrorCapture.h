@@ -1,4 +1,4 @@
-// What is written on the standard error stream meanwhile.
+// Collects what is written to standard error.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 
 namespace corvane::test {
 
-/// Collects all bytes written to file descriptor 2 while it lives, by whatever
-/// stream. One at a time.
+/// Collects all bytes that are written to file descriptor 2, by whatever
+/// stream, until its end. One at a time.
 class ErrorCapture {
 public:
   ErrorCapture();

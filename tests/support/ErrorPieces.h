@@ -1,4 +1,4 @@
-// What is written on the standard error stream meanwhile, write by write.
+// Collects what is written to standard error, write by write.
 
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace corvane::test {
 
-/// Takes the place of standard error while it lives. One at a time.
+/// Replaces standard error until its end. One at a time.
 class ErrorPieces {
 public:
   ErrorPieces();
@@ -15,11 +15,11 @@ public:
   ErrorPieces(const ErrorPieces &) = delete;
   ErrorPieces &operator=(const ErrorPieces &) = delete;
 
-  /// What each write has brought since the last call.
+  /// The bytes of each write since the last call.
   std::vector<std::string> read();
 
 private:
-  int before;    ///< descriptor of the stream that stood here
+  int before;    ///< descriptor of the stream that was replaced
   void *channel; ///< the end that the pieces arrive at
 };
 

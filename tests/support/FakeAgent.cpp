@@ -1,4 +1,4 @@
-// The agent object that the scripted runtime passes to the library.
+// Answers the operations of the agent object.
 
 #include "tests/support/FakeAgent.h"
 

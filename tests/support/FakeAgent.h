@@ -13,8 +13,8 @@ namespace corvane::test {
 class World;
 
 /// Gives the runtime's table out and takes the agent's. Every other operation
-/// stops the process. Calls stand in the transcript as "GetICDDispatchTable"
-/// and "SetICDDispatchTable".
+/// stops the process. In the transcript the calls are "GetICDDispatchTable" and
+/// "SetICDDispatchTable".
 class FakeAgent {
 public:
   explicit FakeAgent(World &ofRuntime);
@@ -23,7 +23,7 @@ public:
 
   AgentOperations *operations() { return &object.operations; }
 
-  /// What the next get gives: the runtime's own table, or the last one set.
+  /// The table that the next get gives: the runtime's own, or the last one set.
   DispatchTable current;
 
   /// Each table that was set, as it was then, and where it was.

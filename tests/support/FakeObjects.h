@@ -59,7 +59,7 @@ struct Kernel : Object {
 struct Buffer : Object {
   std::size_t size = 0;
   cl_mem_flags flags = 0;
-  std::vector<unsigned char> bytes; ///< none if the size is out of reason
+  std::vector<unsigned char> bytes; ///< none if the buffer is too large
   std::vector<std::function<void()>> destructors;
 };
 
@@ -74,7 +74,7 @@ struct Event : Object {
   bool over() const { return status <= CL_COMPLETE; }
 };
 
-/// Which object a handle stands for, and what the transcript calls it.
+/// The type of the object of a handle, and what the transcript calls it.
 template <typename Handle> struct ObjectOf;
 #define OBJECT(HANDLE, TYPE, KIND)                                             \
   template <> struct ObjectOf<HANDLE> {                                        \

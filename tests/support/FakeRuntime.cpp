@@ -1,4 +1,4 @@
-// A scripted OpenCL runtime with an agent interface.
+// Makes the scripted runtime and its objects.
 
 #include "tests/support/FakeRuntime.h"
 

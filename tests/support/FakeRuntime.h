@@ -20,12 +20,13 @@
 
 namespace corvane::test {
 
-/// The runtime of one test; there is one at a time. See README.md for a tour.
+/// The runtime of one test; there is one at a time. README.md shows how to use
+/// it.
 ///
-/// Every object that the runtime's callers use after its end, or release too
-/// often, fails the test, unless the test asks for misuses() itself. While the
-/// runtime lives, the agent's environment variables are undefined until the
-/// test defines them. Any thread may call, script and ask.
+/// A use of an object after its end, or a release too many, fails the test,
+/// unless the test asks for misuses() itself. While the runtime exists, the
+/// agent's environment variables are undefined until the test defines them. Any
+/// thread may call its functions.
 class FakeRuntime {
 public:
   FakeRuntime();
@@ -52,7 +53,8 @@ public:
   /// The bytes of a buffer, and other bytes for it.
   std::vector<unsigned char> bytes(cl_mem buffer);
   void setBytes(cl_mem buffer, const std::vector<unsigned char> &bytes);
-  /// The same bytes at every call, past the end of the buffer too.
+  /// The bytes of a buffer, which stay readable after its end. The same object
+  /// at every call.
   std::shared_ptr<const std::vector<unsigned char>> look(cl_mem buffer);
 
   /// Objects that the application still holds: "event", "kernel", "program",
@@ -75,7 +77,7 @@ public:
   // --- what goes wrong ---
 
   /// Calls to \p name fail with \p status and have no other effect: all from
-  /// now on, or only the \p nth from now on. CL_SUCCESS mends it. The agent
+  /// now on, or only the \p nth from now on. CL_SUCCESS ends that. The agent
   /// operations are called "GetICDDispatchTable" and "SetICDDispatchTable".
   void answer(const std::string &name, cl_int status,
               std::optional<std::size_t> nth = std::nullopt);
@@ -86,7 +88,7 @@ public:
   std::string failedOfAny() const { return world.answers.lastOfAny(); }
   std::size_t callCount() const; ///< since the runtime was made
 
-  /// Sizes that are not true.
+  /// False sizes that the runtime claims.
   Lies &lies() { return world.lies; }
 
   /// Launches work although arguments were never set.

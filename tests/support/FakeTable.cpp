@@ -1,4 +1,4 @@
-// The dispatch table of the scripted runtime.
+// Makes a table whose entries stop the process unless they are scripted.
 
 #include "tests/support/FakeTable.h"
 
@@ -25,7 +25,7 @@ const std::array<const char *, entryCount> corvane::test::entryNames = {
 namespace {
 template <int index, typename Entry> struct Unscripted;
 
-// An entry whose signature the headers do not tell.
+// For an entry whose signature the headers do not declare.
 template <int index> struct Unscripted<index, void *> {
   static void *entry() {
     static char place;

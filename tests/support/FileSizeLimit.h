@@ -8,7 +8,7 @@
 
 namespace corvane::test {
 
-/// While it lives, no file of this process grows beyond some bytes.
+/// Until its end, no file of this process can grow beyond some bytes.
 class FileSizeLimit {
 public:
   explicit FileSizeLimit(rlim_t bytes)

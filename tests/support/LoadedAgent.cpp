@@ -1,4 +1,4 @@
-// The agent, loaded into a scripted runtime for the length of a test.
+// Loads and unloads the agent through its two exports.
 
 #include "tests/support/LoadedAgent.h"
 

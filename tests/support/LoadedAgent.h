@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-// The library as a runtime sees it.
+// The exports that a runtime calls.
 extern "C" {
 cl_int clAgent_OnLoad(corvane::AgentOperations *agent);
 void clAgent_OnUnload(corvane::AgentOperations *agent);

@@ -1,4 +1,4 @@
-// All objects of a scripted runtime by their handles.
+// Names objects, gives them handles, and finds misuses.
 
 #include "tests/support/Objects.h"
 
@@ -10,8 +10,8 @@ static bool startsWith(const std::string &text, const std::string &start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
-// Kernels go by their names and come and go; so a kernel that is created again
-// is called the same again. Everything else is numbered for good.
+// A kernel is called by its name, and one that is created again later has the
+// same name again. Every other object has a number that no later one gets.
 std::string Objects::freeName(const std::string &kind,
                               const std::string &name) {
   if (name.empty())
@@ -57,8 +57,8 @@ std::shared_ptr<Object> Objects::findObject(void *handle, bool inUseIsEnough) {
     if (found->second->references != 0 || inUseIsEnough)
       return found->second;
     name = found->second->name;
-  } else if (const auto dead = gone.find(handle); dead != gone.end()) {
-    name = dead->second;
+  } else if (const auto ended = gone.find(handle); ended != gone.end()) {
+    name = ended->second;
   }
   if (!name.empty())
     misuses.push_back(name + " used after its end");
@@ -71,11 +71,11 @@ std::string Objects::nameOfObject(void *handle, const std::string &kind) const {
   const auto found = byHandle.find(handle);
   if (found != byHandle.end())
     return found->second->name;
-  const auto dead = gone.find(handle);
-  return dead != gone.end() ? dead->second + " (gone)" : kind + " ?";
+  const auto ended = gone.find(handle);
+  return ended != gone.end() ? ended->second + " (gone)" : kind + " ?";
 }
 
-bool Objects::buryIfUnused(const Object &object) {
+bool Objects::endIfUnused(const Object &object) {
   if (object.references != 0 || object.uses != 0 || !object.handle)
     return false;
   const auto found = byHandle.find(object.handle);

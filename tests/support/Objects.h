@@ -26,7 +26,7 @@ public:
   }
 
   /// The object of \p handle that the application holds. Null for nonsense, and
-  /// for an object that it has released; the latter is noted as a misuse.
+  /// for an object that it has released; the latter counts as a misuse.
   template <typename Handle>
   std::shared_ptr<typename ObjectOf<Handle>::Type> find(Handle handle) {
     return std::dynamic_pointer_cast<typename ObjectOf<Handle>::Type>(
@@ -46,9 +46,8 @@ public:
     return nameOfObject(handle, ObjectOf<Handle>::kind);
   }
 
-  /// Ends the life of \p object if no reference to it is left, and returns
-  /// whether it did.
-  bool buryIfUnused(const Object &object);
+  /// Ends \p object if no reference to it is left, and returns whether it did.
+  bool endIfUnused(const Object &object);
 
   /// The names of the living objects of one kind, in order of creation.
   std::vector<std::string> alive(const std::string &kind) const;
@@ -67,7 +66,7 @@ private:
   std::string freeName(const std::string &kind, const std::string &name);
   void *freeHandle(const std::string &kind);
 
-  std::deque<std::max_align_t> places; ///< whose addresses are the handles
+  std::deque<std::max_align_t> places; ///< their addresses are the handles
   std::vector<std::shared_ptr<Object>> living;
   std::map<void *, std::shared_ptr<Object>> byHandle;
   std::map<void *, std::string> gone;

@@ -8,18 +8,18 @@ namespace corvane::test {
 /// value is null.
 void assignVariable(const char *name, const char *value);
 
-/// Sends what is written on standard error to the file \p path, and returns the
-/// descriptor that it went to before; -1 on failure.
+/// Redirects standard error to the file \p path, and returns a descriptor of
+/// what it was before; -1 on failure.
 int redirectErrorStream(const char *path);
 
 /// Undoes redirectErrorStream.
 void restoreErrorStream(int before);
 
-/// A page of memory below 4 GiB; null if none is free. Some processes have all
-/// of their memory there.
+/// A page of memory below 4 GiB, where some processes have all of their memory;
+/// null if none is free.
 char *mapLowPage();
 
-/// Gives the page back: then nothing lies there.
+/// Unmaps the page.
 void unmapLowPage(char *page);
 
 } // namespace corvane::test

@@ -18,7 +18,8 @@ void corvane::test::assignVariable(const char *name, const char *value) {
     unsetenv(name);
 }
 
-// A sanitizer's last words are for whoever runs the test, not for the test.
+// The report of a sanitizer goes to what standard error was before a test
+// redirected it.
 extern "C" __attribute__((weak)) void
 __sanitizer_set_report_fd(void *descriptor);
 
@@ -48,7 +49,8 @@ void corvane::test::restoreErrorStream(int before) {
 static constexpr std::size_t pageSize = 4096;
 
 char *corvane::test::mapLowPage() {
-  // The address is a wish, which is granted unless something lies there.
+  // The system uses the address that it is asked for, unless something is
+  // mapped there.
   constexpr std::uintptr_t wish = 0x30000000;
   void *page = mmap(reinterpret_cast<void *>(wish), pageSize, PROT_READ,
                     MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -12,9 +12,9 @@
 #include <sys/stat.h>
 #include <windows.h>
 
-// An assignment cannot do this: it would remove the variable. Processes are
-// started with such variables, though, so we make it what it would be then, for
-// the C runtime and for the system that the runtime may ask again.
+// Makes a variable empty, as it can be when a process is started; an assignment
+// would remove it. The C runtime and the system, which the runtime may ask
+// again, each have a copy.
 static void defineEmpty(const char *name) {
   _putenv_s(name, "?");
   SetEnvironmentVariableA(name, "");

@@ -1,4 +1,4 @@
-// What a test says about a program.
+// Writes what a test says about a program into the script of its builds.
 
 #include "tests/support/ProgramScript.h"
 

@@ -65,7 +65,7 @@ struct Build {
   std::map<unsigned, std::string> logs; ///< by the device's number, from 1
 };
 
-/// Describes a program, one build after the other, and stands for its handle.
+/// Describes a program, one build after the other, and converts to its handle.
 class ProgramScript {
 public:
   explicit ProgramScript(std::shared_ptr<Program> described)
@@ -90,7 +90,7 @@ public:
   /// The program is for the runtime's first \p count devices; usually one.
   ProgramScript &devices(unsigned count);
 
-  /// The program counts as built, as if that had been before the agent came.
+  /// The program counts as built before the agent was loaded.
   ProgramScript &alreadyBuilt();
 
   cl_program handle() const;

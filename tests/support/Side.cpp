@@ -1,4 +1,4 @@
-// Whose code a thread is in.
+// The side of each thread.
 
 #include "tests/support/Side.h"
 

@@ -1,16 +1,16 @@
-// Whose code a thread is in.
+// Whose code a thread runs: the agent's, or other code.
 
 #pragma once
 
 namespace corvane::test {
 
-/// The two sides of the agent's border. A thread starts on the side of
-/// everybody else: the application, the runtime, the test.
+/// Whether a thread runs code of the agent or other code: the application's,
+/// the runtime's, the test's. A thread begins with other code.
 enum class Side { Outside, Agent };
 
 Side sideOfThread();
 
-/// Puts this thread on a side until the end of its life.
+/// Says which code this thread runs, until the end of the object.
 class OnSide {
 public:
   explicit OnSide(Side side);

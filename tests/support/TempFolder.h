@@ -27,8 +27,8 @@ inline bool writeBytes(const std::filesystem::path &path,
   return !out.fail();
 }
 
-/// Where files are kept in memory, if there is such a place: for tests that
-/// empty a file thousands of times, each of which may wait for a disk.
+/// A folder in memory, if the system has one: for tests that empty a file
+/// thousands of times, which on a disk may have to wait each time.
 inline std::filesystem::path folderInMemory() {
   const std::filesystem::path shared = "/dev/shm";
   std::error_code ignored;

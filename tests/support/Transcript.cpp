@@ -1,4 +1,4 @@
-// What was called, in words and in order.
+// Adds calls to a transcript, and selects them by entry.
 
 #include "tests/support/Transcript.h"
 

@@ -1,4 +1,4 @@
-// What was called, in words and in order.
+// A transcript of the calls to the scripted runtime, in words and in order.
 
 #pragma once
 

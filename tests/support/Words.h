@@ -13,7 +13,7 @@ namespace corvane::test {
 /// "blur" with its quotes, or null.
 std::string quoted(const char *text);
 
-/// "&" for a place to write to or a function to call; "null" without one.
+/// "&" if there is a place to write to or a function to call; else "null".
 std::string place(bool given);
 
 /// The first \p count values as "[64, 1]", or "null".

@@ -1,4 +1,4 @@
-// What the entries of the scripted runtime work on.
+// Records calls, makes them fail, and ends objects that are no longer used.
 
 #include "tests/support/World.h"
 
@@ -57,12 +57,13 @@ unsigned World::numberOf(cl_device_id device) const {
              : static_cast<unsigned>(found - devices.begin()) + 1;
 }
 
-// Destructors run last registered, first called, as OpenCL has it.
+// Destructor callbacks are called in reverse order of registration, as OpenCL
+// says.
 void World::settle(const Object &object) {
   std::vector<std::function<void()>> destructors;
   {
     Lock guard(lock);
-    if (!objects.buryIfUnused(object))
+    if (!objects.endIfUnused(object))
       return;
     if (const auto *buffer = dynamic_cast<const Buffer *>(&object))
       destructors.assign(buffer->destructors.rbegin(),

@@ -1,4 +1,4 @@
-// What the entries of the scripted runtime work on.
+// The state of the scripted runtime, which its entries share.
 
 #pragma once
 
@@ -19,7 +19,7 @@
 
 namespace corvane::test {
 
-/// Sizes that the runtime claims, whatever is true.
+/// Sizes that the runtime claims, in place of the true ones.
 struct Lies {
   std::optional<cl_uint> deviceCount;      ///< of every program
   std::optional<std::size_t> buildLogSize; ///< of every log
@@ -29,8 +29,8 @@ struct Lies {
 /// Start and end of a run on the device, in nanoseconds.
 using Times = std::pair<cl_ulong, cl_ulong>;
 
-/// Everything that the entries share. One at a time: an entry has no other way
-/// to its runtime.
+/// Everything that the entries share. One at a time, because an entry finds its
+/// runtime by a global variable.
 class World {
 public:
   World();
@@ -38,11 +38,11 @@ public:
   World(const World &) = delete;
   World &operator=(const World &) = delete;
 
-  /// The runtime that is there; without one the process stops, because of a
-  /// call to \p entry.
+  /// The world of the runtime that exists now. Without one a call to \p entry
+  /// stops the process.
   static World &current(const char *entry);
 
-  /// Records a call and asks for its failure.
+  /// Records a call and returns its scripted failure, if any.
   std::optional<cl_int> begin(const std::string &entry,
                               const std::vector<std::string> &arguments) {
     transcript.add(entry, arguments);

@@ -45,14 +45,15 @@ static void launchFor(const loose::Runtime &runtime,
   }
 }
 
-// Nothing that the threads use is destroyed before the process is gone.
+// What the threads use is never destroyed, because they run until the process
+// is gone.
 static void exitWhileLaunching(const std::string &log) {
   assignForGood(variable::autotune, (log + ".results").c_str());
   assignForGood(variable::installLocation, "/tools");
-  loose::Nature nature;
-  nature.atOnce = true;
-  nature.remembersRuns = false;
-  static auto &runtime = *new loose::Runtime(nature);
+  loose::Behaviour behaviour;
+  behaviour.atOnce = true;
+  behaviour.remembersRuns = false;
+  static auto &runtime = *new loose::Runtime(behaviour);
   static std::atomic<unsigned> launches{0};
   ASSERT_EQ(runtime.load(), CL_SUCCESS);
   static std::array<std::thread, 4> threads;
@@ -64,7 +65,7 @@ static void exitWhileLaunching(const std::string &log) {
     std::this_thread::yield();
 }
 
-// The log is what was written when the length was told, to the last byte.
+// Every byte that the message about the length counts is in the file.
 TEST_P(ExitMeanwhile, WritesAWholeLog) {
   const Ended ended = runToItsEnd(exitWhileLaunching);
   EXPECT_EQ(ended.errorText, std::to_string(ended.diagnosticLog.size()) + "\n");

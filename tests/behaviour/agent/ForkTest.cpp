@@ -78,7 +78,8 @@ private:
 };
 } // namespace
 
-// A child that hangs is ended by a signal, long after any other would be done.
+// Forks a child that makes the calls. A child that hangs is ended by a signal,
+// at a time when any other child is long done.
 static int exitCodeOfFork(Application &app) {
   const pid_t child = fork();
   if (child == 0) {
@@ -90,7 +91,8 @@ static int exitCodeOfFork(Application &app) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// What is there before the application has asked for any results.
+// Checks that no child has written results or a log. The application itself has
+// not asked for any yet.
 static void expectNoResults(const std::string &results,
                             const std::string &log) {
   EXPECT_FALSE(std::filesystem::exists(results + "/autotune.csv"));
@@ -103,10 +105,10 @@ static void forkWhileLaunching(const std::string &log, bool tuning) {
   assignForGood(variable::autotune, tuning ? results.c_str() : nullptr);
   assignForGood(variable::installLocation, "/tools");
   assignForGood(variable::flushOnReleaseContext, "1");
-  loose::Nature nature;
-  nature.atOnce = true;
-  nature.remembersRuns = false;
-  loose::Runtime runtime(nature);
+  loose::Behaviour behaviour;
+  behaviour.atOnce = true;
+  behaviour.remembersRuns = false;
+  loose::Runtime runtime(behaviour);
   ASSERT_EQ(runtime.load(), CL_SUCCESS);
   Application app(runtime);
   Application launched(runtime);

@@ -1,4 +1,4 @@
-// What the enqueuing entries of the scripted runtime share.
+// Records an enqueued command and runs it, or keeps it for later.
 
 #include "tests/support/entries/Enqueue.h"
 
@@ -60,7 +60,7 @@ cl_int fake::enqueue(World &world, const char *entry,
   Command command;
   const cl_int status =
       failure ? *failure : make(world, enqueued, plan, command);
-  // The transcript says which event it is, once that is known.
+  // The transcript names the event once the call has made it.
   if (status == CL_SUCCESS && enqueued.event)
     words.back() = command.event->name;
   world.transcript.add(entry, words);

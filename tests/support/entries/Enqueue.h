@@ -13,7 +13,7 @@
 
 namespace corvane::test::fake {
 
-/// A command's place among the others, as the application asked for it.
+/// The queue, wait list and event of a command, as the application gave them.
 struct Enqueued {
   cl_command_queue queue;
   cl_uint waitCount;

@@ -99,7 +99,8 @@ cl_int CL_API_CALL fake::clEnqueueNDRangeKernel(
                  {queue, waitCount, waitList, event}, plan);
 }
 
-// Without a wait list it waits for everything, whichever queue it is in.
+// Without a wait list the marker waits for all commands, in other queues as
+// well.
 cl_int CL_API_CALL fake::clEnqueueMarkerWithWaitList(cl_command_queue queue,
                                                      cl_uint waitCount,
                                                      const cl_event *waitList,

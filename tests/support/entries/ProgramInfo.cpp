@@ -1,4 +1,4 @@
-// What the scripted runtime tells about its programs.
+// Answers queries about the scripted runtime's programs.
 
 #include "tests/support/entries/Entries.h"
 

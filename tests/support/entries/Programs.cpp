@@ -10,7 +10,8 @@ using namespace corvane::test;
 using Lock = std::lock_guard<std::recursive_mutex>;
 using Notify = void(CL_CALLBACK *)(cl_program, void *);
 
-// The next program of those that the test has prepared, or one without kernels.
+// Takes the next of the programs that the test has prepared; a program without
+// kernels if there is none.
 static std::shared_ptr<Program>
 nextOf(World &world, std::deque<std::shared_ptr<Program>> &prepared) {
   if (prepared.empty()) {

@@ -1,4 +1,4 @@
-// How queries are answered.
+// Answers queries.
 
 #pragma once
 

@@ -1,5 +1,5 @@
-// Transfers and launches of the loose runtime. Nothing but wait lists orders
-// two commands.
+// Transfers and launches of the loose runtime. Only wait lists order two
+// commands.
 
 #include "tests/support/loose/Entries.h"
 #include "tests/support/loose/LaunchPlan.h"
@@ -20,22 +20,22 @@ struct Place {
   cl_event *event;
 };
 
-/// What is told of a run; transfers have neither.
-struct Told {
+/// What is reported of a run; transfers have neither.
+struct Report {
   std::string row;
   cl_ulong duration = 0; ///< nanoseconds
 };
 } // namespace
 
-static cl_int enqueue(const Place &place, Told told,
+static cl_int enqueue(const Place &place, Report report,
                       const std::function<void()> &work) {
   const Queue &queue = *objectOf(place.queue);
   if ((queue.properties & CL_QUEUE_PROFILING_ENABLE) == 0)
-    queue.board.blame("a queue has no times");
-  auto *made = new Event(queue.board);
-  made->row = std::move(told.row);
-  made->started = 10 * told.duration;
-  made->ended = made->started + told.duration;
+    queue.shared.reportMistake("a queue has no times");
+  auto *made = new Event(queue.shared);
+  made->row = std::move(report.row);
+  made->started = 10 * report.duration;
+  made->ended = made->started + report.duration;
   const Ref<Event> event(made);
   if (place.event)
     *place.event = handleOf<cl_event>(made);
@@ -45,15 +45,15 @@ static cl_int enqueue(const Place &place, Told told,
   std::vector<Ref<Event>> waits;
   for (cl_uint i = 0; i != place.waitCount; ++i)
     waits.emplace_back(objectOf(place.waitList[i]));
-  queue.board.submit({[waits] {
-                        return std::all_of(
-                            waits.begin(), waits.end(),
-                            [](const auto &wait) { return wait->isOver(); });
-                      },
-                      [event, work] {
-                        work();
-                        event->complete();
-                      }});
+  queue.shared.submit({[waits] {
+                         return std::all_of(
+                             waits.begin(), waits.end(),
+                             [](const auto &wait) { return wait->isOver(); });
+                       },
+                       [event, work] {
+                         work();
+                         event->complete();
+                       }});
   return CL_SUCCESS;
 }
 
@@ -83,17 +83,17 @@ static cl_int CL_API_CALL launch(cl_command_queue queue, cl_kernel handle,
                                  cl_uint waitCount, const cl_event *waitList,
                                  cl_event *event) {
   const Kernel &kernel = *objectOf(handle);
-  Board &board = kernel.board;
-  if (board.nature.beforeLaunch)
-    board.nature.beforeLaunch();
+  SharedState &shared = kernel.shared;
+  if (shared.behaviour.beforeLaunch)
+    shared.behaviour.beforeLaunch();
   const LaunchPlan plan(kernel, dimensions, global, local);
   if (!plan.isComplete())
     return CL_INVALID_KERNEL_ARGS;
-  Told told;
-  told.duration = board.nextDuration();
-  if (board.nature.remembersRuns)
-    told.row = plan.row(told.duration);
-  return enqueue({queue, waitCount, waitList, event}, std::move(told),
+  Report report;
+  report.duration = shared.nextDuration();
+  if (shared.behaviour.remembersRuns)
+    report.row = plan.row(report.duration);
+  return enqueue({queue, waitCount, waitList, event}, std::move(report),
                  [plan] { plan.run(); });
 }
 

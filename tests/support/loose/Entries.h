@@ -1,4 +1,4 @@
-// The entries of the loose runtime, and the table that carries them.
+// The entries of the loose runtime, and their table.
 
 #pragma once
 
@@ -6,10 +6,10 @@
 
 namespace corvane::test::loose {
 
-/// Entries without a function stop the process with their name.
+/// The table. An entry that is not played stops the process with its name.
 DispatchTable makeTable();
 
-// One file a theme; each puts its entries into the table.
+// Each puts the entries of one file into the table.
 void addLives(DispatchTable &table);
 void addPrograms(DispatchTable &table);
 void addKernels(DispatchTable &table);

@@ -1,4 +1,4 @@
-// What can be asked of the loose runtime's events.
+// Queries about the loose runtime's events, and their callbacks.
 
 #include "tests/support/loose/Answer.h"
 #include "tests/support/loose/Entries.h"

@@ -9,8 +9,8 @@
 
 namespace corvane::test::loose {
 
-/// Whoever adds comes before whoever takes, but not before others that add:
-/// two threads that only add stay without an order.
+/// Adding a value happens before taking it. Two threads that only add have no
+/// order.
 template <typename Value> class Inbox {
 public:
   Inbox() = default;

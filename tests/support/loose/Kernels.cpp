@@ -10,12 +10,12 @@
 using namespace corvane;
 using namespace corvane::test::loose;
 
-// A variant that the agent has forgotten in a flush is never released. Here it
-// is known, and so no leak of ours.
+// Creates a kernel. A list keeps the variants: one that the agent has forgotten
+// in a flush is never released, and must not look like a leak of the test.
 static cl_kernel make(Program &program, const KernelType &type) {
   static auto &variants = *new Inbox<const Kernel *>;
   auto *kernel = new Kernel(program, type);
-  if (type.isVariant() && program.board.nature.remembersRuns)
+  if (type.isVariant() && program.shared.behaviour.remembersRuns)
     variants.add(kernel);
   return handleOf<cl_kernel>(kernel);
 }
@@ -48,7 +48,8 @@ static cl_int CL_API_CALL createAll(cl_program handle, cl_uint capacity,
   return CL_SUCCESS;
 }
 
-// It is a mistake if two threads set an argument at the same time.
+// Two threads must not set an argument at the same time; the thread sanitizer
+// would see it here.
 static cl_int CL_API_CALL setArgument(cl_kernel handle, cl_uint index,
                                       size_t size, const void *value) {
   Kernel &kernel = *objectOf(handle);
@@ -75,7 +76,8 @@ static cl_int CL_API_CALL tell(cl_kernel handle, cl_kernel_info what,
   }
 }
 
-// Tells of nothing, so unknown memory may be written to.
+// Never succeeds, so the agent has to assume that unknown memory may be written
+// to.
 static cl_int CL_API_CALL tellOfArgument(cl_kernel, cl_uint, cl_kernel_arg_info,
                                          size_t, void *, size_t *) {
   return CL_KERNEL_ARG_INFO_NOT_AVAILABLE;

@@ -1,4 +1,4 @@
-// What kernels of the loose runtime compute, and what is told of their runs.
+// Does the work of a kernel, and writes the row of its run.
 
 #include "tests/support/loose/LaunchPlan.h"
 
@@ -18,7 +18,7 @@ static bool readArgument(const Argument &argument, Value &value) {
 
 LaunchPlan::LaunchPlan(const Kernel &kernel, cl_uint workDim,
                        const std::size_t *global, const std::size_t *local)
-    : type(kernel.type), board(kernel.board), dimensions(workDim) {
+    : type(kernel.type), shared(kernel.shared), dimensions(workDim) {
   for (cl_uint d = 0; d != dimensions; ++d) {
     askedGlobal[d] = global[d];
     askedLocal[d] = local ? local[d] : 0;
@@ -45,7 +45,8 @@ void LaunchPlan::expectGroupCounts(const Argument &hidden) const {
       expected[d] = static_cast<std::uint32_t>(askedGlobal[d] / askedLocal[d]);
   std::array<std::uint32_t, 4> counts{};
   if (!readArgument(hidden, counts) || counts != expected)
-    board.blame("a variant does not know the group counts of its launch");
+    shared.reportMistake(
+        "a variant does not know the group counts of its launch");
 }
 
 static std::string fields(const std::array<std::size_t, 3> &sizes,
@@ -75,7 +76,7 @@ void LaunchPlan::run() const {
     return;
   Buffer &out = *buffers.front();
   Buffer &in = *buffers.back();
-  if (type.isVariant() && board.nature.variantsSpoil) {
+  if (type.isVariant() && shared.behaviour.variantsSpoil) {
     std::fill(out.words.begin(), out.words.end(), 0xEEEEEEEE);
     std::fill(in.words.begin(), in.words.end(), 0xDDDDDDDD);
     return;

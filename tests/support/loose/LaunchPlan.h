@@ -11,7 +11,7 @@
 
 namespace corvane::test::loose {
 
-/// Keeps what the run needs: whoever sets arguments later changes nothing.
+/// Keeps what the run needs, so that arguments set later do not change it.
 class LaunchPlan {
 public:
   LaunchPlan(const Kernel &kernel, cl_uint workDim, const std::size_t *global,
@@ -20,7 +20,7 @@ public:
   /// Whether all arguments are set as the kernel declares them.
   bool isComplete() const { return complete; }
 
-  /// What the raw timing log has to say of the run.
+  /// The row of the raw timing log that the run must have.
   std::string row(cl_ulong nanoseconds) const;
 
   /// Does the work.
@@ -31,10 +31,10 @@ private:
   void expectGroupCounts(const Argument &hidden) const;
 
   const KernelType &type;
-  Board &board;
+  SharedState &shared;
   const cl_uint dimensions;
-  /// The sizes that the application has asked for: the type tells what a
-  /// variant made of them.
+  /// The sizes that the application has asked for, computed from those of the
+  /// launch and the kernel's type.
   Sizes askedGlobal{};
   Sizes askedLocal{};
   std::vector<Ref<Buffer>> buffers;

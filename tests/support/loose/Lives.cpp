@@ -1,4 +1,4 @@
-// How objects of the loose runtime come and go.
+// Creates, retains and releases the objects of the loose runtime.
 
 #include "tests/support/loose/Entries.h"
 #include "tests/support/loose/Objects.h"
@@ -26,16 +26,16 @@ createQueue(cl_context context, cl_device_id,
             cl_command_queue_properties properties, cl_int *status) {
   succeed(status);
   return handleOf<cl_command_queue>(
-      new Queue(objectOf(context)->board, properties));
+      new Queue(objectOf(context)->shared, properties));
 }
 
 static cl_mem CL_API_CALL createBuffer(cl_context context, cl_mem_flags,
                                        size_t size, void *, cl_int *status) {
   succeed(status);
-  return handleOf<cl_mem>(new Buffer(objectOf(context)->board, size));
+  return handleOf<cl_mem>(new Buffer(objectOf(context)->shared, size));
 }
 
-// Only the creator knows of the buffer yet.
+// Needs no lock, because only the thread that created the buffer has it yet.
 static cl_int CL_API_CALL setDestructor(
     cl_mem buffer, void(CL_CALLBACK *callback)(cl_mem, void *), void *data) {
   objectOf(buffer)->destructors.emplace_back(callback, data);

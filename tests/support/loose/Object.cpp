@@ -1,4 +1,4 @@
-// The end of an object.
+// Ends an object with its last reference.
 
 #include "tests/support/loose/Object.h"
 
@@ -7,7 +7,7 @@ using namespace corvane::test::loose;
 void Object::release() {
   const unsigned before = references.fetch_sub(1, std::memory_order_relaxed);
   if (before == 0)
-    board.blame("an object was released too often");
+    shared.reportMistake("an object was released too often");
   if (before == 1)
     letGo();
 }
@@ -15,10 +15,10 @@ void Object::release() {
 void Object::letGo() {
   if (holders.fetch_sub(1, std::memory_order_release) != 1)
     return;
-  // After the last use by all other threads. A load, because the thread
-  // sanitizer does not know fences.
+  // Orders the last use by each other thread before the end. A load, because
+  // the thread sanitizer does not know fences.
   (void)holders.load(std::memory_order_acquire);
   end();
-  board.count(kind, -1);
+  shared.count(kind, -1);
   delete this;
 }

@@ -1,8 +1,9 @@
-// What every object of the loose runtime has: two counts and a board.
+// The base of all objects of the loose runtime: two counts, and the shared
+// state.
 
 #pragma once
 
-#include "tests/support/loose/Board.h"
+#include "tests/support/loose/SharedState.h"
 
 #include <CL/cl.h>
 
@@ -11,12 +12,13 @@
 
 namespace corvane::test::loose {
 
-/// Lives as long as the application or a command needs it. Counting puts no
-/// order between threads, but for the end, which comes after every other use.
+/// Exists as long as the application or a command needs it. Counting does not
+/// order threads, except that the end comes after every other use.
 class Object {
 public:
-  Object(Board &ofBoard, Kind ofKind) : board(ofBoard), kind(ofKind) {
-    board.count(kind, 1);
+  Object(SharedState &ofRuntime, Kind ofKind)
+      : shared(ofRuntime), kind(ofKind) {
+    shared.count(kind, 1);
   }
   Object(const Object &) = delete;
   Object &operator=(const Object &) = delete;
@@ -31,12 +33,12 @@ public:
   void hold() { holders.fetch_add(1, std::memory_order_relaxed); }
   void letGo();
 
-  Board &board;
+  SharedState &shared;
 
 protected:
   virtual ~Object() = default;
 
-  /// What has to be done while the handle is still the object's.
+  /// Called at the end, while the handle is still the object's.
   virtual void end() {}
 
 private:

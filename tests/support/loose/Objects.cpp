@@ -1,4 +1,4 @@
-// How the loose runtime's events and buffers end.
+// The programs of the loose runtime, and how its events and buffers end.
 
 #include "tests/support/loose/Objects.h"
 
@@ -7,7 +7,7 @@
 using namespace corvane::test::loose;
 
 const Source &corvane::test::loose::sourceCalled(const std::string &name) {
-  // Never destroyed: threads may be at work while a test's process ends.
+  // Never destroyed: threads may run while a test's process ends.
   static const auto &sources = *new const std::map<std::string, Source>{
       {"main",
        {{{"sum", "sum", "baseline"},
@@ -33,7 +33,8 @@ const Source &corvane::test::loose::sourceCalled(const std::string &name) {
   return sources.at(name);
 }
 
-// Last registered, first called, as OpenCL has it.
+// Destructor callbacks are called in reverse order of registration, as OpenCL
+// says.
 void Buffer::end() {
   expectTruth();
   for (auto it = destructors.rbegin(); it != destructors.rend(); ++it)
@@ -46,7 +47,7 @@ struct Event::Waiting {
   Waiting *next;
 };
 
-// The address alone matters.
+// Only its address is used.
 static char closedMark;
 
 template <typename Waiting> static Waiting *closed() {
@@ -55,13 +56,13 @@ template <typename Waiting> static Waiting *closed() {
 
 void Event::call(EventCallback callback, void *userData) {
   Ref<Event> self(this);
-  board.submit({[] { return true; },
-                [self, callback, userData] {
-                  if (self->board.nature.beforeCallback)
-                    self->board.nature.beforeCallback();
-                  callback(handleOf<cl_event>(&*self), CL_COMPLETE, userData);
-                  self->board.noteTold(self->row);
-                }});
+  shared.submit({[] { return true; },
+                 [self, callback, userData] {
+                   if (self->shared.behaviour.beforeCallback)
+                     self->shared.behaviour.beforeCallback();
+                   callback(handleOf<cl_event>(&*self), CL_COMPLETE, userData);
+                   self->shared.recordReported(self->row);
+                 }});
 }
 
 void Event::complete() {

@@ -20,7 +20,7 @@ struct KernelType {
   const char *version; ///< "baseline": the kernel itself
   unsigned buffers = 1;
   unsigned factor =
-      1; ///< how many work-items in one, along the first dimension
+      1; ///< how many work-items are one, along the first dimension
   bool shrinksLocal = false; ///< whether work-groups get smaller, too
   bool hidden = false;
 
@@ -32,22 +32,22 @@ struct Source {
   std::vector<KernelType> kernels;
   const char *log; ///< of every build
 };
-/// By name: "main", "own", "spilling", "linked".
+/// The source of a name: "main", "own", "spilling", "linked".
 const Source &sourceCalled(const std::string &name);
 
 struct Context : Object {
-  explicit Context(Board &ofBoard) : Object(ofBoard, Kind::Context) {}
+  explicit Context(SharedState &ofRuntime) : Object(ofRuntime, Kind::Context) {}
 };
 
 struct Queue : Object {
-  Queue(Board &ofBoard, cl_command_queue_properties with)
-      : Object(ofBoard, Kind::Queue), properties(with) {}
+  Queue(SharedState &ofRuntime, cl_command_queue_properties with)
+      : Object(ofRuntime, Kind::Queue), properties(with) {}
   const cl_command_queue_properties properties;
 };
 
 struct Program : Object {
-  Program(Board &ofBoard, const Source &of)
-      : Object(ofBoard, Kind::Program), source(of) {}
+  Program(SharedState &ofRuntime, const Source &of)
+      : Object(ofRuntime, Kind::Program), source(of) {}
   const Source &source;
 };
 
@@ -58,18 +58,19 @@ struct Argument {
 
 struct Kernel : Object {
   Kernel(Program &of, const KernelType &declared)
-      : Object(of.board, Kind::Kernel), program(&of), type(declared) {}
+      : Object(of.shared, Kind::Kernel), program(&of), type(declared) {}
   const Ref<Program> program;
   const KernelType &type;
-  std::array<Argument, 4> arguments; ///< a plain place, as runtimes have it
+  std::array<Argument, 4> arguments; ///< without a lock, as in real runtimes
 };
 
 using Words = std::vector<std::uint32_t>;
 
-/// Knows what it should hold: what the application's own kernels made of it.
+/// A buffer that knows the contents it must have after the application's own
+/// kernels.
 struct Buffer : Object {
-  Buffer(Board &ofBoard, std::size_t size)
-      : Object(ofBoard, Kind::Buffer), words(size / 4), truth(size / 4) {}
+  Buffer(SharedState &ofRuntime, std::size_t size)
+      : Object(ofRuntime, Kind::Buffer), words(size / 4), truth(size / 4) {}
   Words words;
   Words truth;
   std::vector<std::pair<void(CL_CALLBACK *)(cl_mem, void *), void *>>
@@ -77,7 +78,7 @@ struct Buffer : Object {
 
   void expectTruth() {
     if (words != truth)
-      board.blame("a buffer was spoiled");
+      shared.reportMistake("a buffer was spoiled");
   }
 
 private:
@@ -87,7 +88,7 @@ private:
 using EventCallback = void(CL_CALLBACK *)(cl_event, cl_int, void *);
 
 struct Event : Object {
-  explicit Event(Board &ofBoard) : Object(ofBoard, Kind::Event) {}
+  explicit Event(SharedState &ofRuntime) : Object(ofRuntime, Kind::Event) {}
 
   bool isOver() const {
     return status.load(std::memory_order_acquire) == CL_COMPLETE;
@@ -102,7 +103,7 @@ struct Event : Object {
 
 private:
   struct Waiting;
-  /// Null, a list, or closed, once the event is over.
+  /// Null, a list, or, once the event is over, the mark of a closed list.
   std::atomic<Waiting *> waiting{nullptr};
   void call(EventCallback callback, void *userData);
 };
@@ -118,9 +119,9 @@ OBJECT(cl_mem, Buffer)
 OBJECT(cl_event, Event)
 #undef OBJECT
 
-// A handle points into its object, because one at the start of a page may look
-// like a size: some processes have all their memory where sizes are, and the
-// agent may meet a buffer that was created when it was not there.
+// A handle points into its object, because the start of a page may look like a
+// size: some processes have all their memory at small addresses, and the agent
+// may get a buffer that was created before it was loaded.
 inline constexpr std::size_t handleOffset = 8;
 
 template <typename Handle> auto *objectOf(Handle handle) {

@@ -15,10 +15,10 @@ static cl_program CL_API_CALL createProgram(cl_context context, cl_uint,
                                             const size_t *, cl_int *status) {
   *status = CL_SUCCESS;
   return handleOf<cl_program>(
-      new Program(objectOf(context)->board, sourceCalled(strings[0])));
+      new Program(objectOf(context)->shared, sourceCalled(strings[0])));
 }
 
-// The others may do something meanwhile.
+// Yields first, so that other threads may do something meanwhile.
 static cl_int CL_API_CALL build(cl_program, cl_uint, const cl_device_id *,
                                 const char *,
                                 void(CL_CALLBACK *)(cl_program, void *),
@@ -36,7 +36,7 @@ static cl_program CL_API_CALL link(cl_context context, cl_uint,
   if (status)
     *status = CL_SUCCESS;
   return handleOf<cl_program>(
-      new Program(objectOf(context)->board, sourceCalled("linked")));
+      new Program(objectOf(context)->shared, sourceCalled("linked")));
 }
 
 static std::string namesOf(const Program &program) {

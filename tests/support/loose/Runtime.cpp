@@ -24,16 +24,16 @@ DispatchTable corvane::test::loose::makeTable() {
   return table;
 }
 
-Runtime::Runtime(Nature nature)
-    : board(std::move(nature)), own(makeTable()),
-      theContext(handleOf<cl_context>(new Context(board))) {
+Runtime::Runtime(Behaviour behaviour)
+    : shared(std::move(behaviour)), own(makeTable()),
+      theContext(handleOf<cl_context>(new Context(shared))) {
   agent.operations.getICDDispatchTable = get;
   agent.operations.setICDDispatchTable = set;
   agent.owner = this;
 }
 
 Runtime::~Runtime() {
-  board.drain();
+  shared.drain();
   objectOf(theContext)->release();
 }
 

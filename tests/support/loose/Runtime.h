@@ -1,10 +1,11 @@
-// A runtime that is loose about order: no lock, no log, threads of its own.
+// A runtime that does not order calls: it has no lock, no log, and its own
+// threads.
 
 #pragma once
 
 #include "agent/AgentInterface.h"
 #include "agent/DispatchTable.h"
-#include "tests/support/loose/Board.h"
+#include "tests/support/loose/SharedState.h"
 
 #include <CL/cl.h>
 
@@ -15,11 +16,11 @@
 namespace corvane::test::loose {
 
 /// The runtime of a test that looks for races or runs for long. The scripted
-/// one writes every call down under one lock, which puts all calls in an order
-/// and grows; this one does neither. See README.md.
+/// one records every call under one lock, which orders all calls and needs more
+/// and more memory; this one does neither. See README.md.
 class Runtime {
 public:
-  explicit Runtime(Nature nature);
+  explicit Runtime(Behaviour behaviour);
   /// The agent must be unloaded by then.
   ~Runtime();
   Runtime(const Runtime &) = delete;
@@ -29,13 +30,14 @@ public:
   cl_int load();
   void unload();
 
-  /// What the application calls through: the agent's own table, where it is.
+  /// The table that the application calls through: the agent's own, in its
+  /// place.
   const DispatchTable &cl() const {
     return *current.load(std::memory_order_acquire);
   }
   cl_context context() const { return theContext; }
 
-  Board board;
+  SharedState shared;
 
 private:
   struct Agent {

@@ -1,4 +1,4 @@
-// Stands in for the functions of the allocator, in the whole process.
+// Replaces the functions of the allocator in the whole process.
 
 #include "tests/support/AgentMemory.h"
 
@@ -51,7 +51,8 @@ static bool isGranted() {
   return false;
 }
 
-// Calls get() for memory and records it, if the agent wants it and may have it.
+// Calls get() for memory. A request of the agent is counted, and may be
+// refused.
 template <typename Get> static void *serve(std::size_t size, Get get) {
   if (sideOfThread() == Side::Outside)
     return get();
@@ -71,7 +72,7 @@ void *calloc(std::size_t count, std::size_t size) {
   return serve(count * size, [=] { return allocator::getZeroed(count, size); });
 }
 
-// A block that grows is given back and got again, unless that is refused.
+// To the counts, a block that grows is freed and requested again.
 void *realloc(void *memory, std::size_t size) {
   return serve(size, [=] {
     LiveBlocks::remove(memory);

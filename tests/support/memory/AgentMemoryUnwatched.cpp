@@ -1,4 +1,4 @@
-// For systems where the allocator cannot be replaced: nothing is counted or
+// For systems where the allocator cannot be replaced: no request is counted or
 // refused.
 
 #include "tests/support/AgentMemory.h"

@@ -1,4 +1,4 @@
-// The allocator that really has the memory.
+// The allocator that the replaced functions call.
 
 #pragma once
 

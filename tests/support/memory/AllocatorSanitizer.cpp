@@ -27,7 +27,7 @@ void *allocator::resize(void *memory, std::size_t size) {
 
 void allocator::giveBack(void *memory) { __interceptor_free(memory); }
 
-// The sanitizer's own operators would pass the functions above by.
+// The sanitizer's own operators would not call the functions above.
 #pragma GCC visibility push(default)
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
   return std::malloc(size == 0 ? 1 : size);

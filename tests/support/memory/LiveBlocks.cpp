@@ -1,4 +1,4 @@
-// An open-addressed table of fixed size, with a spinning lock.
+// An open-addressed hash table of fixed size, with a spinning lock.
 
 #include "tests/support/memory/LiveBlocks.h"
 
@@ -30,7 +30,8 @@ private:
 std::atomic_flag SpinGuard::taken = ATOMIC_FLAG_INIT;
 } // namespace
 
-// More than a test has ever got at a time; pages are taken as they fill.
+// More blocks than any test has at a time. The system gives the table's memory
+// only as it is used.
 static constexpr std::size_t places = std::size_t{1} << 22;
 static Block blocks[places];
 static std::atomic<std::size_t> blockCount{0};
@@ -49,7 +50,7 @@ static std::size_t find(const void *memory) {
   return place;
 }
 
-// Moves blocks up that would not be found over a new gap.
+// Moves the blocks that would no longer be found after a free place.
 static void closeGap(std::size_t gap) {
   std::size_t place = gap;
   while (true) {

@@ -1,5 +1,4 @@
-// The blocks of memory that the agent has got and that have not been given
-// back.
+// The blocks of memory that the agent has got and that have not been freed.
 
 #pragma once
 

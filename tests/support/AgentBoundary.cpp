@@ -1,6 +1,6 @@
 // Wraps every entry of both tables, and the callbacks that go through them.
 
-#include "tests/support/Frontier.h"
+#include "tests/support/AgentBoundary.h"
 
 #include "tests/support/FakeTable.h"
 #include "tests/support/LoadedAgent.h"
@@ -13,14 +13,13 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-// Plain functions know no object, so what they work on is global.
-Frontier *theFrontier = nullptr;
+// The boundary of the plain functions that replace entries.
+AgentBoundary *theBoundary = nullptr;
 DispatchTable ofRuntime;
 DispatchTable ofAgent;
 AgentOperations operationsOfRuntime;
 
-// The status that a call answers with: what it returns, or the last argument,
-// which is the place for it.
+// The status of a call: its result, or where its last argument points.
 template <typename Result, typename... Arguments>
 cl_int statusOf(Result result, Arguments... arguments) {
   if constexpr (std::is_same_v<Result, cl_int>)
@@ -38,7 +37,7 @@ cl_int statusOf(Result result, Arguments... arguments) {
 template <auto Entry, typename Function = std::remove_reference_t<
                           decltype(std::declval<DispatchTable>().*Entry)>>
 struct Crossing {
-  // An entry whose signature the headers do not tell.
+  // For an entry whose signature the headers do not declare.
   static Function in(const char *) { return ofAgent.*Entry; }
   static Function out(const char *) { return ofRuntime.*Entry; }
 };
@@ -56,9 +55,9 @@ struct Crossing<Entry, Result(CL_API_CALL *)(Arguments...)> {
     if constexpr (std::is_void_v<Result>) {
       (ofRuntime.*Entry)(arguments...);
     } else {
-      const std::size_t place = theFrontier->noteCall(name);
+      const std::size_t place = theBoundary->recordCall(name);
       const Result result = (ofRuntime.*Entry)(arguments...);
-      theFrontier->noteAnswer(place, statusOf<Result>(result, arguments...));
+      theBoundary->recordAnswer(place, statusOf<Result>(result, arguments...));
       return result;
     }
   }
@@ -77,13 +76,13 @@ const char *Crossing<Entry, Result(CL_API_CALL *)(Arguments...)>::name = "";
 } // namespace
 
 static void CL_CALLBACK eventCalls(cl_event event, cl_int status, void *data) {
-  const auto *callback = static_cast<Frontier::Callback *>(data);
+  const auto *callback = static_cast<AgentBoundary::Callback *>(data);
   const OnSide side(Side::Agent);
   callback->event(event, status, callback->userData);
 }
 
 static void CL_CALLBACK destructorCalls(cl_mem buffer, void *data) {
-  const auto *callback = static_cast<Frontier::Callback *>(data);
+  const auto *callback = static_cast<AgentBoundary::Callback *>(data);
   const OnSide side(Side::Agent);
   callback->destructor(buffer, callback->userData);
 }
@@ -94,11 +93,11 @@ using Destructor = void(CL_CALLBACK *)(cl_mem, void *);
 static cl_int CL_API_CALL watchEvent(cl_event event, cl_int type,
                                      EventCallback callback, void *data) {
   const OnSide side(Side::Outside);
-  const std::size_t place = theFrontier->noteCall("clSetEventCallback");
+  const std::size_t place = theBoundary->recordCall("clSetEventCallback");
   const cl_int status = ofRuntime.clSetEventCallback(
       event, type, callback ? eventCalls : nullptr,
-      theFrontier->keep({callback, nullptr, data}));
-  theFrontier->noteAnswer(place, status);
+      theBoundary->keep({callback, nullptr, data}));
+  theBoundary->recordAnswer(place, status);
   return status;
 }
 
@@ -106,36 +105,36 @@ static cl_int CL_API_CALL watchBuffer(cl_mem buffer, Destructor destructor,
                                       void *data) {
   const OnSide side(Side::Outside);
   const std::size_t place =
-      theFrontier->noteCall("clSetMemObjectDestructorCallback");
+      theBoundary->recordCall("clSetMemObjectDestructorCallback");
   const cl_int status = ofRuntime.clSetMemObjectDestructorCallback(
       buffer, destructor ? destructorCalls : nullptr,
-      theFrontier->keep({nullptr, destructor, data}));
-  theFrontier->noteAnswer(place, status);
+      theBoundary->keep({nullptr, destructor, data}));
+  theBoundary->recordAnswer(place, status);
   return status;
 }
 
 static cl_int CL_API_CALL getTable(AgentOperations *agent, void *table,
                                    std::size_t size) {
   const OnSide side(Side::Outside);
-  const std::size_t place = theFrontier->noteCall("GetICDDispatchTable");
+  const std::size_t place = theBoundary->recordCall("GetICDDispatchTable");
   const cl_int status =
       operationsOfRuntime.getICDDispatchTable(agent, table, size);
-  theFrontier->noteAnswer(place, status);
+  theBoundary->recordAnswer(place, status);
   return status;
 }
 
 static cl_int CL_API_CALL setTable(AgentOperations *agent, void *table,
                                    std::size_t size) {
   const OnSide side(Side::Outside);
-  const std::size_t place = theFrontier->noteCall("SetICDDispatchTable");
+  const std::size_t place = theBoundary->recordCall("SetICDDispatchTable");
   const cl_int status =
       operationsOfRuntime.setICDDispatchTable(agent, table, size);
-  theFrontier->noteAnswer(place, status);
+  theBoundary->recordAnswer(place, status);
   return status;
 }
 
-Frontier::Frontier(FakeRuntime &around) : runtime(around) {
-  theFrontier = this;
+AgentBoundary::AgentBoundary(FakeRuntime &around) : runtime(around) {
+  theBoundary = this;
   DispatchTable &table = runtime.ownTable();
   ofRuntime = table;
 #define ENTRY(index, name)                                                     \
@@ -151,9 +150,9 @@ Frontier::Frontier(FakeRuntime &around) : runtime(around) {
   entrance = table;
 }
 
-Frontier::~Frontier() { theFrontier = nullptr; }
+AgentBoundary::~AgentBoundary() { theBoundary = nullptr; }
 
-cl_int Frontier::load() {
+cl_int AgentBoundary::load() {
   cl_int status = CL_SUCCESS;
   {
     const OnSide side(Side::Agent);
@@ -166,33 +165,33 @@ cl_int Frontier::load() {
   return status;
 }
 
-void Frontier::unload() {
+void AgentBoundary::unload() {
   const OnSide side(Side::Agent);
   clAgent_OnUnload(runtime.agent().operations());
 }
 
-std::vector<Answered> Frontier::answers() const {
+std::vector<Answered> AgentBoundary::answers() const {
   const std::lock_guard<std::mutex> guard(lock);
   return noted;
 }
 
-void Frontier::forgetAnswers() {
+void AgentBoundary::forgetAnswers() {
   const std::lock_guard<std::mutex> guard(lock);
   noted.clear();
 }
 
-std::set<std::pair<std::string, cl_int>> Frontier::failures() const {
+std::set<std::pair<std::string, cl_int>> AgentBoundary::failures() const {
   const std::lock_guard<std::mutex> guard(lock);
   return failed;
 }
 
-std::size_t Frontier::noteCall(const char *entry) {
+std::size_t AgentBoundary::recordCall(const char *entry) {
   const std::lock_guard<std::mutex> guard(lock);
   noted.push_back({entry, CL_SUCCESS});
   return noted.size() - 1;
 }
 
-void Frontier::noteAnswer(std::size_t place, cl_int status) {
+void AgentBoundary::recordAnswer(std::size_t place, cl_int status) {
   const std::lock_guard<std::mutex> guard(lock);
   if (place >= noted.size())
     return;
@@ -201,7 +200,7 @@ void Frontier::noteAnswer(std::size_t place, cl_int status) {
     failed.insert({noted[place].entry, status});
 }
 
-Frontier::Callback *Frontier::keep(const Callback &callback) {
+AgentBoundary::Callback *AgentBoundary::keep(const Callback &callback) {
   const std::lock_guard<std::mutex> guard(lock);
   return &callbacks.emplace_back(callback);
 }

@@ -1,4 +1,4 @@
-// What the entries of the loose runtime share, without a lock.
+// The state that the entries of the loose runtime share, without a lock.
 
 #pragma once
 
@@ -16,8 +16,8 @@
 
 namespace corvane::test::loose {
 
-/// What a runtime is like.
-struct Nature {
+/// How a loose runtime behaves.
+struct Behaviour {
   /// Commands run and callbacks are called within the application's calls;
   /// else on two threads of the runtime's, late and in any order.
   bool atOnce = false;
@@ -26,8 +26,9 @@ struct Nature {
   bool variantsSpoil = false;
   /// Whether to remember what was run; a runtime that forgets keeps nothing.
   bool remembersRuns = true;
-  unsigned seed = 1; ///< of the order in which things happen late
-  /// Run at the start of every launch, on its thread, and before each callback.
+  unsigned seed = 1; ///< of the order of late tasks
+  /// Called at the start of every launch, on its thread, and before each
+  /// callback.
   std::function<void()> beforeLaunch;
   std::function<void()> beforeCallback;
 };
@@ -35,32 +36,32 @@ struct Nature {
 enum class Kind { Context, Queue, Program, Kernel, Buffer, Event };
 inline constexpr std::size_t kinds = 6;
 
-/// A run whose completion the agent has been told of.
-struct ToldRun {
-  std::string row;  ///< what the raw timing log should say, without line feed
-  bool beforeFlush; ///< told to the end before a flush was asked for
+/// A run whose completion was reported to the agent.
+struct ReportedRun {
+  std::string row;  ///< its row in the raw timing log, without line feed
+  bool beforeFlush; ///< the callback returned before a flush was announced
 };
 
-class Board {
+class SharedState {
 public:
-  explicit Board(Nature ofRuntime);
-  ~Board();
-  Board(const Board &) = delete;
-  Board &operator=(const Board &) = delete;
+  explicit SharedState(Behaviour ofRuntime);
+  ~SharedState();
+  SharedState(const SharedState &) = delete;
+  SharedState &operator=(const SharedState &) = delete;
 
-  const Nature nature;
+  const Behaviour behaviour;
 
-  /// Something that waits until isDue, and then is done.
-  struct Errand {
+  /// Work that is done once isDue returns true.
+  struct Task {
     std::function<bool()> isDue;
     std::function<void()> work;
   };
-  /// Does the errand now, or has a thread of the runtime's do it one day.
-  void submit(Errand errand);
-  /// Waits until all errands are done.
+  /// Does the task now, or has a thread of the runtime do it later.
+  void submit(Task task);
+  /// Waits until all tasks are done.
   void drain() const;
 
-  /// A number of nanoseconds that no other run takes.
+  /// A duration in nanoseconds that no other run has.
   cl_ulong nextDuration() {
     return lastDuration.fetch_add(1, std::memory_order_relaxed) + 1;
   }
@@ -73,14 +74,14 @@ public:
     return living[static_cast<std::size_t>(kind)].load();
   }
 
-  /// Records what the agent or the application should not have done.
-  void blame(const char *what) { blames.add(what); }
-  std::vector<std::string> takeBlames() { return blames.take(); }
+  /// Records a mistake of the agent or of the application.
+  void reportMistake(const char *what) { mistakes.add(what); }
+  std::vector<std::string> takeMistakes() { return mistakes.take(); }
 
-  void noteTold(const std::string &row);
-  std::vector<ToldRun> takeTold() { return told.take(); }
+  void recordReported(const std::string &row);
+  std::vector<ReportedRun> takeReported() { return reported.take(); }
 
-  /// To be said before anything that flushes.
+  /// To be called before anything that flushes.
   void announceFlush() {
     flushAnnounced.store(true, std::memory_order_relaxed);
   }
@@ -89,16 +90,16 @@ public:
   }
 
 private:
-  void runErrands(std::size_t runner);
+  void runTasks(std::size_t runner);
 
   std::array<std::atomic<long>, kinds> living{};
   std::atomic<cl_ulong> lastDuration{0};
   std::atomic<bool> flushAnnounced{false};
-  Inbox<std::string> blames;
-  Inbox<ToldRun> told;
+  Inbox<std::string> mistakes;
+  Inbox<ReportedRun> reported;
 
   static constexpr std::size_t runners = 2;
-  std::array<Inbox<Errand>, runners> inboxes;
+  std::array<Inbox<Task>, runners> inboxes;
   std::atomic<std::size_t> submitted{0};
   std::atomic<long> unfinished{0};
   std::atomic<bool> over{false};

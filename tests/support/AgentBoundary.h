@@ -1,4 +1,4 @@
-// The border around the agent; records everything that crosses it.
+// Records the calls into the agent and out of it, and marks whose code runs.
 
 #pragma once
 
@@ -16,43 +16,43 @@
 
 namespace corvane::test {
 
-/// A call of the runtime's and what it answered. An entry that returns a handle
-/// answers by its error code.
+/// A call to the runtime and its status. That of an entry that returns a handle
+/// is its error code.
 struct Answered {
   std::string entry;
   cl_int status;
 };
 
-/// Stands between application, agent and runtime, so that each thread knows
-/// whose code it is in (see Side.h). One at a time.
+/// Wraps both tables, the one that the application calls through and the one
+/// that the agent calls through, so that each thread knows whose code it runs
+/// (see Side.h). One at a time.
 ///
 /// Make it before the load, and load and unload through it.
-class Frontier {
+class AgentBoundary {
 public:
-  explicit Frontier(FakeRuntime &runtime);
-  ~Frontier();
-  Frontier(const Frontier &) = delete;
-  Frontier &operator=(const Frontier &) = delete;
+  explicit AgentBoundary(FakeRuntime &runtime);
+  ~AgentBoundary();
+  AgentBoundary(const AgentBoundary &) = delete;
+  AgentBoundary &operator=(const AgentBoundary &) = delete;
 
   cl_int load();
   void unload();
 
-  /// What the application calls through, as the last load left it.
+  /// The table that the application calls through since the last load.
   const DispatchTable &table() const { return entrance; }
 
-  /// The runtime's answers since they were forgotten, in the order in which it
-  /// was called.
+  /// The runtime's answers since forgetAnswers(), in the order of the calls.
   std::vector<Answered> answers() const;
   void forgetAnswers();
 
   /// Every way in which an entry has failed so far.
   std::set<std::pair<std::string, cl_int>> failures() const;
 
-  /// Records a call and returns its place, for the answer to come.
-  std::size_t noteCall(const char *entry);
-  void noteAnswer(std::size_t place, cl_int status);
+  /// Records a call and returns its index, for its answer.
+  std::size_t recordCall(const char *entry);
+  void recordAnswer(std::size_t place, cl_int status);
 
-  /// Keeps what the runtime is to call back with, until the frontier ends.
+  /// Keeps the arguments of a callback until the end of this object.
   struct Callback {
     void(CL_CALLBACK *event)(cl_event, cl_int, void *);
     void(CL_CALLBACK *destructor)(cl_mem, void *);
