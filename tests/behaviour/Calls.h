@@ -12,7 +12,7 @@
 
 namespace corvane::test {
 
-/// A build log that tells of a variant that spills registers.
+/// A build log that says that a variant spills registers.
 inline constexpr const char *spillLog =
     "calclCompile failed to keep k_coarsed_g0S4 in registers\n";
 
@@ -47,7 +47,8 @@ inline cl_mem createBuffer(FakeRuntime &runtime, const DispatchTable &cl,
                            nullptr);
 }
 
-/// Whether the agent autotunes: then it wants to know when buffers end.
+/// Whether the agent autotunes, which shows in that it asks for a notification
+/// of the end of buffers.
 inline bool isAutotuning(FakeRuntime &runtime, const DispatchTable &cl) {
   const char *entry = "clSetMemObjectDestructorCallback";
   const std::size_t before = runtime.transcript({entry}).size();

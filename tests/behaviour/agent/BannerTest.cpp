@@ -17,8 +17,7 @@
 using namespace corvane;
 using namespace corvane::test;
 
-// Returns when the thread does not run any more; it has nothing to wait for but
-// the lock.
+// Returns when the thread sleeps. The lock is all that it can be waiting for.
 static void waitUntilItSleeps(pid_t thread) {
   const std::string path =
       "/proc/self/task/" + std::to_string(thread) + "/stat";

@@ -1,4 +1,5 @@
-// Tests of the diagnostic log: it is kept in memory and shows at the end.
+// Tests of the diagnostic log, which is kept in memory and written to its file
+// when the process ends.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ChildProcess.h"
@@ -18,7 +19,8 @@ using testing::IsEmpty;
 static constexpr const char *variableName = "CORVANE_DUMP_LOG";
 static constexpr const char *banner = "Frontend loaded\n";
 
-// A load whose banner goes where the variable says; null: undefined.
+// Loads and unloads the agent while the variable names \p path; null: while it
+// is undefined. The load writes a banner into the log.
 static void loadOnce(const char *path) {
   FakeRuntime runtime;
   EnvGuard dumpLog(variableName, path);

@@ -14,12 +14,13 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-/// Nobody but the administrator may write into the root; meanwhile we are not.
+/// Takes the administrator's rights from this process for a while: only the
+/// administrator may write into the root folder.
 class Unprivileged {
 public:
   Unprivileged() : before(geteuid()) {
     if (before == 0) {
-      EXPECT_EQ(seteuid(nobody), 0);
+      EXPECT_EQ(seteuid(otherUser), 0);
     }
   }
   ~Unprivileged() {
@@ -31,7 +32,7 @@ public:
   Unprivileged &operator=(const Unprivileged &) = delete;
 
 private:
-  static constexpr uid_t nobody = 65534;
+  static constexpr uid_t otherUser = 65534;
   uid_t before;
 };
 } // namespace

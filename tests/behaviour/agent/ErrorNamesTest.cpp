@@ -79,7 +79,8 @@ TEST(ErrorReport, GivesTheNumberOfCodesMinus14And5WithoutABlank) {
 }
 
 namespace {
-/// Digits of the application's taste: "-1001" is "-1.001" there.
+/// Digits in groups, as an application may have set for its streams: "-1001" is
+/// "-1.001" then.
 struct GroupedDigits : std::numpunct<char> {
   char do_thousands_sep() const override { return '.'; }
   std::string do_grouping() const override { return "\3"; }

@@ -21,7 +21,7 @@ using namespace corvane::test;
 static constexpr int hasThem = 0;
 static constexpr int lacksThem = 3;
 
-// A group that is not the process's own and that it may give to a file.
+// A group other than the process's own that the process may give to a file.
 static std::optional<gid_t> otherGroup() {
   constexpr gid_t daemons = 1;
   if (geteuid() == 0)

@@ -28,9 +28,9 @@ namespace {
 class HiddenVariable : public testing::Test {
 protected:
   HiddenVariable() {
-    const auto note = [this] { seen.push_back(bothValues()); };
-    runtime.whenCalled("clBuildProgram", note);
-    runtime.whenCalled("clLinkProgram", note);
+    const auto record = [this] { seen.push_back(bothValues()); };
+    runtime.whenCalled("clBuildProgram", record);
+    runtime.whenCalled("clLinkProgram", record);
   }
 
   FakeRuntime runtime;
@@ -38,7 +38,7 @@ protected:
   LoadedAgent agent{runtime, {{"CORVANE_AUTOTUNE", folder.text()}}};
   const DispatchTable &cl = agent.table();
   EnvGuard shadow{"CORVANE_AUTOTUNE_SHADOW", nullptr};
-  std::vector<std::string> seen; ///< at each build or link: both variables
+  std::vector<std::string> seen; ///< both variables, at each build or link
 };
 } // namespace
 
@@ -129,7 +129,7 @@ TEST_F(WhileHidden, AFlushFindsTheDirectoryAndWhatHasRunSoFar) {
               testing::HasSubstr("k,16,,,0,,,g0S4,1, \n"));
 }
 
-// It is somebody else's then.
+// The application has the last word: what it removed is not put back.
 TEST_F(WhileHidden, IsNotWhenTheApplicationHasRemovedTheVariable) {
   const std::string before = folder.read(".auto.csv");
   const EnvGuard gone("CORVANE_AUTOTUNE", nullptr);

@@ -14,7 +14,8 @@ using namespace corvane::test;
 namespace {
 class KernelReports : public testing::Test {
 protected:
-  // Kernel k takes one argument and has one variant; "plain" has neither.
+  // Loads the agent and builds a program. Its kernel k takes one argument and
+  // has one variant; its kernel "plain" has neither.
   void load(bool autotuning) {
     if (autotuning)
       output.emplace("CORVANE_AUTOTUNE", folder.text());

@@ -1,4 +1,4 @@
-// Tests of the output location: checked at load, decided once.
+// Tests of the output location, which is checked and decided at the load.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ErrorCapture.h"

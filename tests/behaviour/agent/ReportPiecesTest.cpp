@@ -1,4 +1,4 @@
-// Tests that a report is written in one piece, so that lines never mix.
+// Tests that a line on standard error is one write, so that lines never mix.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ErrorPieces.h"

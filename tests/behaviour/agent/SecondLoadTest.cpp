@@ -1,4 +1,4 @@
-// Tests of a load while, or after, hooks of an earlier one are at work.
+// Tests of a second load, with or without an unload in between.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/FakeTable.h"
@@ -10,7 +10,8 @@ using namespace corvane;
 using namespace corvane::test;
 using testing::Contains;
 
-// Calls each of the thirteen once. A hook that called itself would not return.
+// Calls each of the thirteen hooks once. A hook that called itself would not
+// return.
 static void callEveryHook(FakeRuntime &runtime, const DispatchTable &cl) {
   const cl_program program = runtime.addProgram().kernel("k", 1);
   cl.clCreateProgramWithSource(runtime.context(), 0, nullptr, nullptr, nullptr);

@@ -1,5 +1,5 @@
-// Tests of standard error streams that take no bytes or are somebody else's, on
-// Linux and its relatives.
+// Tests of standard error streams that take no bytes, or whose number is that
+// of another file, on Posix systems.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ChildProcess.h"
@@ -23,8 +23,8 @@ static constexpr const char *report =
     "QrlAgent:: 148: CL Error: CL_INVALID_PROGRAM\n";
 
 namespace {
-/// An agent that reports a failure when it is told to. For a child process,
-/// which has no use for its standard error afterwards.
+/// An agent that a test has report a failure. For a child process, whose
+/// standard error is spoilt afterwards.
 struct Reporting {
   Reporting() { runtime.answer("clReleaseProgram", CL_INVALID_PROGRAM); }
   void failOnce() const {
@@ -56,7 +56,7 @@ struct ErrorPipe {
     }
     fcntl(STDERR_FILENO, F_SETFL, flags);
   }
-  /// All that was written and is no filling.
+  /// All that was written besides the bytes of fill().
   std::string take() const {
     fcntl(read, F_SETFL, O_NONBLOCK);
     std::string all;
@@ -75,7 +75,8 @@ struct ErrorPipe {
 };
 } // namespace
 
-// The lowest free number, which is that of standard error, goes to the file.
+// Opens the file. It gets the lowest free number, which has to be that of
+// standard error.
 static void openAsStandardError(const std::string &path) {
   close(STDERR_FILENO);
   EXPECT_EQ(open(path.c_str(), O_RDWR | O_CREAT, 0600), STDERR_FILENO);
@@ -100,7 +101,8 @@ TEST(StandardError, ThatWasClosedAtTheLoadGetsNothingLater) {
   EXPECT_EQ(ended.files.at("log.txt.data"), "");
 }
 
-// The length of the diagnostic log is told on standard error, too.
+// At the end the agent writes the length of the diagnostic log to standard
+// error.
 TEST(StandardError, WhoseNumberIsAFileOfTheHostsByNowGetsNothingAtTheEnd) {
   const Ended ended = runToItsEnd([](const std::string &log) {
     FakeRuntime runtime;
@@ -126,7 +128,7 @@ TEST(StandardError, ThatIsRedirectedForATimeGetsReports) {
   EXPECT_EQ(ended.errorText, report);
 }
 
-TEST(StandardError, ThatNobodyReadsAnyMoreDoesNotEndTheProcess) {
+TEST(StandardError, WhoseReaderIsGoneDoesNotEndTheProcess) {
   runToItsEnd([](const std::string &) {
     std::signal(SIGPIPE, SIG_DFL);
     const ErrorPipe errors;

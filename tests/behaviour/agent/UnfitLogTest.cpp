@@ -1,5 +1,5 @@
-// Tests of a diagnostic log whose name leads to something else than a regular
-// file, on Linux and its relatives.
+// Tests of a diagnostic log whose name is that of a link, a pipe or a device,
+// on Posix systems.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ChildProcess.h"
@@ -40,7 +40,7 @@ TEST(UnfitLog, ThatIsALinkIsRefusedAndItsTargetStaysAsItIs) {
   EXPECT_PRED1(isOneRefusal, ended.errorText);
 }
 
-// Opening it to write would wait for a reader for ever.
+// If the agent opened the pipe to write, it would wait for a reader for ever.
 TEST(UnfitLog, ThatIsAPipeIsRefused) {
   const Ended ended = runToItsEnd([](const std::string &log) {
     EXPECT_EQ(mkfifo((log + ".odd").c_str(), 0600), 0);

@@ -23,7 +23,7 @@ static std::string folderOf(const std::string &log) {
   return std::filesystem::path(log).parent_path().string();
 }
 
-// The variables stay defined until the process has ended.
+// Defines the variables until the process has ended.
 static void defineOutput(const std::string &log) {
   assignForGood("CORVANE_DUMP_LOG", nullptr);
   assignForGood("CORVANE_AUTOTUNE", folderOf(log).c_str());
@@ -67,10 +67,10 @@ TEST(ProcessEnd, WithoutAnUnloadWritesTheResults) {
   EXPECT_THAT(ended.files, Contains(Key("autotune.csv")));
 }
 
-// Nobody will ever let go of the lock that such a thread holds.
+// A thread inside a hook holds the lock, and never leaves the hook.
 TEST(ProcessEnd, WaitsForNoThreadInsideAHook) {
   const Ended ended = runToItsEnd([](const std::string &log) {
-    // The thread uses all this to the very end.
+    // Never destroyed: the thread uses all this until the process is gone.
     auto &runtime = *new FakeRuntime;
     auto &isInside = *new std::promise<void>;
     auto &forever = *new std::promise<void>;

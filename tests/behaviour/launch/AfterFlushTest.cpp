@@ -1,4 +1,4 @@
-// Tests of hooks that the application calls when the results are written.
+// Tests of hooks that the application calls after the results were written.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"

@@ -1,5 +1,5 @@
-// Replaces the GNU C library's allocator by one that counts. Libraries call the
-// program's functions then, too.
+// Replaces the GNU C library's allocator by one that counts, for this program
+// and the libraries in it.
 
 #include "tests/behaviour/launch/AllocationCount.h"
 

@@ -13,8 +13,8 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-// The scripted runtime allocates in every call. While the runtime is quiet, a
-// call gets an answer that costs nothing.
+// Whether calls are answered without the scripted runtime, which allocates
+// memory in every call.
 bool quiet = false;
 DispatchTable honest;
 cl_kernel applications = nullptr;
@@ -26,7 +26,8 @@ cl_int CL_API_CALL setArgument(cl_kernel kernel, cl_uint index, size_t size,
   return quiet ? CL_SUCCESS : honest.clSetKernelArg(kernel, index, size, value);
 }
 
-// The variant has one argument more.
+// Answers without an allocation. The variant has one argument more than the
+// kernel.
 cl_int CL_API_CALL tellAbout(cl_kernel kernel, cl_kernel_info what, size_t room,
                              void *value, size_t *size) {
   if (!quiet)
@@ -49,7 +50,7 @@ void makeQuietable(DispatchTable &table) {
   table.clEnqueueNDRangeKernel = launchKernel;
 }
 
-/// A kernel with a variant, both used before.
+/// A kernel with a variant, both launched before.
 class Allocation : public testing::Test {
 protected:
   Allocation() {

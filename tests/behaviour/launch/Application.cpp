@@ -1,4 +1,4 @@
-// The usual calls of an application.
+// Builds, creates kernels and buffers, and launches as applications do.
 
 #include "tests/behaviour/launch/Application.h"
 

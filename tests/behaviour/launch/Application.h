@@ -27,7 +27,7 @@ struct Application {
       const Variables &variables = {},
       const std::function<void(DispatchTable &)> &prepare = {});
 
-  /// Builds the program unless that was done.
+  /// Builds the program, the first time.
   void build();
   cl_kernel create(const std::string &name);
   cl_int release(cl_kernel kernel) { return cl.clReleaseKernel(kernel); }
@@ -83,7 +83,7 @@ struct TuningApplication : OutputFolder, Application {
       "coarsed_kernel,time\n";
   static constexpr const char *logName = ".auto.csv";
 
-  /// The calls that make the launches' chains of events, in words.
+  /// The transfers, launches and event calls of autotuned launches, in words.
   std::vector<std::string> chain() const;
 };
 

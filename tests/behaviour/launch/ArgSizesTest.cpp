@@ -112,7 +112,7 @@ cl_int CL_API_CALL acceptAnyIndex(cl_kernel kernel, cl_uint index, size_t size,
 }
 } // namespace
 
-// No variant can get such an argument.
+// A variant cannot be given an argument with such an index.
 TEST(ArgSizes, KeepVariantsFromRunningAfterAnIndexThatNoKernelHas) {
   for (const cl_uint index : {0xFFFFFFFFU, 0xFFFFFFFEU, 0x7FFFFFFFU, 65536U}) {
     OneArgument app([](DispatchTable &table) {

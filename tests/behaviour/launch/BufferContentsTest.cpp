@@ -1,4 +1,5 @@
-// Tests that autotuning leaves the buffers as the application's kernel does.
+// Tests that after an autotuned launch the buffers are as the application's
+// kernel alone leaves them.
 
 #include "tests/behaviour/launch/Application.h"
 

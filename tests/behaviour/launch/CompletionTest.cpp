@@ -1,5 +1,5 @@
-// Tests of what happens when a timed run completes, whenever and wherever that
-// is.
+// Tests of what happens when a timed run completes, early or late and on any
+// thread.
 
 #include "tests/behaviour/launch/Application.h"
 

@@ -1,5 +1,5 @@
-// Tests of what other threads may do, and of what may fail, in the middle of
-// any call that a hook makes.
+// Tests of what other threads may do, and of what may fail, during any call
+// that a hook makes to the runtime.
 
 #include "tests/behaviour/launch/WholeLife.h"
 
@@ -21,7 +21,7 @@ using testing::IsEmpty;
 namespace {
 class EveryCall : public testing::TestWithParam<const char *> {
 protected:
-  // Lives through all hooks; \p action runs once within the first call.
+  // Calls every hook; \p action runs once, within the first call to the entry.
   void liveWith(const std::function<void()> &action) {
     app.runtime.whenCalled(GetParam(), [this, action] {
       if (!std::exchange(done, true))
@@ -41,8 +41,9 @@ INSTANTIATE_TEST_SUITE_P(, EveryCall, testing::ValuesIn(calledWithLock),
                          });
 } // namespace
 
-// This hangs if a leaf lock is held while the runtime is called.
-TEST_P(EveryCall, KeepsNobodyWaitingWhoNeedsNoAgentLock) {
+// Hangs if the agent holds another lock than the agent lock while it calls the
+// runtime.
+TEST_P(EveryCall, KeepsNoThreadWaitingThatNeedsNoAgentLock) {
   cl_mem first = createBuffer(app.runtime, app.cl);
   cl_mem second = createBuffer(app.runtime, app.cl);
   cl_kernel kernel = app.create("k");
@@ -77,7 +78,7 @@ TEST_P(EveryCall, MayMeetAFlush) {
   app.liveThrough();
 }
 
-// The runtime itself throws nothing, but memory may run out anywhere.
+// A real runtime throws nothing; the exception plays memory that runs out.
 TEST(ThrowingCall, LeavesTheAgentUnlocked) {
   for (const char *entry :
        {"clBuildProgram", "clLinkProgram", "clReleaseProgram", "clCreateKernel",
@@ -95,8 +96,8 @@ TEST(ThrowingCall, LeavesTheAgentUnlocked) {
 }
 
 namespace {
-/// An application whose kernel works in place, with two variants that do as it
-/// does after they have spoilt everything.
+/// An application whose kernel works in place. Its two variants first spoil the
+/// buffers and then do what the kernel does.
 template <typename Mode> struct InPlace : Mode {
   cl_kernel kernel;
   cl_mem y;
@@ -148,7 +149,7 @@ TEST(FailingCall, SpoilsNothingWhileTuning) {
 }
 
 TEST(FailingCall, LetsEveryHookComeToItsEnd) {
-  std::size_t calls = 50; // there are more, as the first round tells
+  std::size_t calls = 50; // the first round finds the true number
   for (std::size_t nth = 1; nth <= calls; ++nth) {
     WholeLife app;
     const std::size_t before = app.runtime.callCount();

@@ -1,5 +1,5 @@
-// Tests of a flush on another thread while a hook is under way. The address
-// sanitizer sees a state that ends too early.
+// Tests of a flush on another thread while a hook is running. The address
+// sanitizer finds a state that is destroyed too early.
 
 #include "tests/behaviour/launch/Application.h"
 
@@ -33,7 +33,8 @@ struct Interrupted : TuningApplication {
     runtime.forgetTranscript();
   }
 
-  // Another thread flushes, from beginning to end, within the next call.
+  // Has another thread flush, from beginning to end, during the next call to
+  // \p entry.
   void flushWithin(const std::string &entry) {
     runtime.whenCalled(entry, [this] {
       if (!std::exchange(flushed, true))
@@ -72,7 +73,7 @@ TEST(FlushMeanwhile, LetsTheCreationOfAllKernelsComeToItsEnd) {
 TEST(FlushMeanwhile, LetsAKernelsVariantsBeCreated) {
   Interrupted app;
   app.runtime.whenCalled("clGetKernelInfo", [&app] {
-    // The name was asked for: the record is about to be made.
+    // Once the name was asked for, the record is about to be made.
     app.flushWithin("clCreateKernel");
   });
   cl_kernel second = app.create("k");
@@ -80,7 +81,8 @@ TEST(FlushMeanwhile, LetsAKernelsVariantsBeCreated) {
   EXPECT_EQ(app.release(second), CL_SUCCESS);
 }
 
-// Two states wait for the end of the call: it may be using either.
+// After two flushes two states are kept until the end of the call, which may be
+// using either.
 TEST(FlushMeanwhile, MayComeTwiceWithinOneCall) {
   Interrupted app;
   app.runtime.whenCalled("clEnqueueReadBuffer", [&app] {

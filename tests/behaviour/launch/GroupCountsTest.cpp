@@ -110,7 +110,8 @@ TEST(GroupCounts, DoNotLookAtTheResultOfSettingThem) {
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[16]", "[4]")));
 }
 
-// Whether the variant lacks its last argument is not known then.
+// If the runtime does not tell how many arguments the variant has, it may lack
+// the last one.
 TEST(GroupCounts, LeaveTheLaunchToTheKernelWhenTheyMayBeMissing) {
   for (const std::size_t failing : {1, 2}) {
     Application app;

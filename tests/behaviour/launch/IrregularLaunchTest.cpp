@@ -69,8 +69,8 @@ TEST_P(IrregularLaunch, GoesToTheRuntimeUnchanged) {
   EXPECT_THAT(errors.text(), HasSubstr("QrlAgent:: 910: "));
 }
 
-// A missing size counts as zero for the conditions, and every factor divides
-// zero; but there is no size that could be rewritten.
+// For the conditions a missing size is zero, which every factor divides; but
+// there is no size that could be rewritten.
 TEST_P(IrregularLaunch, IsWarnedOfWhenAVariantAcceptsAllButTheMissingSize) {
   Application app;
   cl_kernel kernel = createKernel(app);

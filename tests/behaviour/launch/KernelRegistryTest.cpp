@@ -28,14 +28,15 @@ TEST(KernelRegistry, CreatesTheVariantsBesideTheKernelInTheirOrder) {
 TEST(KernelRegistry, AsksForVariantsByTheCanonicalFormOfTheirNames) {
   Application app;
   app.program.kernel("k").kernel("k_coarsed_d2S4d1S2g0S4S1S1");
-  ErrorCapture errors; // the runtime knows the other form only
+  ErrorCapture errors; // the runtime does not know the canonical form
   app.create("k");
   EXPECT_THAT(app.runtime.transcript({"clCreateKernel"}),
               testing::Contains(
                   "clCreateKernel(program 1, \"k_coarsed_g0S4d1S2d2S4\", &)"));
 }
 
-// The record that launches ask is a copy, which has restrictions reversed.
+// The name in the log is that of a copy of the variant's record, and a copy has
+// its restrictions reversed.
 TEST(KernelRegistry, CallsAVariantWithRestrictionsByAnotherNameInTheLog) {
   TuningApplication app;
   app.program.kernel("k").kernel("k_coarsed_r3r1r2g0S4");
@@ -161,7 +162,7 @@ TEST(KernelRegistry, KeepsNoRecordOfAVariantThatTheApplicationCreates) {
   EXPECT_THAT(app.runtime.transcript({"clEnqueueNDRangeKernel", "clFlush"}),
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[16]")));
   EXPECT_EQ(app.log(), app.header);
-  // Its null entry hides no other kernel.
+  // The null entry of the variant hides no record of another kernel.
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
   EXPECT_EQ(app.log(),
             std::string(app.header) +

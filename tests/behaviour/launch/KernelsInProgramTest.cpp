@@ -24,8 +24,8 @@ struct TwoKernels : Application {
     build();
     runtime.forgetTranscript();
   }
-  cl_int createAll(cl_uint room) {
-    return cl.clCreateKernelsInProgram(program, room, kernels.data(), &count);
+  cl_int createAll(cl_uint size) {
+    return cl.clCreateKernelsInProgram(program, size, kernels.data(), &count);
   }
 };
 } // namespace
@@ -73,13 +73,13 @@ TEST(KernelsInProgram, HaveTheirVariantsBesideThem) {
   EXPECT_THAT(app.runtime.alive("kernel"), IsEmpty());
 }
 
-TEST(KernelsInProgram, AreRefusedWhenTheRoomIsLarger) {
+TEST(KernelsInProgram, AreRefusedWhenTheArrayIsLarger) {
   TwoKernels app;
   EXPECT_EQ(app.createAll(5), CL_INVALID_VALUE);
   EXPECT_EQ(app.count, TwoKernels::untouched);
 }
 
-TEST(KernelsInProgram, AreWrittenBeyondTheRoomWhenItIsSmaller) {
+TEST(KernelsInProgram, AreWrittenBeyondTheArrayWhenItIsSmaller) {
   TwoKernels app;
   EXPECT_EQ(app.createAll(1), CL_SUCCESS);
   EXPECT_EQ(app.count, 2U);

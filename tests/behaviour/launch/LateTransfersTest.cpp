@@ -1,6 +1,6 @@
-// Tests of transfers that are still under way when their launch, its buffers or
-// the agent's state are gone. The address sanitizer sees memory freed too
-// early.
+// Tests of transfers that are still running when their launch, its buffers or
+// the agent's state are gone. The address sanitizer finds memory that is freed
+// too early.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -15,7 +15,7 @@ using namespace corvane::test;
 using testing::IsEmpty;
 
 namespace {
-/// A launch of a variant and its kernel of which nothing has run yet.
+/// An autotuned launch of which no command has run yet.
 struct LateLaunch : TuningApplication {
   static constexpr std::size_t size = 4096;
   cl_kernel kernel;
@@ -34,7 +34,7 @@ struct LateLaunch : TuningApplication {
   }
   cl_int launchNow() { return launch(kernel, {16}); }
 
-  // To be called before the buffer is gone.
+  // Checks the contents of the buffer, which must not be gone yet.
   void expectResult(unsigned char first) {
     std::vector<unsigned char> expected(size, 1);
     expected[0] = first;

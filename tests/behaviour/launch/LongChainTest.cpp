@@ -64,7 +64,7 @@ TEST(LongChain, SavesAndRestoresTheBuffersInSlotOrderAroundEachVariant) {
 TEST(LongChain, ReleasesEveryEventExactlyOnce) {
   ThreeBuffers app;
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
-  // That of the kernel's own run, then those of the chain.
+  // The event of the kernel's own run comes first, then those of the chain.
   std::vector<std::string> expected = {"clReleaseEvent(event 15)"};
   for (int event = 1; event != 15; ++event)
     expected.push_back("clReleaseEvent(event " + std::to_string(event) + ")");
@@ -92,7 +92,7 @@ TEST(LongChain, ReplaysTheKernelsOwnArgumentsLastAndOnce) {
   EXPECT_THAT(app.runtime.transcript({"clSetKernelArg"}), IsEmpty());
 }
 
-TEST(LongChain, GoesRoundVariantsThatReject) {
+TEST(LongChain, LeavesOutVariantsThatReject) {
   TuningApplication app;
   app.program.kernel("k", 1).kernel("k_coarsed_g1S2", 1);
   app.program.kernel("k_coarsed_l0S2", 1).kernel("k_coarsed_g0S1d0S3", 1);

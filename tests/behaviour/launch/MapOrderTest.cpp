@@ -29,8 +29,8 @@ cl_kernel CL_API_CALL createAndNote(cl_program program, const char *name,
   return kernel;
 }
 
-/// Notes which handles the runtime gives out, and puts the variants' names in
-/// the order that a map of the same kind has.
+/// Records which handles the runtime gives out, and knows the order that the
+/// variants' names have in a map of the same kind.
 class MapOrder : public testing::Test {
 protected:
   MapOrder() { createdKernels = &created; }
@@ -55,12 +55,12 @@ protected:
   std::vector<Created> created;
 };
 
-// A few variants have buckets of their own in the map; of so many some share
-// one.
+// With a few variants each has its own bucket in the map; with this many some
+// share one.
 constexpr std::size_t manyVariants = 40;
 
-// Each accepts a range of 16 and leaves it as it is; a restriction, which tests
-// nothing, makes their names differ.
+// Each variant accepts a range of 16 and leaves it as it is. Their names differ
+// by a restriction, which is no condition.
 void addVariants(Application &app, std::size_t count) {
   app.program.kernel("k");
   for (std::size_t i = 0; i != count; ++i)

@@ -16,8 +16,8 @@ using testing::ElementsAre;
 namespace {
 using Info = llvm::DenseMapInfo<cl_kernel>;
 
-/// Gives an odd handle to the kernel of one name, and plays that kernel. The
-/// scripted runtime plays all others.
+/// Gives an odd handle to the kernel of one name, and answers the calls with
+/// it. The scripted runtime answers all others.
 struct OddRuntime {
   static inline cl_kernel odd;
   static inline std::string name;
@@ -43,7 +43,7 @@ private:
     return odd;
   }
   static cl_int CL_API_CALL release(cl_kernel kernel) {
-    return kernel == odd ? note("release") : real.clReleaseKernel(kernel);
+    return kernel == odd ? record("release") : real.clReleaseKernel(kernel);
   }
   static cl_int CL_API_CALL tell(cl_kernel kernel, cl_kernel_info what,
                                  size_t room, void *answer, size_t *size) {
@@ -58,7 +58,7 @@ private:
   }
   static cl_int CL_API_CALL set(cl_kernel kernel, cl_uint index, size_t size,
                                 const void *value) {
-    return kernel == odd ? note("set")
+    return kernel == odd ? record("set")
                          : real.clSetKernelArg(kernel, index, size, value);
   }
   static cl_int CL_API_CALL launch(cl_command_queue queue, cl_kernel kernel,
@@ -67,11 +67,11 @@ private:
                                    cl_uint waits, const cl_event *waitList,
                                    cl_event *event) {
     if (kernel == odd)
-      return note("launch");
+      return record("launch");
     return real.clEnqueueNDRangeKernel(queue, kernel, dimensions, offset,
                                        global, local, waits, waitList, event);
   }
-  static cl_int note(const char *call) {
+  static cl_int record(const char *call) {
     calls.emplace_back(call);
     return CL_SUCCESS;
   }

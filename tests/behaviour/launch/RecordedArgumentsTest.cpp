@@ -105,7 +105,8 @@ TEST(RecordedArguments, ReportsAFailedReplayAndGoesOn) {
   EXPECT_THAT(app.launches(),
               ElementsAre(plainLaunch("k_coarsed_g0S4", "[4]")));
 
-  // The variant counts as up to date: the failure is not repeated.
+  // The variant counts as up to date, so the setting that failed is not
+  // repeated.
   app.runtime.forgetTranscript();
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.settings(), IsEmpty());

@@ -58,7 +58,7 @@ TEST(SameHandle, IsAnsweredByTheNextRecordWhenTheOlderOneIsRemoved) {
   EXPECT_THAT(app.runtime.alive("kernel"), testing::IsEmpty());
 }
 
-TEST(SameHandle, ReachesTheRecordBehindANullEntry) {
+TEST(SameHandle, ReachesTheRecordAfterANullEntry) {
   RecyclingRuntime app;
   cl_kernel nameless = app.create("young_coarsed_g0S4");
   app.releaseUnnoticed(nameless);

@@ -23,7 +23,8 @@ protected:
     kernel = app.create("k");
   }
 
-  // Sets the argument at the start of the next call that sets one.
+  // Has the application set the argument at the start of the runtime's next
+  // clSetKernelArg.
   void setWithinNext(cl_uint index, const std::vector<unsigned char> &value) {
     app.runtime.whenCalled("clSetKernelArg", [=] {
       if (!std::exchange(waiting, false))

@@ -35,11 +35,11 @@ struct BusyApplication : TuningApplication {
     program.kernel("k_coarsed_g0S2d1S4", 2, spoil);
     build();
     runtime.late();
-    // The context lives on after the release that flushes.
+    // With this reference the context exists after the release that flushes.
     cl.clRetainContext(runtime.context());
   }
 
-  // The whole life of a program of this thread's own.
+  // Builds, uses and releases a program that no other thread uses.
   void useProgram() {
     const ProgramScript own =
         runtime.addProgram().kernel("j").kernel("j_coarsed_g0S2");
@@ -83,7 +83,7 @@ struct BusyApplication : TuningApplication {
     }
   }
 
-  // A thread of the runtime's runs commands and calls back.
+  // Runs commands and calls back, as a thread of the runtime does.
   void runCommands() {
     while (!over)
       if (!runtime.runFirst())

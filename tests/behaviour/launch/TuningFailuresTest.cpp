@@ -83,7 +83,7 @@ TEST(TuningFailures, OfAKernelAloneAreReportedAndReturnedAfterTheFlush) {
   EXPECT_EQ(app.log(), app.header);
 }
 
-// An entry that a runtime for an older OpenCL lacks.
+// A runtime for an older OpenCL lacks the entry that watches a kernel.
 TEST(TuningFailures, OfARuntimeThatCannotWatchAKernelAreReturned) {
   TuningApplication app(
       {}, [](DispatchTable &table) { table.clSetEventCallback = nullptr; });
@@ -165,7 +165,7 @@ TEST(TuningFailures, OfTheDevicesClockAreRecordedAsTheyAre) {
             app.logOf("k,16,,,0,,,baseline,18446744073709552.000\n"));
 }
 
-TEST(TuningFailures, OfCreatingTheVariantLeaveTheKernelToItself) {
+TEST(TuningFailures, OfCreatingTheVariantLetTheKernelRunAlone) {
   TuningApplication app;
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4", 1);
   app.build();
@@ -199,7 +199,7 @@ TEST(TuningFailures, OfSettingAnArgumentKeepTheVariantFromRunning) {
   EXPECT_THAT(app.runtime.bytes(app.buffer), ElementsAre(2));
   EXPECT_THAT(app.runtime.bytes(other), ElementsAre(6));
 
-  // With the next launch it gets its arguments and runs.
+  // With the next launch the variant gets its arguments and runs.
   EXPECT_EQ(app.launch(app.kernel, {16}), CL_SUCCESS);
   EXPECT_THAT(app.launches(), SizeIs(3));
   EXPECT_THAT(app.runtime.bytes(app.buffer), ElementsAre(2));

@@ -82,7 +82,7 @@ TEST_F(UnknownMemory, KeepsVariantsFromRunningWhenTheRuntimeDoesNotTell) {
   EXPECT_THAT(launchesWith(app, app.runtime.addBuffer(4)), SizeIs(kernelAlone));
 }
 
-TEST_F(UnknownMemory, IsNotSuspectedBehindNumbersThatAreNoHandles) {
+TEST_F(UnknownMemory, IsNotSuspectedOfNumbersThatAreNoHandles) {
   describe(app);
   app.program.declares(0, {CL_KERNEL_ARG_ADDRESS_GLOBAL});
   for (const cl_ulong number :
@@ -111,7 +111,7 @@ TEST_F(UnknownMemory, IsSuspectedAtTheStartOfAPageBeyondAllSizes) {
   EXPECT_THAT(launchesWith(app, &object[0]), SizeIs(kernelAlone));
 }
 
-TEST_F(UnknownMemory, IsNotSuspectedBehindRoundNumbersThatAreAddresses) {
+TEST_F(UnknownMemory, IsNotSuspectedOfRoundNumbersThatAreAddresses) {
   describe(app);
   app.program.declares(0, {CL_KERNEL_ARG_ADDRESS_GLOBAL});
   char *page = mapLowPage();
@@ -130,7 +130,7 @@ TEST_F(UnknownMemory, IsNotSuspectedInValuesOfOtherSizes) {
 
 TEST(UnknownMemoryOfAnOldRuntime, IsTakenForAPlainValue) {
   TuningApplication app({}, [](DispatchTable &table) {
-    table.clGetKernelArgInfo = nullptr; // came with OpenCL 1.2
+    table.clGetKernelArgInfo = nullptr; // OpenCL 1.1 does not have it
   });
   app.program.kernel("k", 1).kernel("k_coarsed_g0S4", 1);
   cl_kernel kernel = app.create("k");

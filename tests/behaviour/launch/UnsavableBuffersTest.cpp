@@ -1,5 +1,4 @@
-// Tests of launches whose buffers cannot all be saved: nothing of the
-// application's may be spoiled.
+// Tests of launches whose buffers cannot all be saved: they must not be spoilt.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -116,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(Flags, HostAccess,
                                          CL_MEM_HOST_WRITE_ONLY,
                                          CL_MEM_HOST_READ_ONLY));
 
-TEST(UnsavableBuffers, KeepVariantsFromRunningWithoutRoomOnTheHost) {
+TEST(UnsavableBuffers, KeepVariantsFromRunningWithoutMemoryOnTheHost) {
   TwoBuffers app;
   cl_mem tooLarge = app.cl.clCreateBuffer(
       app.runtime.context(), CL_MEM_READ_WRITE, SIZE_MAX / 2, nullptr, nullptr);
@@ -148,7 +147,7 @@ TEST(UnsavableBuffers, KeepVariantsFromRunningWhenAHandleHasTwoRecords) {
   EXPECT_THAT(app.runtime.bytes(again), ElementsAre(3, 2, 3));
 }
 
-TEST(UnsavableBuffers, AreNotThoseOfAHandleWhoseFirstBufferNobodyWatched) {
+TEST(UnsavableBuffers, AreNotThoseOfAHandleWhoseFirstBufferWasNotWatched) {
   TwoBuffers app;
   app.runtime.recycleHandles();
   app.runtime.answer("clSetMemObjectDestructorCallback", CL_OUT_OF_RESOURCES);

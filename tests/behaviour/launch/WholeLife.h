@@ -9,8 +9,7 @@
 
 namespace corvane::test {
 
-/// What the runtime is called for while an application lives through all
-/// hooks that take the lock.
+/// The entries of the runtime that are called by hooks that take the lock.
 inline const char *const calledWithLock[] = {"clBuildProgram",
                                              "clGetProgramInfo",
                                              "clCreateKernel",
@@ -38,7 +37,7 @@ struct WholeLife : TuningApplication {
     program.kernel("k_coarsed_g0S4", 1,
                    [](const Launch &l) { l.buffer(0)[0] = 99; });
     build();
-    // It lives on after a release that flushes.
+    // With this reference the context exists after a release that flushes.
     cl.clRetainContext(runtime.context());
   }
 
@@ -63,7 +62,7 @@ private:
     cl.clReleaseProgram(another);
   }
 
-  // Where the runtime does not tell its name, the variant counts as a kernel.
+  // If the runtime does not tell the variant's name, it counts as a kernel.
   void useAllKernels() {
     cl_kernel kernels[2] = {};
     if (cl.clCreateKernelsInProgram(program, 1, kernels, nullptr) != CL_SUCCESS)

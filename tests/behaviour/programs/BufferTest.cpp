@@ -69,7 +69,8 @@ TEST_F(Buffers, ThatCannotBeCreatedHaveNoRecordAndNoCallback) {
   EXPECT_EQ(status, CL_MEM_OBJECT_ALLOCATION_FAILURE);
   EXPECT_THAT(runtime.transcript({"clSetMemObjectDestructorCallback"}),
               IsEmpty());
-  // A record of the handle that came with the failure would be found by it.
+  // If the failed creation had left a record, it would be that of the null
+  // handle.
   EXPECT_THAT(transfersFor(nullptr), IsEmpty());
 
   runtime.answer("clCreateBuffer", CL_MEM_OBJECT_ALLOCATION_FAILURE, 1);

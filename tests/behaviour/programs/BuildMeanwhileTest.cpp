@@ -1,6 +1,6 @@
-// Tests of what other threads do while a build or a link is under way. The
-// runtime does not return from it before they are done, so a test that waits
-// for the build runs into its time limit.
+// Tests of what other threads do while the runtime builds or links. The runtime
+// does not return before those threads are done, so a hook that made them wait
+// for the build would never end.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/TempFolder.h"
@@ -20,7 +20,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
-/// Something happens on another thread during a call into the runtime.
+/// Has another thread do something during a call to the runtime.
 class Meanwhile : public testing::TestWithParam<bool> {
 protected:
   Meanwhile() {
@@ -32,7 +32,7 @@ protected:
     runtime.forgetTranscript();
   }
 
-public: // a callback uses it as well
+public: // for a callback
   using Variables = std::vector<std::pair<std::string, std::string>>;
 
   const DispatchTable &cl() const { return agent->table(); }
@@ -117,8 +117,9 @@ TEST_P(Meanwhile, AKernelOfAProgramThatIsBuiltAgainHasTheVariantsOfBefore) {
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
 }
 
-// A runtime refuses to build a program that has kernels.
-TEST_P(Meanwhile, ASecondBuildOfAProgramCreatesNoKernelsUnderTheFirst) {
+// A kernel that the first build had created would make the runtime refuse the
+// second one.
+TEST_P(Meanwhile, ASecondBuildOfAProgramCreatesNoKernelsDuringTheFirst) {
   inBuild([this] {
     EXPECT_EQ(build(cl(), program), CL_SUCCESS);
     EXPECT_THAT(runtime.transcript({"clCreateKernelsInProgram"}), IsEmpty());

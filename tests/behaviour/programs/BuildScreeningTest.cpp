@@ -1,4 +1,4 @@
-// Tests of builds whose logs tell of variants that spill registers.
+// Tests of builds whose logs say that variants spill registers.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ErrorCapture.h"
@@ -132,7 +132,7 @@ TEST_F(TuningBuildScreening, DoesNotReadALogThatIsEmpty) {
 }
 
 TEST_F(TuningBuildScreening, TakesAListOfDevicesThatCannotBeReadAsEmpty) {
-  // Neither their number nor the list itself.
+  // The first call asks for the number of devices, the second for the list.
   for (const std::size_t failing : {1, 2}) {
     const cl_program program = runtime.addProgram().log(spillLog).kernel("k");
     runtime.forgetTranscript();
@@ -145,7 +145,7 @@ TEST_F(TuningBuildScreening, TakesAListOfDevicesThatCannotBeReadAsEmpty) {
 }
 
 TEST_F(TuningBuildScreening, IsNotAlarmedByALogThatCannotBeRead) {
-  // Neither its size nor its text.
+  // The first call asks for the log's size, the second for its text.
   for (const std::size_t failing : {1, 2}) {
     const cl_program program = runtime.addProgram().log(spillLog).kernel("k");
     runtime.forgetTranscript();

@@ -137,12 +137,12 @@ TEST(Build, WithMoreThan4096KernelsReportsWhenTheyCannotBeCreated) {
   EXPECT_EQ(kernelCount(agent.table(), program), 0U);
 }
 
-static cl_int CL_API_CALL claimBillionsOfKernels(cl_program, cl_uint room,
+static cl_int CL_API_CALL claimBillionsOfKernels(cl_program, cl_uint size,
                                                  cl_kernel *kernels,
                                                  cl_uint *count) {
   if (kernels)
     return CL_INVALID_VALUE;
-  EXPECT_EQ(room, 0U);
+  EXPECT_EQ(size, 0U);
   *count = 0xFFFFFFFF;
   return CL_SUCCESS;
 }
@@ -166,7 +166,7 @@ TEST(Build, With4096KernelsKnowsAll) {
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
 }
 
-TEST(Build, SurvivesARuntimeThatClaimsMoreKernelsThanThereIsRoomFor) {
+TEST(Build, SurvivesARuntimeThatClaimsMoreKernelsThanItWasAskedFor) {
   FakeRuntime runtime;
   const cl_program program = runtime.addProgram().kernel("k");
   LoadedAgent agent(runtime);

@@ -1,4 +1,4 @@
-// Tests of the link: its notification, its second try, its kernels.
+// Tests of the link: its notification, its second attempt, its kernels.
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ErrorCapture.h"
@@ -56,7 +56,7 @@ TEST_F(PlainLink, CollectsNothingWhenNoOutputIsAskedFor) {
   EXPECT_THAT(runtime.transcript({"clCreateKernelsInProgram"}), IsEmpty());
 }
 
-// The runtime would finish the link later otherwise.
+// With a notification function the runtime could finish the link later.
 TEST_F(Link, KeepsTheNotificationFromTheRuntimeButHandsItsDataOn) {
   int calls = 0;
   link(countCalls, &calls);
@@ -135,7 +135,7 @@ TEST_F(Link, ThatFailsTwiceReturnsTheSecondFailureWithoutAReport) {
   EXPECT_THAT(runtime.transcript({"clCreateKernelsInProgram"}), IsEmpty());
 }
 
-// A failing link may have a program all the same; it is looked at.
+// A link that fails may return a program nevertheless.
 TEST_F(Link, ThatFailsWithAProgramIsCollectedOnce) {
   runtime.linkMakes()
       .kernel("k")

@@ -21,9 +21,9 @@ protected:
     build(cl, program);
   }
 
-  cl_int ask(cl_program_info what, std::size_t room, void *value,
+  cl_int ask(cl_program_info what, std::size_t capacity, void *value,
              std::size_t *size) const {
-    return cl.clGetProgramInfo(program, what, room, value, size);
+    return cl.clGetProgramInfo(program, what, capacity, value, size);
   }
 
   FakeRuntime runtime;
@@ -38,7 +38,7 @@ TEST_F(ProgramInfo, GivesNamesAndCountWithoutTheVariants) {
   EXPECT_EQ(kernelCount(cl, program), 2U);
 }
 
-// A name like a variant's whose spec no variant has.
+// The name looks like a variant's, but its spec is wrong.
 TEST_F(ProgramInfo, GivesKernelsThatAreOnlyNamedLikeVariants) {
   const cl_program other =
       runtime.addProgram().kernel("a").kernel("a_coarsed_4x").kernel("b");

@@ -1,4 +1,4 @@
-// Tests of when a program is forgotten: it has the agent's count, not the
+// Tests of when the agent forgets a program: by its own count, not by the
 // runtime's.
 
 #include "tests/behaviour/Calls.h"
@@ -13,7 +13,7 @@ using testing::ElementsAre;
 namespace {
 class ProgramRelease : public testing::Test {
 protected:
-  // The runtime's own answer shows that the program is forgotten.
+  // The runtime's own answer, which the agent passes on for an unknown program.
   static constexpr const char *unknown = "k;k_coarsed_g0S4";
 
   ProgramRelease() {
@@ -77,7 +77,7 @@ TEST_F(ProgramRelease, OfAnUnknownProgramIsLeftToTheRuntime) {
                                                 "clReleaseProgram(null)"));
 }
 
-TEST_F(ProgramRelease, MakesRoomForANewProgramWithTheSameHandle) {
+TEST_F(ProgramRelease, LetsANewProgramHaveTheSameHandle) {
   build(cl, program);
   for (int reference = 0; reference != 6; ++reference)
     cl.clReleaseProgram(program);

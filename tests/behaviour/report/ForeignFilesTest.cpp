@@ -1,5 +1,5 @@
-// Tests of result files in whose places lie links, pipes or devices. Posix
-// systems let any user make them.
+// Tests of links, pipes and devices under the names of result files. On Posix
+// systems any user may make them.
 
 #include "tests/behaviour/launch/Application.h"
 #include "tests/support/ErrorCapture.h"
@@ -27,7 +27,8 @@ constexpr const char *header =
     "coarsed_kernel,time\n";
 constexpr const char *row = "k,16,,,0,,,baseline,2.000\n";
 
-/// An application whose output folder holds things before the agent comes.
+/// An application whose output folder has such files before the agent is
+/// loaded.
 struct ForeignFiles : testing::Test {
   TempFolder folder;
   ErrorCapture errors;

@@ -1,5 +1,5 @@
-// Tests of a raw timing log whose disk is full. Posix systems have limits that
-// play one, and a C library whose allocations can be counted.
+// Tests of a raw timing log whose disk is full. A limit on the size of files
+// plays the full disk.
 
 #include "tests/behaviour/launch/AllocationCount.h"
 #include "tests/behaviour/launch/Application.h"
@@ -15,7 +15,8 @@ using namespace corvane::test;
 
 namespace {
 
-// The runtime describes each call in words unless it is told to forget them.
+// How often a launch gets memory. The runtime, which records each call, needs
+// the same for every launch.
 long allocationsOfALaunch(TuningApplication &app, cl_kernel kernel) {
   const long before = allocationCount();
   EXPECT_EQ(app.launch(kernel, {16}), CL_SUCCESS);
@@ -34,12 +35,12 @@ TEST(FullDiskFromTheStart, CostsEachLaunchTheSame) {
   const long early = allocationsOfALaunch(app, kernel);
   for (int i = 0; i != 2000; ++i)
     allocationsOfALaunch(app, kernel);
-  // Some list may just have become full.
+  // A list of the agent's may just have grown.
   EXPECT_LE(allocationsOfALaunch(app, kernel), early + 20);
   EXPECT_EQ(app.log(), "");
 }
 
-TEST(FullDiskFromTheStart, LosesNoRowIfThereIsRoomAtTheFlush) {
+TEST(FullDiskFromTheStart, LosesNoRowIfTheDiskHasSpaceAtTheFlush) {
   TuningApplication app;
   app.program.kernel("k");
   cl_kernel kernel = app.create("k");

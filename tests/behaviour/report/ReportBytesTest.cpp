@@ -1,8 +1,8 @@
 // The report of one log, byte for byte the same on every system.
 //
-// kept/log.csv comes from a real run, with a few odd rows behind it; the other
-// files were written by the Linux library. To write them anew, and then to look
-// at what changed:
+// kept/log.csv comes from a real run, with a few odd rows added at its end; the
+// other files were written by the Linux library. To write them anew, and then
+// to look at what changed:
 //   CORVANE_KEEP_REPORT=1
 //   build/release/tests/behaviour/report/report_bytes_tests
 
@@ -25,7 +25,7 @@ using Files = std::map<std::string, std::string>;
 
 static const std::filesystem::path kept = KEPT_REPORT;
 
-// All files below a folder but the logs, by their path from there.
+// All files in a folder and its folders but the logs, by their path from there.
 static Files filesIn(const std::filesystem::path &folder) {
   Files files;
   for (const auto &entry :

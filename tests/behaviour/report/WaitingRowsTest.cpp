@@ -29,7 +29,7 @@ struct WaitingRows : testing::Test {
 
   void launch() { EXPECT_EQ(app.launch(kernel, {16}, {2}), CL_SUCCESS); }
 
-  /// The log with the rows of one launch.
+  /// The text of a log with the rows of one launch.
   std::string oneLaunch() const {
     return std::string(app.header) + "k,16,,,2,,,g0S4,1.000\n"
                                      "k,16,,,2,,,baseline,2.000\n";
