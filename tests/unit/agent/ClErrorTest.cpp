@@ -1,4 +1,4 @@
-// The names of OpenCL's status codes.
+// Tests of the names of OpenCL's status codes.
 #include "agent/ClError.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ TEST(ErrorName, IsTheOneThatOpenClGivesToTheCode) {
   EXPECT_EQ(clErrorName(-30), "CL_INVALID_VALUE");
 }
 
-TEST(ErrorName, ShowsACodeThatNobodyKnows) {
+TEST(ErrorName, ShowsACodeWithoutAName) {
   EXPECT_EQ(clErrorName(1), "unknown code(1)");
   EXPECT_EQ(clErrorName(std::numeric_limits<int>::min()),
             "unknown code(-2147483648)");

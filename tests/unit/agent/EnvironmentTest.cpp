@@ -1,4 +1,4 @@
-// Variables of the environment, set and removed.
+// Tests of looking variables of the environment up, setting and removing them.
 #include "agent/Environment.h"
 
 #include "tests/support/EnvGuard.h"

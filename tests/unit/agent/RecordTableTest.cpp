@@ -1,4 +1,5 @@
-// Records by handle: a list that is searched from the front, at no cost.
+// Tests of the table of records: it answers as a list that is searched from the
+// front, at a cost that does not grow.
 #include "agent/RecordTable.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 
 namespace {
 
-/// A handle like OpenCL's; counts how often the table looks at one.
+/// Plays a handle of OpenCL; counts how often the table looks at any.
 struct Handle {
   std::uintptr_t number = 0;
 };
@@ -79,10 +80,10 @@ TEST(RecordTable, CountsANullRecordAndNeverFindsIt) {
   EXPECT_EQ(table.append({1}, nullptr), nullptr);
   EXPECT_EQ(table.size(), 1U);
   EXPECT_EQ(table.find({1}), nullptr);
-  add(table, {1}, "behind it");
-  EXPECT_EQ(nameOf(table.find({1})), "behind it");
+  add(table, {1}, "after it");
+  EXPECT_EQ(nameOf(table.find({1})), "after it");
   EXPECT_TRUE(table.isUnique({1}));
-  EXPECT_EQ(nameOf(table.remove({1}).get()), "behind it");
+  EXPECT_EQ(nameOf(table.remove({1}).get()), "after it");
   EXPECT_EQ(table.remove({1}), nullptr);
   EXPECT_EQ(table.size(), 1U);
 }
@@ -118,7 +119,7 @@ TEST(RecordTable, FindsARecordInTheSameTimeHoweverManyThereAre) {
     ASSERT_EQ(table.find({0x10000 + number * 64})->name,
               std::to_string(number));
   EXPECT_EQ(table.find({1}), nullptr);
-  // A walk along the list would look at 10000 on average.
+  // A search from the front of a list would look at 10000 on average.
   EXPECT_LT(looks, long{count} * 10);
 }
 

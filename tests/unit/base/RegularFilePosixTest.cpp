@@ -1,5 +1,5 @@
-// Tests of what is in the place of a result file but is not a regular file, on
-// Linux and its relatives.
+// Tests of links, pipes and devices under the name of a result file, on Posix
+// systems.
 
 #include "base/Platform.h"
 #include "tests/support/TempFolder.h"
@@ -47,7 +47,8 @@ TEST_P(UnfitPath, IsALinkWhoseMissingTargetIsNotMade) {
   EXPECT_FALSE(folder.has("target"));
 }
 
-// A pipe without a partner would keep a blocking call waiting for ever.
+// A blocking call would wait for ever for the other end of the pipe to be
+// opened.
 TEST_P(UnfitPath, IsAPipeWithoutAPartner) {
   ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
   EXPECT_TRUE(open(folder.file("pipe")).refused);
@@ -117,7 +118,7 @@ TEST(RegularFileOfPosix, IsNotInheritedByOtherPrograms) {
   EXPECT_NE(fcntl(fileno(opened.file.get()), F_GETFD) & FD_CLOEXEC, 0);
 }
 
-// In a process of its own: a test must not lose its standard error.
+// In a child process, because the standard streams of this one are needed.
 TEST(RegularFileOfPosix, NeverTakesTheNumberOfAClosedStandardStream) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
@@ -135,7 +136,8 @@ TEST(RegularFileOfPosix, NeverTakesTheNumberOfAClosedStandardStream) {
 }
 
 namespace {
-/// No file of this process grows beyond some bytes; a signal says so.
+/// Keeps files of this process from growing beyond some bytes; a write that
+/// would raises a signal.
 class FileSizeLimit {
 public:
   explicit FileSizeLimit(rlim_t bytes) {

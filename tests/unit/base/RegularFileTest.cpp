@@ -1,4 +1,4 @@
-// Tests of the one way in which result files are opened.
+// Tests of how result files are opened and written.
 
 #include "base/Platform.h"
 #include "tests/support/TempFolder.h"
@@ -79,7 +79,7 @@ TEST(RegularFile, ThatIsOnlyAddedToKeepsWhatItHolds) {
   EXPECT_EQ(folder.read("file"), "old\nnew\n");
 }
 
-TEST(RegularFile, IsNoFolderButThatIsNoReasonToTellAnybody) {
+TEST(RegularFile, IsNoFolderWhichIsNoReasonForALine) {
   const TempFolder folder;
   for (const FileUse use : {FileUse::Read, FileUse::Replace, FileUse::Append}) {
     const OpenedFile opened = openRegularFile(folder.text(), use);

@@ -1,4 +1,5 @@
-// Tests that the README tells of every environment variable what the code does.
+// Tests that the README's table of environment variables is the one in the
+// code.
 
 #include "base/Settings.h"
 

@@ -1,4 +1,5 @@
-// Tests of the flags that the load writes and nobody in the library reads.
+// Tests of the flags that the load writes and that no code of the library
+// reads.
 
 #include "agent/entry/Exports.h"
 #include "tests/support/FakeRuntime.h"
@@ -14,7 +15,7 @@ using namespace corvane::test;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Loads and unloads; what was written before is forgotten.
+// Loads and unloads the agent, and returns what was written meanwhile.
 static WrittenFlags flagsOfLoad(FakeRuntime &runtime) {
   writtenFlags() = {};
   (void)clAgent_OnLoad(runtime.agent().operations());

@@ -1,4 +1,4 @@
-// Stands in for the agent's flags and remembers what was written.
+// Replaces the agent's flags by some that remember what was written.
 
 #include "tests/unit/entry/ReadableFlags.h"
 

@@ -1,4 +1,4 @@
-// The flags of the agent, readable.
+// What the agent has written to its write-only flags.
 
 #pragma once
 

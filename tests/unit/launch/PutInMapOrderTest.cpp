@@ -1,4 +1,4 @@
-// Tests of the order of more variants than a runtime would create.
+// Tests of the map order of more variants than a runtime would create.
 
 #include "launch/MapOrder.h"
 
@@ -38,8 +38,8 @@ orderOfMap(const std::vector<std::uintptr_t> &addresses) {
   return kernels;
 }
 
-// Each has a bucket of its own, whether the map has grown or not. When it does,
-// every second one moves to the end.
+// Handles that have their own bucket each, whether the map has grown or not.
+// When it grows, every second handle moves to the end.
 static std::vector<std::uintptr_t> spread(std::uintptr_t count) {
   std::vector<std::uintptr_t> addresses;
   for (std::uintptr_t i = count; i != 0; --i)
@@ -68,7 +68,7 @@ TEST(PutInMapOrder, IsTheOrderOfTheMapWhenItGrowsAgainAndAgain) {
   }
 }
 
-// A map looks for the key before it grows for it.
+// A map grows only for keys that it does not have.
 TEST(PutInMapOrder, IsTheOrderOfTheMapWhereItIsNearlyFullAndOneHandleRepeats) {
   for (std::uintptr_t count = 40; count != 50; ++count) {
     std::vector<std::uintptr_t> addresses = spread(count);

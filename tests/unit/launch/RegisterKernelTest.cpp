@@ -1,4 +1,4 @@
-// Tests of which entries the registry keeps, null entries included.
+// Tests of which records the registry keeps, null entries included.
 
 #include "launch/KernelRegistry.h"
 

@@ -53,7 +53,7 @@ protected:
       specs.push_back(specOf(choice));
     return specs;
   }
-  // What is said of each variant.
+  // The explanation for each variant.
   std::vector<std::string> explanations(const Launch &launch) {
     std::vector<std::string> lines;
     for (VariantKernel &variant : record->variants)

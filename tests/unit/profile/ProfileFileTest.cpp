@@ -1,4 +1,4 @@
-// Profiles as they are written, and as somebody edited them.
+// Tests of profiles as they are written, and as they are read after an edit.
 
 #include "results/profile/ProfileFile.h"
 
@@ -53,13 +53,13 @@ static const char exampleText[] =
 }
 )";
 
-// What reading says is wrong; empty if nothing is.
+// The error of reading a text; empty if there is none.
 static std::string problemOf(llvm::StringRef text) {
   llvm::Expected<Profile> profile = readProfile(text);
   return profile ? std::string() : llvm::toString(profile.takeError());
 }
 
-// What reading says when a piece of the example is another one.
+// The error of reading the example with one piece replaced.
 static std::string problemWith(const std::string &piece,
                                const std::string &instead) {
   std::string text = exampleText;

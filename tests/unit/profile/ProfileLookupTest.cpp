@@ -1,4 +1,4 @@
-// Which version a launch uses.
+// Tests of which version a launch uses by a profile.
 
 #include "results/profile/ProfileLookup.h"
 
@@ -97,7 +97,8 @@ TEST(ProfileLookup, KnowsNothingOfAnotherKernelProgramOrDevice) {
   EXPECT_EQ(answer(profile, sizes, "k", "abd"), "nothing");
   EXPECT_EQ(answer(profile, sizes, "k", "abc", {"device", "vendor", "2"}),
             "nothing");
-  // Not even where the texts in a row are the same.
+  // Program and kernel are told apart even if the two texts in a row are the
+  // same.
   EXPECT_EQ(answer(profile, sizes, "ck", "ab"), "nothing");
   EXPECT_EQ(answer(profile, sizes), "measured g0S4");
 }

@@ -1,4 +1,4 @@
-// What runs amount to, together.
+// Tests of the profile that several runs make together.
 
 #include "results/profile/ProfileMerge.h"
 
@@ -16,7 +16,7 @@ using testing::SizeIs;
 
 static const LaunchSizes sizes = oneDimension(1024, 64);
 
-// The only configuration of the runs.
+// The only configuration that the runs have, after merging.
 static TunedConfiguration merged(std::vector<RunRecord> runs) {
   std::vector<TunedConfiguration> tuned = mergeRuns(runs);
   EXPECT_THAT(tuned, SizeIs(1));
@@ -91,7 +91,7 @@ TEST(MergeRuns, TakesAVariantOutThatIsDifferentAnywhere) {
                              .samples("g0S4", 50)
                              .samples("g0S2", 70)
                              .check("g0S4", CheckResult::Equal);
-  // On another device, for other sizes.
+  // The bad check is from another device and for other sizes.
   const RunRecord bad = MadeRun("2")
                             .configuration("k", oneDimension(7))
                             .check("g0S4", CheckResult::Different);

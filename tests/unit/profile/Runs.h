@@ -1,4 +1,4 @@
-// Run records for tests of what is made from them.
+// Makes run records for the tests of profiles.
 
 #pragma once
 
@@ -30,7 +30,7 @@ public:
     record.programs[0] = program;
   }
 
-  /// Begins a configuration; what follows belongs to it.
+  /// Begins a configuration; the lines made after it belong to it.
   MadeRun &configuration(const std::string &kernel, const LaunchSizes &sizes) {
     const auto number =
         static_cast<std::uint32_t>(record.configurations.size());

@@ -1,4 +1,4 @@
-// Configurations and pages, made in one line.
+// Makes configurations and pages for the tests of results.
 
 #pragma once
 
@@ -35,7 +35,7 @@ inline RankedConfig rankedConfig(const std::string &kernel,
   return rankVersions(config(kernel, versions));
 }
 
-/// What \p write puts into the stream that it is given.
+/// The text that \p write writes to the stream that it is given.
 template <typename Write> std::string written(Write write) {
   std::string text;
   llvm::raw_string_ostream out(text);

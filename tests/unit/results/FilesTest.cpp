@@ -1,4 +1,4 @@
-// Files of any shape read by lines, and files written.
+// Tests of reading files by lines, whatever is in them, and of writing files.
 
 #include "results/Files.h"
 
@@ -19,7 +19,7 @@ static std::vector<std::string> linesOf(const std::string &bytes) {
   std::string_view line;
   while (reader.next(line))
     lines.emplace_back(line);
-  EXPECT_FALSE(reader.next(line)) << "the end must stay the end";
+  EXPECT_FALSE(reader.next(line)) << "after the end there are no more lines";
   EXPECT_EQ(llvm::toString(reader.takeError()), "");
   return lines;
 }

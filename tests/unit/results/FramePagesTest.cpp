@@ -1,4 +1,4 @@
-// The frame, index and main page, byte for byte.
+// Tests of the frame, index and main page, byte for byte.
 
 #include "results/report/PageLinks.h"
 

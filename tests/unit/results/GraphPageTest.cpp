@@ -1,4 +1,4 @@
-// The graph page, byte for byte.
+// Tests of the graph page, byte for byte.
 
 #include "results/report/Pages.h"
 

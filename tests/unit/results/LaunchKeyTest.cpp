@@ -1,4 +1,4 @@
-// Keys of launches, from sizes and from text.
+// Tests of keys of launches, from sizes and from text.
 
 #include "results/LaunchKey.h"
 

@@ -1,4 +1,4 @@
-// Numbers to text and back.
+// Tests of numbers written as text and read back.
 
 #include "results/NumberText.h"
 
@@ -22,11 +22,11 @@ TEST(FixedText, HasTheDecimalsAskedFor) {
   EXPECT_EQ(fixedText(12.345, 3), "12.345");
   EXPECT_EQ(fixedText(0.0, 3), "0.000");
   EXPECT_EQ(fixedText(1234567.0, 1), "1234567.0");
-  EXPECT_EQ(fixedText(2.0005, 3), "2.001"); // the double is a little above
+  EXPECT_EQ(fixedText(2.0005, 3), "2.001"); // the double is a little larger
   EXPECT_EQ(fixedText(-1.25, 1), "-1.2");   // a tie goes to the even digit
 }
 
-TEST(FixedText, HasRoomForTheLargestNumber) {
+TEST(FixedText, WritesTheLargestNumberWhole) {
   const std::string text = fixedText(-largest, 9);
   EXPECT_EQ(text.size(), 1U + 309 + 1 + 9);
   EXPECT_EQ(text.substr(0, 10), "-179769313");
@@ -108,7 +108,7 @@ TEST(LeadingNumber, DoesNotReadBeyondTheText) {
   EXPECT_EQ(leadingNumber(std::string_view("123456", 3)), 123.0);
 }
 
-// What C's own formatting says; the tests run in the plain locale.
+// What C's own formatting writes; the tests run in the "C" locale.
 static std::string printed(double value) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.6g", value);

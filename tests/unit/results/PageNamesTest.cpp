@@ -1,4 +1,5 @@
-// What pages are called: ordinary names byte for byte, the others harmless.
+// Tests of the names of pages: ordinary ones byte for byte, others made
+// harmless.
 
 #include "results/report/PageLinks.h"
 
@@ -18,7 +19,8 @@ static std::string nameOf(const LaunchKey &key) {
   return names.nameFor(key);
 }
 
-// By hand: GoogleTest's expressions know no classes on Windows.
+// Without a regular expression: GoogleTest's have no character classes on
+// Windows.
 static bool isFit(const std::string &name) {
   return !name.empty() && name.size() <= 244 &&
          name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"
@@ -46,7 +48,8 @@ TEST(PageName, KeepsWhatACompilerMakes) {
 }
 
 TEST(PageName, KeepsAsMuchAsAFileNameCanHold) {
-  // 255 bytes with "_graph.html", and 12 of sizes.
+  // A file name has at most 255 bytes: "_graph.html" is 11 of them, the
+  // sizes 12.
   const std::string longest(255 - 11 - 12, 'k');
   EXPECT_EQ(nameOf(longest), longest + "_1024___64__");
   EXPECT_EQ(nameOf(longest + "k"), std::string(150, 'k') + "-1");

@@ -1,4 +1,4 @@
-// The raw timing log read back into configurations.
+// Tests of the raw timing log, read back into configurations.
 
 #include "results/RawTimingLog.h"
 
@@ -127,7 +127,7 @@ TEST(ReadRawLog, TellsSizesApartThatDifferInTheirTextOnly) {
             2U);
 }
 
-TEST(ReadRawLog, DoesNotMixUpWhichFieldATextStandsIn) {
+TEST(ReadRawLog, DoesNotMixUpWhichFieldATextIsIn) {
   EXPECT_EQ(configsOfRows("k,1,,,,,,baseline,1.000\n"
                           "k,,1,,,,,baseline,1.000\n"
                           "k1,,,,,,,baseline,1.000\n")

@@ -1,4 +1,5 @@
-// Which files a report consists of, and that none of them needs the others.
+// Tests of which files a report consists of, and that each is written although
+// another one cannot be.
 
 #include "results/Report.h"
 
@@ -29,10 +30,11 @@ struct Report : testing::Test {
     std::filesystem::create_directory(folder.file("html"));
   }
 
-  /// Writes it and returns what could not be written, one line a file.
+  /// Writes the report. Returns one line for each file that could not be
+  /// written.
   std::string write() { return llvm::toString(writeResultFiles(job)); }
 
-  /// All files in the folder, as paths from it.
+  /// All files in the folder, by their paths from there.
   std::vector<std::string> files() const {
     std::vector<std::string> names;
     for (const auto &entry :

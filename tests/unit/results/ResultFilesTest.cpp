@@ -1,4 +1,4 @@
-// Where the files of the results are.
+// Tests of where the result files are.
 
 #include "results/ResultFiles.h"
 

@@ -1,4 +1,4 @@
-// autotune.csv as text, and the line numbers that the report prints.
+// Tests of autotune.csv as text, and of the line numbers that the report shows.
 
 #include "results/Report.h"
 

@@ -1,4 +1,4 @@
-// Names as text on a page: what is kept, and what is written otherwise.
+// Tests of names as text on a page: what is kept, and what is escaped.
 
 #include "results/report/SafeText.h"
 
@@ -71,11 +71,12 @@ TEST(ScriptText, ShowsThatACharacterCannotBeShown) {
 TEST(HtmlText, ShowsEachByteThatIsNoUtf8) {
   EXPECT_EQ(htmlText("\x80"), "&#65533;");
   EXPECT_EQ(htmlText("a\xff\xfe"), "a&#65533;&#65533;");
-  EXPECT_EQ(htmlText("\xc3"), "&#65533;");             // cut short
-  EXPECT_EQ(htmlText("\xc3<"), "&#65533;&#60;");       // swallows nothing
-  EXPECT_EQ(htmlText("\xc0\xbc"), "&#65533;&#65533;"); // "<", too long
+  EXPECT_EQ(htmlText("\xc3"), "&#65533;");       // incomplete
+  EXPECT_EQ(htmlText("\xc3<"), "&#65533;&#60;"); // keeps "<"
+  EXPECT_EQ(htmlText("\xc0\xbc"),
+            "&#65533;&#65533;"); // "<" in an overlong form
   EXPECT_EQ(htmlText("\xed\xa0\x80"),
-            "&#65533;&#65533;&#65533;"); // half a pair
+            "&#65533;&#65533;&#65533;"); // half a surrogate pair
 }
 
 TEST(ScriptText, ShowsEachByteThatIsNoUtf8) {
@@ -83,15 +84,15 @@ TEST(ScriptText, ShowsEachByteThatIsNoUtf8) {
   EXPECT_EQ(scriptText("\xc3\""), "\\uFFFD\\uFF02");
 }
 
-// A browser that guesses the character set may guess wrong.
+// With ASCII alone a browser cannot guess a wrong character set.
 TEST(SafeText, IsAsciiWithoutControlsOrSignsOfHtmlWhateverTheByte) {
   const auto isPlain = [](char c) {
     return c >= ' ' && c <= '~' && c != '<' && c != '>' && c != '"' &&
            c != '\'';
   };
   for (int byte = 0; byte != 256; ++byte)
-    for (const char *behind : {"", "a", "\"", "\x80", "\xbf\xbf\xbf"}) {
-      const std::string name = std::string(1, static_cast<char>(byte)) + behind;
+    for (const char *next : {"", "a", "\"", "\x80", "\xbf\xbf\xbf"}) {
+      const std::string name = std::string(1, static_cast<char>(byte)) + next;
       EXPECT_THAT(htmlText(name), Each(Truly(isPlain))) << byte;
       EXPECT_THAT(scriptText(name), Each(Truly(isPlain))) << byte;
       EXPECT_THAT(scriptText(name), Each(Not('&'))) << byte;

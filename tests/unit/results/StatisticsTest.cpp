@@ -1,5 +1,6 @@
-// Statistics against figures that Python's statistics module gave: fmean for
-// the mean, pstdev for the deviation, median_high for the median.
+// Tests of the statistics, against figures that Python's statistics module
+// gave: fmean for the mean, pstdev for the deviation, median_high for the
+// median.
 
 #include "results/Statistics.h"
 

@@ -1,4 +1,4 @@
-// The table page, byte for byte.
+// Tests of the table page, byte for byte.
 
 #include "results/report/Pages.h"
 
@@ -23,7 +23,7 @@ static std::string pageOf(const RankedConfig &config, LineRange lines = {}) {
       [&](llvm::raw_ostream &out) { writeTablePage(out, config, lines); });
 }
 
-/// What stands behind the column names, without the last tags.
+/// What follows the column names, without the last tags.
 static std::string bodyOf(const RankedConfig &config) {
   const std::string page = pageOf(config);
   const std::string before = "<th>stddev</th>\n";
@@ -33,7 +33,7 @@ static std::string bodyOf(const RankedConfig &config) {
   return page.substr(begin, page.size() - after.size() - begin);
 }
 
-/// The row of a version that ran once and exactly as fast as the original.
+/// The row of a version that ran once, exactly as fast as the original.
 static std::string plainRow(const std::string &name, const std::string &time,
                             const std::string &speedup) {
   std::string row =

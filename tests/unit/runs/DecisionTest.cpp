@@ -1,4 +1,4 @@
-// Decisions on few samples, and how often chance decides.
+// Tests of decisions on few samples, and of how often chance decides.
 
 #include "results/runs/Decision.h"
 
@@ -103,8 +103,8 @@ TEST(Decide, ChoosesTheFirstOfTwoThatAreAlike) {
 
 namespace {
 
-/// Times as they are measured: a common part, noise, and now and then much
-/// more.
+/// Makes times as they are measured: a common part, noise, and now and then a
+/// large disturbance.
 class Clock {
 public:
   Clock(unsigned seed, double spread, double outliers)
@@ -125,7 +125,8 @@ private:
 
 } // namespace
 
-// The original beside twenty exact copies of it.
+// Decides on the original and twenty exact copies of it; returns how often a
+// copy won.
 static int wrongWinners(Clock clock, int configurations) {
   int wrong = 0;
   for (int i = 0; i != configurations; ++i) {

@@ -1,4 +1,4 @@
-// A record with every kind of line.
+// A run record with every kind of line.
 
 #pragma once
 

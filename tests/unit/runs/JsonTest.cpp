@@ -1,4 +1,4 @@
-// JSON that anyone may have written, and numbers in any locale.
+// Tests of JSON that anyone may have written, and of numbers in any locale.
 
 #include "results/runs/Json.h"
 
@@ -71,7 +71,7 @@ TEST(Json, RefusesTextThatIsNestedTooDeep) {
   };
   EXPECT_EQ(reprinted(nested(maxJsonDepth)), nested(maxJsonDepth));
   EXPECT_THAT(reprinted(nested(maxJsonDepth + 2)), HasSubstr("too deep"));
-  // Enough to overflow a stack that follows it.
+  // Deep enough to overflow the stack of a reader that recurses.
   EXPECT_THAT(reprinted(std::string(10'000'000, '[')), HasSubstr("too deep"));
 }
 

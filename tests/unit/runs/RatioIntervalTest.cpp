@@ -1,4 +1,4 @@
-// Intervals against counted orders, and against simulated samples.
+// Tests of intervals, against counted orders and simulated samples.
 
 #include "results/runs/RatioInterval.h"
 
@@ -10,7 +10,7 @@
 using namespace corvane;
 using Samples = std::vector<double>;
 
-// 1, 2, 4, 8 ... and so on.
+// Samples of 1, 2, 4, 8 and so on times the first.
 static Samples powers(int count, double first = 1.0) {
   Samples samples;
   for (int i = 0; i != count; ++i)
@@ -18,8 +18,8 @@ static Samples powers(int count, double first = 1.0) {
   return samples;
 }
 
-// Which of the version's samples, from 1, makes the upper limit over the
-// shortest of the original's.
+// The rank, from 1, of the version's sample that is the dividend of the upper
+// limit; the divisor is the original's shortest.
 static int rankOfLimit(int version, int original, double tail) {
   const std::optional<RatioInterval> interval =
       ratioInterval(powers(version), powers(original), tail);
@@ -58,7 +58,7 @@ TEST(RatioInterval, NeedsEnoughSamples) {
   EXPECT_EQ(rankOfLimit(7, 0, 0.025), 0);
   EXPECT_EQ(rankOfLimit(3, 3, 0.025), 0); // 1 in 20
   EXPECT_EQ(rankOfLimit(2, 7, 0.025), 0); // 1 in 36
-  // As many versions as the documentation says.
+  // The numbers of versions that docs/run-record.md gives.
   EXPECT_EQ(rankOfLimit(4, 4, 0.05 / 3), 4);
   EXPECT_EQ(rankOfLimit(4, 4, 0.05 / 4), 0);
   EXPECT_EQ(rankOfLimit(7, 7, 0.05 / 171), 7);

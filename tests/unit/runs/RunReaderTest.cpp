@@ -1,5 +1,4 @@
-// Records as they were written, as they were cut off, and as somebody made
-// them up.
+// Tests of reading run records: as they were written, cut off, and edited.
 
 #include "results/runs/RunReader.h"
 
@@ -23,7 +22,7 @@ static std::string textOf(const std::vector<RunLine> &lines) {
   return text;
 }
 
-// What a run was made of, written again.
+// The text of the lines that the run was read from.
 static std::string textOf(const RunRecord &run) {
   std::string text = lineText(*run.process);
   for (const auto &[number, line] : run.devices)

@@ -1,4 +1,4 @@
-// The text of each line, to the byte.
+// Tests of the text of each line of a run record, byte for byte.
 
 #include "results/runs/RunWriter.h"
 

@@ -1,4 +1,4 @@
-// From the log to the report, and the end of the state.
+// Tests of the flush: the report is made from the log, and the state ends.
 
 #include "session/Flush.h"
 
@@ -31,7 +31,7 @@ struct Flush : testing::Test {
     ASSERT_TRUE(folder.write("out/.auto.csv", "header\n" + rows));
   }
 
-  /// Flushes and returns what was said on the standard error stream.
+  /// Flushes and returns what was written to standard error.
   static std::string flush() {
     testing::internal::CaptureStderr();
     flushAutotuneResults();
@@ -196,7 +196,7 @@ TEST_F(Flush, DoesNotWaitForTheLockOfTheHistory) {
 
 TEST_F(Flush, IsTheWorkOfOneOfManyThreads) {
   addLog("k,1024,,,64,,,baseline,1.000\n");
-  location.set(nullptr); // each flush that works has one line to say
+  location.set(nullptr); // each flush that does its work writes one line
   testing::internal::CaptureStderr();
   std::vector<std::thread> threads;
   for (int i = 0; i != 8; ++i)

@@ -1,4 +1,4 @@
-// Files that take only a part of what they are given.
+// Tests of files that take only a part of what is written to them.
 
 #include "TestState.h"
 #include "results/Files.h"
@@ -26,7 +26,7 @@ constexpr const char *row = "k,2,,,1,,,baseline,1.000\n";
 
 } // namespace
 
-TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsRoomAgain) {
+TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsSpaceAgain) {
   state.complete(launch, "", 1000);
   const std::string whole = std::string(header) + row;
   {
@@ -39,7 +39,7 @@ TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsRoomAgain) {
                                               "k,2,,,1,,,baseline,3.000\n");
 }
 
-TEST_F(FullDisk, EndsARewriteBehindTheLastRowThatFits) {
+TEST_F(FullDisk, EndsARewriteAfterTheLastRowThatFits) {
   const std::string fitting = std::string(header) + row + row;
   directory.set(nullptr);
   for (int i = 0; i != 5; ++i)
@@ -50,7 +50,7 @@ TEST_F(FullDisk, EndsARewriteBehindTheLastRowThatFits) {
   EXPECT_EQ(folder.read(".auto.csv"), fitting);
 }
 
-TEST_F(FullDisk, EndsNobodyWhoWritesAPage) {
+TEST_F(FullDisk, DoesNotEndTheProcessThatWritesAPage) {
   const std::string path = folder.file("page.html");
   {
     const FileSizeLimit limit(100);

@@ -1,4 +1,4 @@
-// A process may be killed at any moment; its log must hold whole lines.
+// Tests that the log of a process that is killed at any moment has whole rows.
 
 #include "TestState.h"
 #include "tests/support/EnvGuard.h"
@@ -19,9 +19,9 @@ using namespace corvane::test;
 
 namespace {
 
-// The system may stop a write where one page of the file ends and the next
-// begins. No line here lies across such a border, so that nothing but our own
-// way of writing can tear one.
+// The system may stop a write between two pages of the file. This length
+// divides the size of a page, so no line is in two pages, and only our own way
+// of writing can cut one in two.
 constexpr std::size_t lineLength = 64;
 constexpr std::size_t headerLength = 78;
 
@@ -31,8 +31,8 @@ LaunchRecord &launchWithRows(TestState &state, std::size_t length) {
   return state.addLaunch(std::string(length - rest.size(), 'k'), 0, {}, {});
 }
 
-/// Runs \p work in a process of its own and kills it once the file is larger
-/// than \p size. Returns whether that was its end.
+/// Runs \p work in a child process and kills it once the file is larger than
+/// \p size. Returns whether the child ended by that.
 template <typename Work>
 bool killWhenLarger(const std::string &path, std::uintmax_t size, Work work) {
   const pid_t child = fork();
@@ -93,7 +93,7 @@ TEST(KilledProcess, LeavesWholeLinesWhileRewriting) {
   directory.set(folder.text());
   ASSERT_TRUE(killWhenLarger(folder.file(".auto.csv"), 200'000, [&] {
     state.complete(launch, "", 7);
-    for (;;) // it may be through before it is killed
+    for (;;) // the child must not be done before it is killed
       pause();
   }));
   expectWholeLines(folder.read(".auto.csv"));

@@ -1,4 +1,4 @@
-// Whatever locale the application sets, our files stay the same.
+// Tests that our files do not depend on the locale that the application sets.
 
 #include "TestState.h"
 #include "session/Flush.h"
@@ -64,7 +64,7 @@ struct Locale : testing::Test {
   EnvGuard location{"CORVANE_INSTALL_LOCATION", "/opt/x"};
   TestState state;
 
-  /// Runs a kernel, flushes, and looks at all files with numbers in them.
+  /// Runs a kernel, flushes, and checks all files with numbers in them.
   void expectPointsAndNoGroups() {
     LaunchRecord &launch =
         state.addLaunch("k", 1, {1048576, 0, 0}, {1024, 0, 0});

@@ -1,4 +1,4 @@
-// The raw timing log as it grows on disk, byte for byte.
+// Tests of the raw timing log as it grows on disk, byte for byte.
 
 #include "session/LogAppender.h"
 
@@ -128,7 +128,7 @@ TEST_F(LogAppender, IsRecreatedAfterItWasEmptied) {
                                          "a,2,,,1,,,baseline,2.000\n");
 }
 
-TEST_F(LogAppender, IsNotLookedAtBehindItsFirstByte) {
+TEST_F(LogAppender, IsNotLookedAtAfterItsFirstByte) {
   ASSERT_TRUE(folder.write(".auto.csv", "#\n"));
   LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
   state.complete(launch, "", 1000);

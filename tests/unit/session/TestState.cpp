@@ -1,4 +1,4 @@
-// Gives the records no contents, which no test here needs.
+// Defines the record types, without contents: no test here needs any.
 
 #include "TestState.h"
 

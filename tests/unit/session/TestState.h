@@ -19,7 +19,7 @@ public:
   TestState(const TestState &) = delete;
   TestState &operator=(const TestState &) = delete;
 
-  /// The state's launches; they outlive the state.
+  /// The state's launches, which may outlive the state.
   LaunchHistory &history() { return *launches; }
 
   /// Adds a launch without any timings.

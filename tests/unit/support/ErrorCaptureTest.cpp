@@ -1,4 +1,4 @@
-// Tests of what a test can see of the standard error stream and a process end.
+// Tests of the capture of standard error, and of child processes.
 
 #include "tests/support/ErrorCapture.h"
 #include "tests/support/ChildProcess.h"

@@ -1,4 +1,5 @@
-// Tests of the scripted runtime's scripting: failures, programs, transcript.
+// Tests of how the scripted runtime is told what to do: failures, programs,
+// transcript.
 
 #include "tests/support/FakeRuntime.h"
 #include "tests/support/FakeTable.h"
@@ -72,7 +73,7 @@ TEST(FakeRuntime, AnswersForEachBuildWhatWasSaidForIt) {
   EXPECT_EQ(count, 2U);
 }
 
-TEST(FakeRuntime, StopsTheTestAtAnEntryThatNobodyScripted) {
+TEST(FakeRuntime, StopsTheTestAtAnEntryThatWasNotScripted) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   FakeRuntime runtime;
   EXPECT_DEATH(runtime.ownTable().clWaitForEvents(0, nullptr),

@@ -1,4 +1,5 @@
-// Which types the names of kernel arguments mean, and how values are shown.
+// Tests of the types that the names of kernel arguments mean, and of how values
+// are shown.
 
 #include "tuning/ElementType.h"
 

@@ -1,4 +1,4 @@
-// The order in which versions are run while one is looked for.
+// Tests of the order in which the versions of a kernel are measured.
 
 #include "tuning/MeasuringPlan.h"
 
@@ -14,7 +14,8 @@ using testing::Not;
 using testing::SizeIs;
 
 namespace {
-/// Plays a plan. Times of versions are theirs; what is not set succeeds.
+/// Does what a plan asks for, with the times and outcomes that a test has set.
+/// What is not set succeeds.
 struct Play {
   std::vector<double> microseconds;
   std::function<Equality(const PlannedRun &)> equality =
@@ -26,8 +27,8 @@ struct Play {
     return true;
   };
 
-  /// The runs as text: version, then w for a warm-up, r for the reference, c
-  /// where the output was compared.
+  /// The runs as text: the version, then w for a warm-up, r for the reference,
+  /// c if the output was compared.
   std::vector<std::string> through(MeasuringPlan &plan) const {
     std::vector<std::string> runs;
     while (const auto run = plan.next()) {

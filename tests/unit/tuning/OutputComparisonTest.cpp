@@ -1,4 +1,4 @@
-// When two outputs count as equal.
+// Tests of when two outputs count as equal.
 
 #include "tuning/OutputComparison.h"
 

@@ -1,4 +1,4 @@
-// Which programs are seen to have effects besides their buffers.
+// Tests of which programs are found to have effects besides their buffers.
 
 #include "tuning/SourceObstacles.h"
 

@@ -1,4 +1,4 @@
-// What CORVANE_VERIFY may say.
+// Tests of the values of CORVANE_VERIFY.
 
 #include "tuning/Tolerance.h"
 

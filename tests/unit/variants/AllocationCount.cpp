@@ -1,5 +1,6 @@
-// Replaces the program's operator new. In a file of its own, because compilers
-// warn about operator new and delete of which they inline only one.
+// Counts calls to the program's operator new, which this file replaces.
+// Compilers warn about operator new and delete if they can inline only one of
+// them; in a file of their own they can inline neither.
 #include "AllocationCount.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// Which ND ranges a coarsened variant takes, and how it rewrites them.
+// Tests of which ND ranges a coarsened variant takes, and how it rewrites them.
 #include "variants/CoarseRequest.h"
 
 #include <gmock/gmock.h>
@@ -47,7 +47,7 @@ Sizes adjusted(const CoarseRequest &condition, std::size_t global,
   return {global, local};
 }
 
-/// What an item makes; an item that makes nothing ends the test.
+/// The condition that an item makes; ends the test if it makes none.
 CoarseRequest made(char letter, std::initializer_list<std::uint32_t> numbers) {
   const std::unique_ptr<llvm::Transform> condition =
       makeCoarseRequest(letter, numbers);
@@ -219,7 +219,7 @@ TEST(CoarseRequest, TestsSizesInFullWidth) {
 }
 
 TEST(CoarseRequest, MultipliesItsNumbersIn32Bits) {
-  // 65538 * 65538 is 262148 in 32 bits.
+  // In 32 bits 65538 * 65538 is 262148.
   const CoarseRequest wrapped = request(CoarseMode::Global, 65538);
   EXPECT_TRUE(accepts(wrapped, std::size_t{262148} * 65538, 0));
   EXPECT_TRUE(accepts(wrapped, 262148, 0));
@@ -340,7 +340,7 @@ TEST(CoarseRequest, PrecedesByTheFirstNumberThatDiffers) {
       request(CoarseMode::Global, 3, 2, 1),
       request(CoarseMode::Global, 3, 2, 2),
       request(CoarseMode::Coarse, 1, 1, 1),
-      // As unsigned numbers, the largest.
+      // The largest unsigned number:
       request(CoarseMode::Coarse, 4294967295U, 1, 1)};
   for (const CoarseRequest &a : ascending)
     for (const CoarseRequest &b : ascending)

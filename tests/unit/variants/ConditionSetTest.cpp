@@ -1,5 +1,5 @@
-// Tests of the owning set: order, equivalents, and restrictions, of which the
-// latest comes first.
+// Tests of the set of conditions: its order, equivalent conditions, and
+// restrictions, of which the latest comes first.
 #include "variants/Transform.h"
 
 #include "ProbeCondition.h"

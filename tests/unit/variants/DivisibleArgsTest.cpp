@@ -1,4 +1,5 @@
-// Divisibility of scalar arguments, and the order of such conditions.
+// Tests of the divisibility of scalar arguments, and of the order of such
+// conditions.
 #include "variants/ArgumentConditions.h"
 
 #include <gmock/gmock.h>
@@ -26,7 +27,7 @@ bool accepts(const DivisibleArgs &condition, std::uint32_t index, Value value) {
   return condition.acceptsArgument(index, sizeof value, &value);
 }
 
-/// What an item makes; an item that makes nothing ends the test.
+/// The condition that an item makes; ends the test if it makes none.
 DivisibleArgs made(std::initializer_list<std::uint32_t> numbers) {
   const std::unique_ptr<llvm::Transform> condition =
       makeDivisibleArgs('d', numbers);
@@ -77,7 +78,7 @@ TEST(DivisibleArgs, ReadsEightBytesAsAWhole) {
   const DivisibleArgs eight = with({{0, 8}});
   EXPECT_TRUE(accepts(eight, 0, std::uint64_t{1} << 40));
   EXPECT_FALSE(accepts(eight, 0, (std::uint64_t{1} << 40) + 4));
-  // Divides neither half alone: 2^32 + 2 is 3 * 1431655766.
+  // 3 divides neither half of the value alone: 2^32 + 2 is 3 * 1431655766.
   EXPECT_TRUE(accepts(with({{0, 3}}), 0, (std::uint64_t{1} << 32) + 2));
 }
 
@@ -180,7 +181,7 @@ TEST(DivisibleArgsOrder, FindsEqualOnesEquivalent) {
   EXPECT_FALSE(with({}).precedes(with({})));
 }
 
-/// The same order, found by a walk over all argument indices from 0 on.
+/// The order of two conditions, found by trying all argument indices from 0 on.
 bool walkPrecedes(const Divisors &mine, const Divisors &other) {
   if (mine.size() < other.size())
     return true;
@@ -239,7 +240,7 @@ TEST(DivisibleArgsOrder, IsThatOfAWalkOverAllIndices) {
 }
 
 TEST(DivisibleArgsOrder, CostsNoMoreForHighIndices) {
-  // A walk over the indices would take hours for these rounds.
+  // Trying all indices would take hours for these rounds.
   for (std::uint32_t round = 0; round < 10000; ++round) {
     const DivisibleArgs low = with({{4294967294U, 2}, {4294967295U, round}});
     const DivisibleArgs high =

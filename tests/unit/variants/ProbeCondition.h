@@ -8,7 +8,7 @@
 
 namespace corvane::test {
 
-/// What a probe and its clones share; outlives them all.
+/// What a probe and its clones have been asked; outlives them all.
 struct ProbeLog {
   std::vector<std::string> asked; ///< the names of those asked, in order
   int alive = 0;                  ///< probes that exist now

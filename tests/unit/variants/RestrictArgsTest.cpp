@@ -10,7 +10,7 @@ using llvm::RestrictArgs;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What an item makes; an item that makes nothing ends the test.
+/// The condition that an item makes; ends the test if it makes none.
 RestrictArgs made(std::initializer_list<std::uint32_t> numbers) {
   const std::unique_ptr<llvm::Transform> condition =
       makeRestrictArgs('r', numbers);

@@ -103,7 +103,7 @@ TEST(ReadNumbers, KeepsTheBitPatternOfANegativeNumber) {
   EXPECT_THAT(readNumbers("-1S4"), ElementsAre(4294967295U, 4U));
 }
 
-TEST(ItemText, JoinsTheNumbersBehindTheLetter) {
+TEST(ItemText, JoinsTheNumbersAfterTheLetter) {
   EXPECT_EQ(itemText('g', {0, 4}), "g0S4");
   EXPECT_EQ(itemText('r', {3}), "r3");
 }

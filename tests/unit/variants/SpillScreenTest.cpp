@@ -1,4 +1,4 @@
-// Which build logs flag a variant.
+// Tests of which build logs flag a variant.
 #include "variants/SpillScreen.h"
 
 #include "variants/VariantName.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Screens a copy, as the log is spoilt.
+/// Screens a copy, because the screen changes the log.
 bool flags(std::string log) { return corvane::screenBuildLog(log.data()); }
 
 TEST(SpillScreen, FlagsAVariantFourWordsAfterTheCompileWord) {
@@ -60,7 +60,8 @@ TEST(SpillScreen, NeedsTheCompileWordToTheLetter) {
 }
 
 TEST(SpillScreen, DoesNotStartAtAWordThatACompileWordTook) {
-  // The second one would flag, but it is among the first one's four.
+  // The second compile word would flag the log, but it is among the four words
+  // after the first one.
   EXPECT_FALSE(flags("calclCompile a calclCompile c d e k_coarsed_g0S4"));
   EXPECT_FALSE(flags("calclCompile a b c calclCompile e f g k_coarsed_g0S4"));
 }
@@ -101,7 +102,7 @@ TEST(SpillScreen, PassesALogThatEndsInsideAWarning) {
   EXPECT_FALSE(flags("Warning: k_coarsed_g0S4 a"));
 }
 
-/// The same question asked of a list of words.
+/// The same decision, made on a list of words.
 bool wordsFlag(const std::vector<std::string> &words) {
   bool flagged = false;
   for (std::size_t i = 0; i < words.size(); ++i)

@@ -1,4 +1,4 @@
-// The order of conditions, and what a condition does by default.
+// Tests of the order of conditions, and of what a condition does by default.
 #include "variants/Transform.h"
 
 #include "variants/CoarseRequest.h"

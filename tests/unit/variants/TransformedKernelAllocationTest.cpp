@@ -1,4 +1,4 @@
-// Tests that the questions of a launch allocate nothing.
+// Tests that asking the conditions of a variant allocates nothing.
 #include "AllocationCount.h"
 #include "variants/VariantName.h"
 

@@ -1,4 +1,5 @@
-// Variant records: text, questions, copies, and the rewriting of a launch.
+// Tests of variant records: text, questions, copies, and the rewriting of a
+// launch.
 #include "variants/TransformedKernel.h"
 
 #include "ProbeCondition.h"
@@ -34,7 +35,8 @@ struct Argument {
 TransformedKernelAgent parsed(llvm::StringRef name) {
   const auto record = parseVariantName(name);
   EXPECT_NE(record, nullptr) << name.str();
-  // No conditions rather than no record: a failed test must not crash.
+  // For a name that is none, a record without conditions: a failing test must
+  // not crash.
   return record ? TransformedKernelAgent(record->baseName, record->conditions)
                 : TransformedKernelAgent("", Conditions());
 }

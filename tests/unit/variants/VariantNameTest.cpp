@@ -1,4 +1,4 @@
-// Kernel names: which are variants' names, and what they say.
+// Tests of which kernel names are variants' names, and of what they say.
 #include "variants/VariantName.h"
 
 #include "variants/CoarseRequest.h"
