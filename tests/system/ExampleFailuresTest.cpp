@@ -1,4 +1,4 @@
-// How the examples behave when something is wrong.
+// Tests of how the examples behave when something is wrong.
 
 #include "tests/support/TempFolder.h"
 #include "tests/system/ExampleRun.h"

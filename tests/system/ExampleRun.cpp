@@ -1,4 +1,5 @@
-// Running an example with layers, and what reached the OpenCL runtime.
+// Starts an example in a child process, and parses what it and the observer
+// wrote.
 
 #include "tests/system/ExampleRun.h"
 #include "tests/support/TempFolder.h"
@@ -64,7 +65,7 @@ test::ExampleRun test::runExample(const std::vector<std::string> &command,
   std::vector<std::string> words = command;
   words[0] = exampleProgram(command[0]);
   Environment all = changes;
-  // The loader puts the layer named last next to the application.
+  // The layer that is named last is the first one that calls pass.
   all["OPENCL_LAYERS"] =
       std::string(OBSERVER_FILE) + (layers.empty() ? "" : ":" + layers);
   all["LAUNCH_OBSERVER_FILE"] = folder.file("launches");

@@ -1,4 +1,4 @@
-// Running an example with layers, and what reached the OpenCL runtime.
+// Runs an example with layers, and tells what reached the OpenCL runtime.
 
 #pragma once
 
@@ -13,15 +13,16 @@ std::string exampleProgram(const std::string &name);
 std::string layerLibrary();
 std::string agentLibrary();
 
-/// The copy of the layer that lies beside a test agent.
+/// The copy of the layer in the folder of a test agent.
 std::string layerBeside(const std::string &testAgent);
 
-/// Equal launches that followed each other.
+/// A launch, and how many equal ones came in a row.
 struct Launches {
   size_t count;
   std::string kernel, globalSize, localSize;
 
-  /// Whether the other launches are like these, however many they are.
+  /// Whether the other launches are equal to these; their number does not
+  /// count.
   bool sameAs(const Launches &other) const {
     return kernel == other.kernel && globalSize == other.globalSize &&
            localSize == other.localSize;
@@ -39,14 +40,15 @@ struct ExampleRun {
   std::vector<Launches> launches;   ///< as they reached the runtime
 };
 
-/// Runs an example below \p layers, a list separated by colons that may be
-/// empty, and above a layer that observes the launches.
+/// Runs an example with \p layers, a list separated by colons that may be
+/// empty, and with a layer between those and the runtime that observes the
+/// launches.
 ExampleRun runExample(const std::vector<std::string> &command,
                       const std::string &layers,
                       const Environment &changes = {});
 
-/// Fails the test unless the example says that all of \p results rows of
-/// launches gave right values.
+/// Fails the test unless the example has printed \p results rows, all of them
+/// with right values.
 void expectAllRight(const ExampleRun &run, size_t results);
 
 } // namespace corvane::test

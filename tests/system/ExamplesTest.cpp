@@ -1,4 +1,4 @@
-// The examples, without and with the agent, on a real OpenCL runtime.
+// Tests of the examples, without and with the agent, on a real OpenCL runtime.
 
 #include "examples/blur/Landscape.h"
 #include "tests/support/TempFolder.h"
@@ -9,7 +9,7 @@
 using namespace corvane::test;
 using testing::ElementsAre;
 
-// Part of the interface, byte for byte.
+// The warning is part of the interface, byte for byte.
 static const char refusal[] =
     "Corvane's kernel cannot be launch due to incompatible ND range values or "
     "non-expected input scalar values\n";
@@ -147,7 +147,8 @@ TEST(AutotunedExample, RunsEveryVariantThatFitsAndThenTheOriginal) {
   expectAllRight(run, 2);
   const Launches variant = {1, "matmul_coarsed_g0S4d3S4", "16x64", "16x4"};
   const Launches original = {1, "matmul", "64x64", "16x4"};
-  // The second product does not fit, so its launches follow the last original.
+  // No variant accepts the second product, so its launches are of the kernel,
+  // too.
   const Launches lastOriginals = {4, "matmul", "64x64", "16x4"};
   EXPECT_THAT(run.launches, ElementsAre(variant, original, variant, original,
                                         variant, lastOriginals));

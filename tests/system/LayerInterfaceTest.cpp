@@ -1,4 +1,4 @@
-// The layer's two exports, called by a loader that the test plays.
+// Tests of the layer's two exports, called by a loader that the test plays.
 
 #include "tests/support/TempFolder.h"
 #include "tests/system/ExampleRun.h"
@@ -21,8 +21,8 @@ namespace {
 
 constexpr size_t knownEntries = sizeof(cl_icd_dispatch) / sizeof(void *);
 
-/// A layer beside the agent that tries every operation. Both are copies that
-/// only this test has, for either remembers that it was started.
+/// A layer with an agent that tries every operation. Both are copies that only
+/// this test has, because they start only once.
 class InspectedLayer : public testing::Test {
 protected:
   /// What the agent found, or null when it was not loaded.
@@ -155,7 +155,7 @@ TEST_F(InspectedLayer, SpeaksToASecondLoaderOnlyOfEntriesThatItHas) {
   EXPECT_EQ(layer.init(loaderTableOf(agentEntries)).count, agentEntries);
 }
 
-// So does a loader that was told of the layer twice.
+// A loader does this if OPENCL_LAYERS names the layer twice.
 TEST_F(InspectedLayer, PassesATableThroughThatLeadsToItselfAlready) {
   const LoadedLayer::Answer first = layer.init(loaderTableOf(knownEntries));
   std::vector<void *> second;
@@ -216,7 +216,7 @@ TEST_F(InspectedLayer, TellsItsName) {
             std::string("CorvaneLayer", sizeof("CorvaneLayer")));
 }
 
-TEST_F(InspectedLayer, RefusesAQuestionItDoesNotKnowOrHasNoRoomToAnswer) {
+TEST_F(InspectedLayer, RefusesAQueryThatItDoesNotKnowOrThatIsTooSmall) {
   char capacity[64] = "untouched";
   size_t size = 7;
   EXPECT_EQ(layer.getLayerInfo(0x4242, sizeof(capacity), capacity, &size),

@@ -1,4 +1,5 @@
-// The application runs on, told why in one line, when the agent cannot start.
+// Tests that the application runs on, after one line that says why, when the
+// agent cannot start.
 
 #include "tests/support/TempFolder.h"
 #include "tests/system/ExampleRun.h"
@@ -12,8 +13,8 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// Runs an example under \p layer and expects what it would do without one,
-/// besides one line about \p reason.
+/// Runs an example with \p layer and expects what it would do without one, and
+/// one line about \p reason.
 static void expectUntouched(const std::string &layer,
                             const std::string &reason) {
   const ExampleRun run =

@@ -1,4 +1,4 @@
-// What the built libraries export, read back from the files.
+// Tests of what the built libraries export, read from the files.
 
 #include "tests/system/ExampleRun.h"
 

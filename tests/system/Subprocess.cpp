@@ -1,4 +1,4 @@
-// Running another program and catching all that it says.
+// Starts a child process whose output goes to files, and waits for it.
 
 #include "tests/system/Subprocess.h"
 #include "tests/support/TempFolder.h"

@@ -1,4 +1,4 @@
-// Running another program and catching all that it says.
+// Runs another program and returns all that it writes.
 
 #pragma once
 
@@ -18,8 +18,8 @@ struct ProgramRun {
 };
 
 /// Runs a program, looked up in the search path if \p command has no slash, and
-/// waits for it. It does not inherit what would configure the agent or the
-/// OpenCL loader's layers. A program that cannot be run fails the test.
+/// waits for it. It does not inherit the variables that configure the agent or
+/// the OpenCL loader's layers. A program that cannot be run fails the test.
 ProgramRun runProgram(const std::vector<std::string> &command,
                       const Environment &changes = {});
 

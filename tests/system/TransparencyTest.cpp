@@ -1,4 +1,4 @@
-// A program that asks for everything sees no difference.
+// Tests that a program that asks for everything sees no difference.
 
 #include "tests/system/ExampleRun.h"
 

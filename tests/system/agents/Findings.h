@@ -22,12 +22,12 @@ struct Findings {
 
 using FindingsFunction = const Findings *(CL_API_CALL *)();
 
-/// The table of the agent: entry i leads to this address.
+/// Entry \p index of the table that the agent installs.
 inline void *agentEntry(unsigned index) {
   return reinterpret_cast<void *>(static_cast<size_t>(0xa0000 + index));
 }
 
-/// Tries to install that table once more, after `clAgent_OnLoad`.
+/// Tries to install the agent's table once more, after `clAgent_OnLoad`.
 using InstallFunction = cl_int(CL_API_CALL *)();
 
 } // namespace corvane::test

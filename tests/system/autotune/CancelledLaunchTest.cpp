@@ -1,5 +1,5 @@
-// A program cancels what its launches wait for. The variants' saves and
-// restores wait for it as well.
+// Tests of a program that cancels the event that its launches wait for. The
+// saves and restores around the variants wait for it as well.
 
 #include "tests/system/autotune/HostRun.h"
 

@@ -1,4 +1,4 @@
-// What the diagnostic log tells of an autotuning run.
+// Tests of what the diagnostic log says of an autotuning run.
 
 #include "tests/system/autotune/HostRun.h"
 

@@ -1,5 +1,6 @@
-// What becomes of the results when the output directory is spoilt while
-// the program runs. Nothing is said, and no result of the program's changes.
+// Tests of the results when the output directory is disturbed while the program
+// runs. Nothing is written to standard error, and the program's results stay
+// right.
 
 #include "tests/system/autotune/HostRun.h"
 #include "tests/system/autotune/RunningHost.h"
@@ -23,7 +24,7 @@ protected:
   std::string directory() const { return folder.file("out"); }
   std::string log() const { return directory() + "/.auto.csv"; }
 
-  /// Waits until a launch of the program's is over.
+  /// Waits until one of the program's launches is over.
   void launchOver() {
     const std::string results = alone.readLine();
     EXPECT_NE(results, "");
@@ -57,7 +58,7 @@ protected:
   void makeRoomOnDisk() { tuned.limitFiles(RLIM_INFINITY); }
 
 private:
-  // A program that breaks the limit on files is not told by a signal.
+  // The program ignores the signal that a write beyond the limit raises.
   static std::vector<std::string>
   deafToLimits(std::vector<std::string> command) {
     command.insert(command.begin(),
@@ -112,8 +113,8 @@ TEST_F(DisturbedOutput, GetsEveryRowOnceItIsBack) {
   EXPECT_TRUE(std::filesystem::exists(directory() + "/main.html"));
 }
 
-// No user, not even root, can write to a log whose name
-// a folder has.
+// While the log's name is that of a folder, no user can write to the log, not
+// even root.
 TEST_F(DisturbedOutput, GetsEveryRowOnceItCanBeWrittenToAgain) {
   std::filesystem::remove(log());
   std::filesystem::create_directory(log());
@@ -134,7 +135,7 @@ TEST_F(DisturbedOutput, MayEndWithAFileInItsPlace) {
   EXPECT_EQ(readBytes(directory()), "not a folder");
 }
 
-TEST_F(DisturbedOutput, KeepsNoPartOfALineThatTheDiskHasNoRoomFor) {
+TEST_F(DisturbedOutput, KeepsNoPartOfALineThatTheDiskHasNoSpaceFor) {
   nextLaunch();
   const std::string before = readBytes(log());
   fillDisk();

@@ -1,4 +1,4 @@
-// Running one of these tests' own OpenCL programs, with and without the agent.
+// Runs a host program and compares what it does with what it does alone.
 
 #include "tests/system/autotune/HostRun.h"
 

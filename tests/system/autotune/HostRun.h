@@ -1,4 +1,4 @@
-// Running one of these tests' own OpenCL programs, with and without the agent.
+// Runs one of the OpenCL programs in hosts/, without and with the agent.
 
 #pragma once
 
@@ -13,18 +13,19 @@ std::vector<std::string>
 hostProgram(const std::string &name,
             const std::vector<std::string> &words = {});
 
-/// What every run needs: kernels that were compiled once are kept for all.
+/// The variables of every run: kernels that were compiled once are kept for
+/// all.
 Environment withoutAgent();
 
-/// The layer, and so the agent; nothing is autotuned.
+/// The same with the layer, and so with the agent, in normal mode.
 Environment withAgent();
 
-/// The layer, with results below \p directory.
+/// The same in autotuning mode, with results in \p directory.
 Environment autotuning(const std::string &directory);
 
-/// Runs a program with the agent autotuning and reads the log it left. The
-/// program's results and exit code must be as without the agent, and nothing
-/// may be said.
+/// Runs a program in autotuning mode and reads the log that it has left. Fails
+/// the test unless results and exit code are as without the agent and nothing
+/// was written to standard error.
 TimingLog autotune(const std::vector<std::string> &command,
                    const TempFolder &results);
 

@@ -1,4 +1,4 @@
-// A program that is killed in the middle leaves a log that can be read.
+// Tests that a program that is killed leaves a log that can be read.
 
 #include "tests/system/autotune/HostRun.h"
 #include "tests/system/autotune/RunningHost.h"
@@ -14,20 +14,20 @@ using namespace corvane::test;
 
 namespace {
 
-/// The same moments in every run of the tests.
+/// Chooses the same moments in every run of the tests.
 std::mt19937 random(unsigned seed) { return std::mt19937(20240521u + seed); }
 
 class KilledProgram : public testing::TestWithParam<unsigned> {
 protected:
   KilledProgram() {
-    // Whatever is compiled now cannot be killed half-way later on.
+    // Compiles all kernels, so that no compilation is killed later.
     const ProgramRun run =
         runProgram(hostProgram("many", {"1"}), autotuning(results.text()));
     EXPECT_EQ(run.exitCode, 0) << run.err;
     EXPECT_TRUE(results.has("autotune.csv"));
   }
 
-  /// More launches than any machine gets done before it is told to stop.
+  /// A program with more launches than any machine gets done before the kill.
   static std::vector<std::string> endless() {
     return hostProgram("many", {"10000000"});
   }

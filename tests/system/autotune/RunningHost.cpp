@@ -1,4 +1,4 @@
-// A program that goes on while the test does something else.
+// Starts a child process with pipes and variables, and signals it.
 
 #include "tests/system/autotune/RunningHost.h"
 
@@ -16,8 +16,8 @@
 
 using namespace corvane::test;
 
-// The program must neither inherit the agent's variables nor lose what the
-// machine needs, so what it may have is named.
+// The program must not inherit the agent's variables but may need others of
+// this machine, so those that it inherits are listed.
 static std::vector<std::string> variablesOf(const Environment &environment) {
   std::vector<std::string> all;
   for (const char *name :
@@ -125,7 +125,7 @@ void RunningHost::limitFiles(unsigned long bytes) const {
 }
 
 void RunningHost::kill() {
-  // To the system, -1 stands for every process there is.
+  // To the system, -1 means all processes.
   if (child <= 0)
     return;
   ::kill(child, SIGKILL);

@@ -1,4 +1,4 @@
-// A program that goes on while the test does something else.
+// A program that runs while the test does something else.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace corvane::test {
 
-/// One child process, killed and forgotten at the end if it is still there.
+/// One child process, which is killed at the end if it still runs.
 class RunningHost {
 public:
   /// Starts a program with \p environment and little else. A program that
@@ -20,27 +20,27 @@ public:
   RunningHost(const RunningHost &) = delete;
   RunningHost &operator=(const RunningHost &) = delete;
 
-  /// Waits for a whole line of the program's output; without its line feed.
-  /// Empty when the program has ended.
+  /// Waits for a whole line of the program's output and returns it without its
+  /// line feed; empty when the program has ended.
   std::string readLine();
 
   /// Sends the program an empty line.
   void goOn();
 
-  /// Sends the end of the input, waits, and returns the exit code.
+  /// Closes the program's input, waits for its end, and returns the exit code.
   int end();
 
-  /// Whether it has not ended by itself.
+  /// Whether the program has not ended by itself.
   bool isRunning() const;
 
   /// Lets no file that the program writes grow beyond \p bytes, as if the disk
   /// were full. The program must ignore the signal that comes with it.
   void limitFiles(unsigned long bytes) const;
 
-  /// Kills the program as nothing can prevent.
+  /// Kills the program by a signal that it cannot catch.
   void kill();
 
-  /// What the program said on the error stream so far.
+  /// What the program has written to standard error so far.
   std::string errors() const { return folder.read("err"); }
 
 private:

@@ -1,5 +1,5 @@
-// Programs that let several commands work on one buffer at the same time have
-// the results that they would have alone.
+// Tests that programs in which several commands work on one buffer at the same
+// time have the results that they have alone.
 
 #include "tests/system/autotune/HostRun.h"
 
@@ -16,7 +16,7 @@ class WorkOnTheOtherHalf : public testing::TestWithParam<const char *> {};
 TEST_P(WorkOnTheOtherHalf, IsNotUndone) {
   const TempFolder results;
   const TimingLog log = autotune(hostProgram("halves", {GetParam()}), results);
-  // Nothing is in the way of the first launch, at least.
+  // At least the first launch is tuned, because nothing is in flight.
   EXPECT_THAT(log.rows.size(), Ge(1u));
   for (const auto &[launch, versions] : log.rows)
     for (const auto &[version, count] : versions)
@@ -33,14 +33,15 @@ INSTANTIATE_TEST_SUITE_P(Of, WorkOnTheOtherHalf,
 TEST(ThreadsThatShareABuffer, HaveTheResultsThatTheyWouldHaveAlone) {
   const TempFolder results;
   const TimingLog log = autotune(hostProgram("crowd"), results);
-  // Those of the last rounds, at least, were not in the way of each other.
+  // At least some launches of the last rounds did not disturb each other.
   EXPECT_EQ(log.rows.size(), 1u);
 }
 
 TEST(LaunchesThatWaitForTheApplication, RunAloneAndComeToAnEnd) {
   const TempFolder results;
   const TimingLog log = autotune(hostProgram("gates"), results);
-  // Those of 64 wait for what the application has yet to do.
+  // The launches with a local size of 64 wait for an event of the
+  // application's.
   EXPECT_EQ(log.rows.count("accumulate,1024,,,64,,"), 0u);
   const auto &tuned = log.rows.at("accumulate,1024,,,32,,");
   EXPECT_EQ(tuned.at("baseline"), 1u);

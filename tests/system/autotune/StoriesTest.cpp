@@ -1,5 +1,5 @@
-// Programs that use memory, queues and threads in every way get the results
-// that they would get alone, and every accepting version is timed.
+// Tests that programs that use memory, queues and threads in every way get the
+// results that they get alone, and that every accepting version is timed.
 
 #include "tests/system/autotune/HostRun.h"
 
@@ -18,7 +18,7 @@ struct Story {
   std::vector<std::string> command;
   int exitCode;
   size_t results;  ///< lines that the program prints
-  size_t warnings; ///< launches whose arguments no version takes
+  size_t warnings; ///< launches whose arguments a condition refuses
   RowCounts rows;
 };
 

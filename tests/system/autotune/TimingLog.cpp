@@ -1,4 +1,4 @@
-// The raw timing log as a test sees it: rows checked one by one, and counted.
+// Checks and counts the rows of a raw timing log.
 
 #include "tests/system/autotune/TimingLog.h"
 #include "tests/system/Subprocess.h"
@@ -35,7 +35,8 @@ static bool isTime(const std::string &text) {
          isDecimal(text.substr(point + 1));
 }
 
-/// Sizes stand from the first dimension on, as many global as local ones.
+/// Whether sizes are given from the first dimension on, as many global as local
+/// ones.
 static bool areSizes(const std::vector<std::string> &fields) {
   bool ended = false;
   for (size_t d = 1; d <= 3; ++d) {

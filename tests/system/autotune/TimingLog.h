@@ -1,4 +1,4 @@
-// The raw timing log as a test sees it: rows checked one by one, and counted.
+// The raw timing log as a test sees it: how often each version was timed.
 
 #pragma once
 

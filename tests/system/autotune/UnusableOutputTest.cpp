@@ -1,4 +1,4 @@
-// Output directories that take nothing from the start.
+// Tests of output directories that take nothing from the start.
 
 #include "tests/system/autotune/HostRun.h"
 

@@ -1,5 +1,5 @@
 // A loader's layer that starts the agent as a runtime with an agent interface
-// would, and makes nothing good: what programs meet is the bare agent.
+// would, and corrects nothing: programs see the bare agent.
 
 #include "tests/host/AgentHost.h"
 
@@ -25,7 +25,7 @@ static bool startAgent(const cl_icd_dispatch &loaders) {
   return true;
 }
 
-// The loader asks for nothing else.
+// The loader makes no other query.
 extern "C" cl_int CL_API_CALL clGetLayerInfo(cl_layer_info name,
                                              size_t capacity, void *value,
                                              size_t *length) {

@@ -1,4 +1,5 @@
-// Libraries that are closed while the runtime still has something of theirs.
+// Tests of libraries that are closed while the runtime still has a callback or
+// a table of theirs.
 
 #include "tests/support/EnvGuard.h"
 #include "tests/support/FakeRuntime.h"

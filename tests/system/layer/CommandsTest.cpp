@@ -1,5 +1,5 @@
-// Commands beside autotuned launches, over a runtime in which nothing but wait
-// lists orders two commands and everything runs when the test says.
+// Tests of commands beside autotuned launches, over a runtime in which only
+// wait lists order two commands and each runs when the test says.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -85,7 +85,7 @@ protected:
   std::vector<std::string> launches() {
     return runtime.transcript({"clEnqueueNDRangeKernel"});
   }
-  /// All commands, the youngest first where wait lists allow.
+  /// Runs all commands, the youngest first if wait lists allow.
   void runYoungestFirst() {
     while (runtime.runLast()) {
     }
@@ -193,7 +193,7 @@ TEST_F(LayeredCommands, BeforeWhatALaunchWaitsForLeaveItToBeTuned) {
 }
 
 TEST_F(LayeredCommands, EndBeforeALaunchThatWaitsForAnotherOne) {
-  // The first is not ordered before the third, but for the one in between.
+  // Only the second command orders the first before the third.
   EXPECT_EQ(write(outOfOrder), CL_SUCCESS);
   cl_event second = nullptr;
   EXPECT_EQ(write(outOfOrder, &second), CL_SUCCESS);
@@ -293,7 +293,7 @@ TEST_F(LayeredCommands, HaveNoEventsWhenAllIsOver) {
   EXPECT_EQ(cl().clFinish(inOrder), CL_SUCCESS);
   EXPECT_EQ(cl().clFinish(beside), CL_SUCCESS);
   EXPECT_EQ(cl().clFinish(outOfOrder), CL_SUCCESS);
-  // That of the first launch is the application's.
+  // The event that is left is the application's, of the first launch.
   EXPECT_THAT(runtime.alive("event"), SizeIs(1));
 }
 
@@ -328,7 +328,7 @@ TEST_F(LayeredCommands, TellTheApplicationItsOwnReferencesToAnEvent) {
 }
 
 TEST_F(LayeredCommands, OfAnotherThreadWaitUntilATunedLaunchIsEnqueued) {
-  // In the middle of a launch another thread writes to the same queue.
+  // Another thread writes to the same queue during the call of a launch.
   std::thread other;
   runtime.whenCalled("clEnqueueReadBuffer", [&] {
     if (!other.joinable())

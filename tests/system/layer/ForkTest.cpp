@@ -1,4 +1,4 @@
-// A process that is forked while another thread changes what the layer
+// Tests of a process that is forked while another thread changes what the layer
 // remembers.
 
 #include "tests/system/layer/ScriptedLayer.h"
@@ -13,7 +13,7 @@
 
 using namespace corvane::test;
 
-// A runtime without any lock or memory of its own.
+// Plays a runtime that has no lock and remembers nothing.
 static cl_command_queue CL_API_CALL createQueue(cl_context, cl_device_id,
                                                 const cl_queue_properties *,
                                                 cl_int *) {
@@ -52,7 +52,8 @@ static bool callsSucceed(const cl_icd_dispatch &cl, cl_command_queue queue) {
          cl.clReleaseCommandQueue(queue) == CL_SUCCESS;
 }
 
-// A child that hangs is ended by a signal, long after any other would be done.
+// Forks a child that makes the calls. A child that hangs is ended by a signal,
+// at a time when any other child is long done.
 static int exitCodeOfFork(const cl_icd_dispatch &cl, cl_command_queue queue) {
   const pid_t child = fork();
   if (child == 0) {

@@ -1,4 +1,5 @@
-// All kernels of a program at once, where a real runtime cannot show it.
+// Tests of the creation of all kernels of a program at once, by a runtime that
+// is made to fail.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -21,10 +22,10 @@ protected:
     return program;
   }
 
-  cl_int createAll(cl_program program, cl_uint room) {
+  cl_int createAll(cl_program program, cl_uint size) {
     kernels.fill(nullptr);
     count = 77;
-    return cl().clCreateKernelsInProgram(program, room, kernels.data(), &count);
+    return cl().clCreateKernelsInProgram(program, size, kernels.data(), &count);
   }
 
   std::array<cl_kernel, 5000> kernels{};
@@ -54,7 +55,7 @@ TEST_F(LayeredKernelLists, AreCreatedWithTheirVariants) {
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
 }
 
-TEST_F(LayeredKernelLists, AreNotCreatedWhereTheyHaveNoRoom) {
+TEST_F(LayeredKernelLists, AreNotCreatedInAnArrayThatIsTooSmall) {
   cl_program program = builtProgram();
   EXPECT_EQ(createAll(program, 1), CL_INVALID_VALUE);
   EXPECT_EQ(count, 77u);
@@ -64,7 +65,8 @@ TEST_F(LayeredKernelLists, AreNotCreatedWhereTheyHaveNoRoom) {
 
 TEST_F(LayeredKernelLists, LeaveNoKernelBehindWhenOneCannotBeCreated) {
   cl_program program = builtProgram();
-  // The kernel, its variant, and then the other kernel.
+  // The third creation fails: after the kernel and its variant, the other
+  // kernel's.
   runtime.answer("clCreateKernel", CL_OUT_OF_HOST_MEMORY, 3);
   EXPECT_EQ(createAll(program, 2), CL_OUT_OF_HOST_MEMORY);
   EXPECT_EQ(count, 77u);
@@ -72,7 +74,7 @@ TEST_F(LayeredKernelLists, LeaveNoKernelBehindWhenOneCannotBeCreated) {
   EXPECT_THAT(runtime.alive("kernel"), IsEmpty());
 }
 
-// The agent makes room for 4096 kernels first.
+// The agent first asks for 4096 kernels.
 TEST_F(LayeredKernelLists, AreWholeAndWithoutVariantsHoweverLong) {
   ProgramScript script = runtime.sourceMakes();
   for (int i = 0; i < 4100; ++i)

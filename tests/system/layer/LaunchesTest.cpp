@@ -1,5 +1,5 @@
-// Launches and kernels when the agent has written its results at a context's
-// release.
+// Tests of launches and kernels after the agent has written its results at a
+// context's release.
 
 #include "tests/system/layer/LayeredRuntime.h"
 

@@ -17,7 +17,7 @@
 
 namespace corvane::test {
 
-/// Each test has copies of layer and agent, for a layer starts once.
+/// Each test has copies of layer and agent, because a layer starts only once.
 class LayeredRuntime : public testing::Test {
 protected:
   using Variables = std::vector<std::pair<std::string, std::string>>;
@@ -34,7 +34,7 @@ protected:
   /// test and loads, the first time; change `runtime.ownTable()` before.
   const cl_icd_dispatch &load(const Variables &variables = {});
 
-  /// The same in autotuning mode, below the test's own folder.
+  /// The same in autotuning mode, with results in the test's own folder.
   const cl_icd_dispatch &loadAutotuning(Variables variables = {});
 
   const cl_icd_dispatch &cl() { return load(); }
@@ -48,7 +48,7 @@ protected:
   cl_int build(cl_program program);
   std::string kernelNames(cl_program program);
 
-  /// The kernels that live while one is there that the application creates.
+  /// Creates and releases a kernel; returns which kernels existed in between.
   std::vector<std::string> createKernel(cl_program program, const char *name);
 
   FakeRuntime runtime;

@@ -1,4 +1,5 @@
-// Buffers made by a list of properties, and all other newer entries.
+// Tests of buffers made by a list of properties, and of all other newer
+// entries.
 
 #include "tests/system/layer/ScriptedLayer.h"
 

@@ -1,5 +1,5 @@
-// Notifications of builds and links, by runtimes of other manners than those at
-// hand.
+// Tests of the notifications of builds and links, by runtimes that behave
+// otherwise than PoCL.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-/// The call that tells the application, and how many kernels it finds then.
+/// A notification of the application, and how many kernels it found then.
 struct Heard {
   unsigned times = 0;
   cl_program program = nullptr;
@@ -49,7 +49,7 @@ protected:
 using Notify = void(CL_CALLBACK *)(cl_program, void *);
 
 /// A runtime that returns at once from a build or link with a notification. It
-/// works and notifies when the test says, on one thread for everything.
+/// builds and notifies when the test says, on its only thread.
 class LayeredLateRuntime : public LayeredNotifications {
 protected:
   LayeredLateRuntime() {
@@ -60,8 +60,8 @@ protected:
   }
   ~LayeredLateRuntime() override { EXPECT_THAT(work, IsEmpty()); }
 
-  /// Runs what there is to do for the runtime's thread, oldest first, also what
-  /// is added meanwhile.
+  /// Runs the tasks of the runtime's thread, oldest first, also those that are
+  /// added meanwhile.
   static void runCallbackThread() {
     std::thread([] {
       for (; !work.empty(); work.pop_front())
@@ -82,7 +82,7 @@ protected:
   static inline std::deque<std::function<void()>> work;
 
 private:
-  // The program lives until the build is over, whoever releases it.
+  // The program exists until the build is over, although it may be released.
   static cl_int CL_API_CALL buildLater(cl_program program, cl_uint count,
                                        const cl_device_id *devices,
                                        const char *options, Notify notify,
@@ -109,7 +109,7 @@ private:
     return CL_SUCCESS;
   }
 
-  // What is linked is there at once; only the notification takes its time.
+  // The program is linked at once; only its notification comes later.
   static cl_program CL_API_CALL linkNow(cl_context context, cl_uint count,
                                         const cl_device_id *devices,
                                         const char *options, cl_uint inputCount,
@@ -138,7 +138,8 @@ TEST_F(LayeredLateRuntime, HasBuiltWhenTheApplicationHearsOfIt) {
               ElementsAre("kernel k", "kernel k_coarsed_g0S4"));
 }
 
-// The agent has the runtime build once more when a log complains of a variant.
+// The agent has the runtime build once more when a log says that a variant
+// spills.
 TEST_F(LayeredLateRuntime, HasBuiltTwiceWhenTheApplicationHearsOfIt) {
   loadAutotuning();
   withVariant(runtime.sourceMakes())
@@ -234,7 +235,7 @@ TEST_F(LayeredLateRuntime, LeavesNoRecordOfAProgramThatIsReleasedWhileSeen) {
 }
 
 namespace {
-/// A runtime that refuses a build, and notifies of it all the same, later.
+/// A runtime that refuses a build and nevertheless notifies of it, later.
 class LayeredContraryRuntime : public LayeredLateRuntime {
 protected:
   LayeredContraryRuntime() { runtime.ownTable().clBuildProgram = refuse; }
@@ -265,7 +266,8 @@ TEST_F(LayeredNotifications, ComeForABuildThatFails) {
   EXPECT_EQ(heard.times, 1u);
 }
 
-// The agent has the runtime build once more when a log complains of a variant.
+// The agent has the runtime build once more when a log says that a variant
+// spills.
 TEST_F(LayeredNotifications, ComeOnceForABuildThatTookTwo) {
   loadAutotuning();
   withVariant(runtime.sourceMakes())
@@ -308,7 +310,7 @@ TEST_F(LayeredNotifications, DoNotComeForACallThatTheRuntimeRefuses) {
   EXPECT_EQ(heard.times, 0u);
 }
 
-// Whoever is notified may use OpenCL as anywhere else.
+// A notification function may make OpenCL calls.
 TEST_F(LayeredNotifications, MayBuildAndReleaseTheProgram) {
   static const cl_icd_dispatch *calls = nullptr;
   withVariant(runtime.sourceMakes());

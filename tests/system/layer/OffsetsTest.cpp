@@ -1,4 +1,4 @@
-// Launches with a global offset, which no variant can stand in for.
+// Tests of launches with a global offset, which are the kernel's own.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -11,7 +11,8 @@ using testing::IsEmpty;
 namespace {
 class LayeredOffsets : public LayeredRuntime {
 protected:
-  /// Creates "k" with its variant; loads in normal mode unless that was done.
+  /// Creates "k" with its variant; first loads in normal mode if that was not
+  /// done.
   void createKernelWithVariant() {
     withVariant(runtime.sourceMakes());
     cl_program program = createProgram();
@@ -57,7 +58,7 @@ TEST_F(LayeredOffsets, ReachTheApplicationsKernelInAutotuningMode) {
   createKernelWithVariant();
   const size_t offset = 64;
   EXPECT_EQ(launch(&offset), CL_SUCCESS);
-  // The event is the layer's, which keeps launches apart.
+  // The event is the layer's, by which it keeps launches apart.
   EXPECT_THAT(launches(),
               ElementsAre("clEnqueueNDRangeKernel(queue 1, kernel k, 1, [64], "
                           "[64], [16], [], event 1)"));
@@ -75,7 +76,7 @@ TEST_F(LayeredOffsets, CountInEveryDimension) {
 
 TEST_F(LayeredOffsets, OfZeroLeaveTheLaunchToAVariant) {
   createKernelWithVariant();
-  const std::array<size_t, 3> offset{0, 0, 1}; // the last is not looked at
+  const std::array<size_t, 3> offset{0, 0, 1}; // the third does not count
   EXPECT_EQ(launch(offset.data(), 2), CL_SUCCESS);
   EXPECT_THAT(
       launches(),

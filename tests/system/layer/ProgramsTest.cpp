@@ -1,5 +1,5 @@
-// What becomes of a program's variants when it is retained, released, built
-// again, or gone.
+// Tests of the variants of a program that is retained, released, built again,
+// or gone.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -32,7 +32,8 @@ TEST_F(LayeredPrograms, AreStillHeldAfterAReleaseThatFailed) {
   EXPECT_EQ(kernelNames(program), "k;other");
 }
 
-// A runtime may hold a kernel of its own a little longer than the application.
+// A runtime may hold a reference to a kernel a little longer than the
+// application.
 TEST_F(LayeredPrograms, AreBuiltWhenTheRuntimeHasLetGoOfTheirKernels) {
   withVariant(runtime.sourceMakes());
   cl_program program = createProgram();
@@ -51,7 +52,7 @@ TEST_F(LayeredPrograms, AreNotBuiltWhileTheyHaveKernels) {
   testing::internal::GetCapturedStderr();
 }
 
-// The agent hears of the last release, and reports what came of it.
+// The agent gets the last release, and reports its failure.
 TEST_F(LayeredPrograms, AreNotHeldMoreAfterARetainThatFailed) {
   cl_program program = createProgram();
   runtime.answer("clRetainProgram", CL_OUT_OF_RESOURCES, 1);
@@ -129,7 +130,7 @@ TEST_F(LayeredPrograms, HaveTheVariantsOfTheirLastBuild) {
               ElementsAre("kernel k", "kernel k_coarsed_g0S2"));
 }
 
-// The agent passes over a build whose log complains of a variant.
+// The agent takes no variants from a build whose log says that one spills.
 TEST_F(LayeredPrograms, HaveNoVariantsOfAnEarlierBuildWhenTheLastIsPassedOver) {
   withVariant(runtime.sourceMakes())
       .thenBuilt()

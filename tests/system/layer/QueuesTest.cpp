@@ -1,4 +1,4 @@
-// Queues by OpenCL 1.2's call, on a device that has no times to give.
+// Tests of queues made by OpenCL 1.2's call, on a device without profiling.
 
 #include "tests/system/layer/LayeredRuntime.h"
 

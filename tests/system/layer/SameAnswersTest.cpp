@@ -1,5 +1,5 @@
-// A program that carries variants is told, under the agent, what it would be
-// told alone without them; and its variants run all the same.
+// Tests that a program with variants is told, under the agent, what it would be
+// told alone without them; and that its variants run nevertheless.
 
 #include "tests/system/autotune/HostRun.h"
 
@@ -22,8 +22,8 @@ struct Story {
   const char *name;
   std::string program;
   std::string part;
-  /// What the program would have alone where nothing is autotuned: the agent
-  /// looks at linked programs only when it autotunes.
+  /// The options of the program alone that the normal mode is compared with:
+  /// the agent finds variants in linked programs only when it autotunes.
   const char *aloneInNormalMode;
   size_t variantsLaunched; ///< in normal mode
   RowCounts rows;
@@ -161,7 +161,8 @@ private:
     return folder.string();
   }
 
-  // The agent may report what the runtime refused, and that no variant fits.
+  // Without the lines in which the agent reports what the runtime refused, and
+  // that no variant accepts a launch.
   static std::vector<std::string> withoutReports(const std::string &text) {
     std::vector<std::string> lines = linesOf(text);
     lines.erase(std::remove_if(lines.begin(), lines.end(),
@@ -182,7 +183,7 @@ TEST_P(SameAnswers, AloneAndInNormalMode) {
   const ProgramRun alone = run(GetParam().aloneInNormalMode, withoutAgent());
   ProgramRun normal = run(withVariants, environment);
 
-  // How long the log is, at the process's end.
+  // At its end the process has written the length of the log.
   const std::string log = folder.read("log");
   const std::string length = std::to_string(log.size()) + "\n";
   ASSERT_GE(normal.err.size(), length.size());

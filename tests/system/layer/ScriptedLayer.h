@@ -1,4 +1,4 @@
-// The layer over the scripted loader, as the tests of the newer calls use it.
+// The layer over the scripted loader, for the tests of the newer calls.
 
 #pragma once
 
@@ -20,8 +20,8 @@ inline constexpr size_t plainBufferEntry =
     indexOf(offsetof(cl_icd_dispatch, clCreateBuffer));
 inline constexpr size_t agentsEntries = 119;
 
-/// A layer over the scripted loader, beside an agent that marks the buffers it
-/// sees. Each test has a copy, for a layer starts once.
+/// A layer over the scripted loader, with an agent that marks the buffers that
+/// it sees. Each test has a copy, because a layer starts only once.
 class NewerCalls : public testing::Test {
 protected:
   NewerCalls() {

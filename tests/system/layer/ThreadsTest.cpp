@@ -1,4 +1,4 @@
-// Many threads at once: what the layer remembers belongs to all of them.
+// Tests of the layer on many threads at once.
 
 #include "tests/system/layer/LayeredRuntime.h"
 
@@ -30,7 +30,7 @@ protected:
       thread.join();
   }
 
-  /// In the middle of one thread's work.
+  /// Whether one thread ends the agent in the middle of its work.
   std::atomic<bool> endsTheAgent{false};
 
 private:
@@ -113,7 +113,7 @@ TEST_F(LayeredThreads, LeaveNothingBehindWhenTheResultsAreWrittenMeanwhile) {
 }
 
 namespace {
-/// Something happens on another thread while the runtime builds or links.
+/// Has another thread do something while the runtime builds or links.
 class LayeredBuilds : public LayeredRuntime {
 protected:
   void inCall(const char *entry, std::function<void()> action) {

@@ -1,4 +1,4 @@
-// What the small OpenCL programs of these tests have in common.
+// OpenCL's steps for the small programs: each ends the program when it fails.
 
 #include "tests/system/autotune/hosts/Host.h"
 

@@ -44,7 +44,7 @@ private:
   Program program;
 };
 
-/// Numbers that look random and depend on \p seed alone.
+/// Pseudo-random numbers that depend on \p seed alone.
 Values someValues(size_t count, cl_uint seed);
 
 void setArgument(cl_kernel kernel, cl_uint index, cl_mem value);
@@ -57,19 +57,19 @@ void setAccumulate(const Kernel &kernel, cl_mem y, cl_mem x, cl_uint factor);
 Event launch(cl_command_queue queue, const Kernel &kernel, size_t global,
              size_t local, const std::vector<cl_event> &waits = {});
 
-/// Waits for all commands of \p queue, and until the runtime has told whoever
-/// wanted to hear of their completion.
+/// Waits for all commands of \p queue, and until the runtime has called all
+/// callbacks about their completion.
 void finish(cl_command_queue queue);
 
 /// How many references to \p kernel the runtime counts.
 cl_uint referencesTo(cl_kernel kernel);
 
 /// Finishes \p queue and waits until \p kernel has \p references again, as many
-/// as before it was launched. A runtime may let go of a kernel only after it
-/// has told that the launch is over, and refuses to build a program meanwhile.
+/// as before it was launched. A runtime may release its own reference some time
+/// after the launch is over, and refuses to build the program until then.
 void finish(cl_command_queue queue, cl_kernel kernel, cl_uint references);
 
-/// All values of a buffer, once those events have come.
+/// All values of a buffer, after those events.
 Values read(cl_command_queue queue, cl_mem buffer, size_t count,
             const std::vector<cl_event> &waits = {});
 

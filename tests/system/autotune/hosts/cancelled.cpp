@@ -8,8 +8,8 @@ using namespace hosts;
 
 static constexpr size_t count = 1024;
 
-// Each round has a queue of its own: what a runtime makes of a queue in which a
-// command failed is not what is asked here.
+// Each round has a queue of its own, because a runtime may refuse further
+// commands in a queue in which one has failed.
 static void cancel(const Session &session, const Kernel &kernel,
                    cl_command_queue_properties properties) {
   const Queue queue = session.queue(properties);

@@ -23,7 +23,7 @@ struct Shared {
 };
 } // namespace
 
-// Only events order the commands of a round: any queue will do for each.
+// One round. Its commands are ordered by events alone, so any queue will do.
 static void work(const Shared &shared, cl_uint number) {
   const Queue own = shared.session.queue();
   const cl_command_queue queues[] = {own.get(), shared.inOrder.get(),
@@ -64,7 +64,7 @@ int main() {
     thread.join();
   check(clFinish(shared.inOrder.get()), "clFinish");
   check(clFinish(shared.outOfOrder.get()), "clFinish");
-  work(shared, 0); // with nothing beside it
+  work(shared, 0); // while no other thread works
   print("y", read(shared.inOrder.get(), shared.y.get(), threadCount * part));
   finish(shared.inOrder.get());
   finish(shared.outOfOrder.get());

@@ -1,5 +1,5 @@
-// Lets launches wait for what the application does later, in every way that
-// the application may still expect to come to an end.
+// Lets launches wait for a user event that the application completes later, in
+// every way in which the application may expect that all comes to an end.
 
 #include "tests/system/autotune/hosts/Host.h"
 
@@ -54,8 +54,8 @@ static void await(const Event &event) {
   check(clWaitForEvents(1, events), "clWaitForEvents");
 }
 
-// A launch waits for the application; a transfer of another queue that the
-// application waits for before comes first.
+// A launch waits for a user event. The application completes the event only
+// after a transfer in another queue is over.
 static void gateInTheWaitList(const Work &work) {
   const Queue queues[] = {work.session.queue(), work.session.queue()};
   const Event gate = work.gate();
@@ -67,7 +67,7 @@ static void gateInTheWaitList(const Work &work) {
   work.printAll("wait list");
 }
 
-// The same, but it is a command before the launch that waits.
+// The same, but a command before the launch in its queue waits for the event.
 static void gateInFrontInTheQueue(const Work &work) {
   const Queue queues[] = {work.session.queue(), work.session.queue()};
   const Event gate = work.gate();
@@ -84,7 +84,8 @@ static void gateInFrontInTheQueue(const Work &work) {
   work.printAll("in front");
 }
 
-// The wait goes through a command of a third queue.
+// The same, but the launch waits for a command in a third queue, which waits
+// for the event.
 static void gateBeyondAnotherQueue(const Work &work) {
   const Queue queues[] = {work.session.queue(), work.session.queue(),
                           work.session.queue()};
@@ -99,7 +100,8 @@ static void gateBeyondAnotherQueue(const Work &work) {
   work.printAll("beyond");
 }
 
-// A barrier of a queue out of order holds what comes later.
+// The same, but a barrier before the launch in a queue out of order waits for
+// the event.
 static void gateAtABarrier(const Work &work) {
   const Queue queue =
       work.session.queue(CL_QUEUE_OUT_OF_ORDER_EXEC_MODE_ENABLE);
@@ -121,7 +123,8 @@ static void CL_CALLBACK openGate(cl_event, cl_int, void *gate) {
         "clSetUserEventStatus");
 }
 
-// The launch's own end opens the gate for the next command.
+// A callback at the end of the launch completes the event that the next command
+// waits for.
 static void gateOpenedByACallback(const Work &work) {
   const Queue queues[] = {work.session.queue(), work.session.queue()};
   const Event gate = work.gate();
@@ -137,7 +140,8 @@ static void gateOpenedByACallback(const Work &work) {
   work.printAll("callback");
 }
 
-// Nothing orders the two but what keeps them apart: both must come to an end.
+// Blocking transfers beside launches on the same buffer. The application orders
+// neither after the other; all must come to an end.
 static void blockingBesideLaunches(const Work &work) {
   const Queue queues[] = {
       work.session.queue(), work.session.queue(),
@@ -146,7 +150,7 @@ static void blockingBesideLaunches(const Work &work) {
   setAccumulate(work.kernel, other.get(), work.x.get(), 3);
   for (int i = 0; i != 8; ++i) {
     work.run(queues[0], 16);
-    // Unflushed before: a wait for it must flush it.
+    // The launch was not flushed; the wait for it must flush it.
     (void)read(queues[1].get(), work.x.get(), count);
     const Event run = work.run(queues[2], 8);
     (void)read(queues[2].get(), work.x.get(), count);

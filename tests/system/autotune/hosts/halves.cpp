@@ -13,7 +13,7 @@ static constexpr size_t half = size_t{1} << 16;
 static constexpr size_t bytes = half * sizeof(cl_uint);
 
 namespace {
-/// A kernel at work on the left half; x holds the other operand.
+/// A kernel that works on the left half; x is the other operand.
 struct LeftHalf {
   Session session;
   Queue left = session.queue();
@@ -24,7 +24,7 @@ struct LeftHalf {
   LeftHalf() { setAccumulate(kernel, y.get(), x.get(), 3); }
 };
 
-/// Work on the right half in the round of that number.
+/// Works on the right half, in the round of that number; returns its event.
 using Work = std::function<Event(LeftHalf &, cl_uint)>;
 } // namespace
 
@@ -54,7 +54,7 @@ static Event copy(LeftHalf &host, cl_uint) {
   return Event(event);
 }
 
-// Written through the pointer while the launch may still run.
+// Writes through the pointer while the launch may still run.
 static Event map(LeftHalf &host, cl_uint round) {
   cl_int status = CL_SUCCESS;
   void *region =
@@ -92,7 +92,7 @@ static Event uploadToPart(LeftHalf &host, cl_uint round) {
   return Event(event);
 }
 
-// A kernel that works on the right half; its versions are run, too.
+// Launches a kernel on the right half; its versions are run, too.
 static Event launchOnRight(LeftHalf &host, cl_uint) {
   const Kernel kernel = host.session.kernel("accumulatePart");
   setAccumulate(kernel, host.y.get(), host.x.get(), 5);
@@ -117,7 +117,7 @@ static Work workNamed(const std::string &name) {
   };
 }
 
-// First the launch, then the work beside it; then the other way round.
+// In turns, the launch comes before or after the work beside it.
 int main(int argumentCount, char **arguments) {
   examples::setProgramName("halves");
   const Work work = workNamed(argumentCount > 1 ? arguments[1] : "upload");

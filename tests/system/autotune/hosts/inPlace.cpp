@@ -75,5 +75,5 @@ int main() {
   grid(session, queue.get());
   negate(session, queue.get());
   finish(queue.get());
-  return 3; // no code that a crash or a loader would give
+  return 3; // a crash or a loader would give another code
 }

@@ -6,7 +6,7 @@ using namespace hosts;
 
 static constexpr size_t count = 1024;
 
-// One buffer goes to and fro between two queues, each launch after the last.
+// Launches on one buffer in two queues in turn, each launch after the last.
 static void takeTurns(const Session &session, cl_mem x) {
   const Queue queues[] = {session.queue(), session.queue()};
   const Kernel kernel = session.kernel("accumulate");
@@ -24,7 +24,7 @@ static void takeTurns(const Session &session, cl_mem x) {
   finish(queues[1].get());
 }
 
-// Two queues work at the same time, and both read one buffer.
+// Launches in two queues at the same time, which read the same buffer.
 static void sideBySide(const Session &session, cl_mem x) {
   const Queue queues[] = {session.queue(), session.queue()};
   const Buffer results[] = {session.bufferOf(someValues(count, 3)),
@@ -40,7 +40,7 @@ static void sideBySide(const Session &session, cl_mem x) {
   }
 }
 
-// Only events order what happens here.
+// Launches in a queue out of order, ordered by events alone.
 static void outOfOrder(const Session &session, cl_mem x) {
   const Queue queue = session.queue(CL_QUEUE_OUT_OF_ORDER_EXEC_MODE_ENABLE);
   const Kernel kernel = session.kernel("accumulate");

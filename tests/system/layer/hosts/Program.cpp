@@ -1,4 +1,4 @@
-// Programs as these tests build them, with all that an application can ask.
+// Makes programs from the kernels of these tests, and prints what they compute.
 
 #include "tests/system/layer/hosts/Program.h"
 

@@ -6,7 +6,8 @@
 
 namespace hosts {
 
-/// What the test wants of the compiler: nothing, or to leave the variants out.
+/// Build options that the test wants: none, or those that leave the variants
+/// out.
 extern std::string commonOptions;
 
 /// Reads the arguments of `main`: the common options, if any.
@@ -23,11 +24,11 @@ cl_int build(const Session &session, const Program &program,
 Program compiledProgram(const Session &session,
                         const std::string &options = "");
 
-/// Launches a kernel of one buffer, "negate" or one like it, and prints what it
-/// made.
+/// Launches a kernel of one buffer, "negate" or one like it, and prints the
+/// result.
 void runNegate(const Session &session, cl_kernel kernel);
 
-/// Launches "accumulate" over 1024 and prints what it made.
+/// Launches "accumulate" over 1024 work-items and prints the result.
 void runAccumulate(const Session &session, cl_kernel kernel, size_t local);
 
 /// The kernel's name.

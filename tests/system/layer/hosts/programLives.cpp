@@ -14,7 +14,7 @@ static Kernel make(cl_program program, const char *name) {
   return kernel;
 }
 
-// The first reference goes before the first kernel comes.
+// Releases the first of two references before a kernel is created.
 static void keepRetained(const Session &session) {
   Program program = sourceProgram(session);
   check(build(session, program), "clBuildProgram");
@@ -24,7 +24,7 @@ static void keepRetained(const Session &session) {
   runAccumulate(session, make(second.get(), "accumulate").get(), 64);
 }
 
-// The kernel outlives its program.
+// Releases the program before its kernel.
 static void keepKernel(const Session &session) {
   Program program = sourceProgram(session);
   check(build(session, program), "clBuildProgram");
@@ -33,15 +33,15 @@ static void keepKernel(const Session &session) {
   runAccumulate(session, kernel.get(), 32);
 }
 
-// Programs of two kinds take turns at one address; only the ones of one kind
-// have variants.
+// Makes programs of two kinds in turn, which may get the same handle; only
+// those of one kind have variants.
 static void takeTurns(const Session &session) {
   for (int round = 0; round < 6; ++round) {
     const Program program = sourceProgram(session);
     const bool plain = round % 2 == 0;
     check(build(session, program, plain ? "-DWITHOUT_VARIANTS" : ""),
           "clBuildProgram");
-    // Two builds, one release.
+    // Builds some programs twice; they are released once.
     if (round >= 4)
       check(build(session, program, plain ? "-DWITHOUT_VARIANTS" : ""),
             "clBuildProgram");
@@ -69,7 +69,7 @@ static void link(const Session &session) {
   }
 }
 
-// What a program was built with at last is what its kernels have.
+// A program's kernels are those of its last build.
 static void buildAgain(const Session &session) {
   const Program program = sourceProgram(session);
   check(build(session, program), "clBuildProgram");

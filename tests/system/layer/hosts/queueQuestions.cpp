@@ -10,8 +10,8 @@ using namespace hosts;
 static void tellProperties(cl_command_queue queue) {
   cl_command_queue_properties properties[2] = {77, 77};
   size_t length = 77;
-  const auto ask = [&](size_t room, void *value) {
-    return clGetCommandQueueInfo(queue, CL_QUEUE_PROPERTIES, room, value,
+  const auto ask = [&](size_t capacity, void *value) {
+    return clGetCommandQueueInfo(queue, CL_QUEUE_PROPERTIES, capacity, value,
                                  &length);
   };
   std::printf("  properties: small %d", ask(4, properties));
@@ -25,9 +25,9 @@ static void tellProperties(cl_command_queue queue) {
 static void tellList(cl_command_queue queue) {
   cl_queue_properties list[8] = {77, 77, 77, 77, 77, 77, 77, 77};
   size_t length = 77;
-  const auto ask = [&](size_t room, void *value) {
-    return clGetCommandQueueInfo(queue, CL_QUEUE_PROPERTIES_ARRAY, room, value,
-                                 &length);
+  const auto ask = [&](size_t capacity, void *value) {
+    return clGetCommandQueueInfo(queue, CL_QUEUE_PROPERTIES_ARRAY, capacity,
+                                 value, &length);
   };
   std::printf("  list: alone %d", ask(0, nullptr));
   std::printf(" length %zu", length);
@@ -40,8 +40,8 @@ static void tellList(cl_command_queue queue) {
 
 static void tellTimes(cl_event event) {
   cl_ulong time = 77;
-  const auto ask = [&](cl_profiling_info name, size_t room, void *value) {
-    return clGetEventProfilingInfo(event, name, room, value, nullptr);
+  const auto ask = [&](cl_profiling_info name, size_t capacity, void *value) {
+    return clGetEventProfilingInfo(event, name, capacity, value, nullptr);
   };
   std::printf("  times: %d", ask(CL_PROFILING_COMMAND_END, sizeof time, &time));
   std::printf(" some %d", time != 77);
@@ -57,7 +57,7 @@ static void tell(const char *what, const Session &session, cl_int status,
   tellProperties(queue.get());
   tellList(queue.get());
 
-  // A queue that is kept is the same queue.
+  // A retained queue answers as before.
   check(clRetainCommandQueue(queue.get()), "clRetainCommandQueue");
   check(clReleaseCommandQueue(queue.get()), "clReleaseCommandQueue");
   tellProperties(queue.get());
@@ -111,7 +111,7 @@ int main(int argumentCount, char **arguments) {
   tellNew("new with times", session, withTimes);
   tellNew("new unknown", session, unknown);
 
-  // Handles come again, with other wishes.
+  // New queues may get the handles of old ones, with other properties.
   for (int round = 0; round < 4; ++round)
     tellOld("again", session, round % 2 == 0 ? timed : 0);
   std::printf(

@@ -27,7 +27,7 @@ __kernel void triple_coarsed_g0S4(__global uint *y) {
 
 static constexpr size_t count = 1024;
 
-/// A call of the opened loader.
+/// An entry point of the loader that was opened.
 #define CALL(name) reinterpret_cast<decltype(&::name)>(dlsym(loader, #name))
 
 /// The runtime's own table, which every object begins with.
@@ -37,7 +37,7 @@ static const cl_icd_dispatch &dispatchOf(Handle object) {
 }
 
 namespace {
-/// What goes on when the loader has been closed.
+/// What is still running when the loader has been closed.
 struct Running {
   cl_event gate = nullptr;
   cl_event end = nullptr;

@@ -1,4 +1,4 @@
-// Goes on working in one context when another one is released.
+// Works in one context before and after another one is released.
 
 #include "tests/system/layer/hosts/Program.h"
 
@@ -22,7 +22,7 @@ static void launchAll(const Session &session, const Kernel &kernel) {
   const Buffer x = session.bufferOf(someValues(count, 2));
   setAccumulate(kernel, y.get(), x.get(), 5);
   const Queue queue = session.queue();
-  // With an event and without, waited for and not.
+  // Launches with and without an event, with and without a wait list.
   const Event first = launch(queue.get(), kernel, count, 64);
   const size_t local = 32;
   cl_event waits[] = {first.get()};
@@ -77,7 +77,7 @@ int main(int argumentCount, char **arguments) {
     const Kernel last(early.release());
     launchAll(session, last);
   }
-  // Impossible while a kernel lives, whoever holds it.
+  // This fails if anything still holds a kernel of the program.
   check(build(session, program, "-DMORE_KERNELS"), "clBuildProgram");
   return 0;
 }
