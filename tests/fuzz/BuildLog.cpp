@@ -1,4 +1,4 @@
-// Build logs: any text.
+// Fuzzes the screening of build logs with any text.
 
 #include "tests/fuzz/Input.h"
 #include "variants/SpillScreen.h"
@@ -25,7 +25,7 @@ static Words wordsOf(const std::string &log) {
   return words;
 }
 
-// The same answer from a list of all words.
+// Decides the same from a list of all words.
 static bool isFlagged(const Words &words) {
   bool flagged = false;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -40,7 +40,8 @@ static bool isFlagged(const Words &words) {
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-  // A copy of the exact size, so that a read beyond its end is seen.
+  // The copy has the exact size, so that a sanitizer notices a read past its
+  // end.
   std::vector<char> log(data, data + size);
   log.push_back('\0');
   const std::string text = log.data();

@@ -1,4 +1,4 @@
-// A chain of folders called "d".
+// Makes a chain of folders that are all called "d".
 
 #include "tests/fuzz/DeepFolder.h"
 
@@ -26,7 +26,7 @@ std::string DeepFolder::contained(std::string_view path) const {
   return std::string(path);
 }
 
-// A name that an input has made up may be the chain's own.
+// The name of an input's file may be that of the chain's folders.
 void DeepFolder::empty() const {
   for (fs::path folder = top;; folder /= link) {
     for (const auto &entry : fs::directory_iterator(folder))

@@ -1,4 +1,4 @@
-// A current directory from which no path that an input makes up leads out.
+// A current directory that no path of an input leads out of.
 
 #pragma once
 
@@ -9,9 +9,8 @@
 
 namespace corvane::fuzz {
 
-/// Makes a chain of folders and goes to its end: the first of them is so far up
-/// that a path with fewer than `depth` times ".." stays below it. One a
-/// process.
+/// Makes a chain of `depth` folders and goes to its end. A path with fewer ".."
+/// stays inside the chain. One a process.
 class DeepFolder {
 public:
   DeepFolder();
@@ -21,11 +20,11 @@ public:
   /// The most bytes that contained() takes.
   static constexpr std::size_t mostBytes = 3 * depth - 1;
 
-  /// \p path, with absolute paths made relative to the end of the chain. The
-  /// empty one as well: it becomes absolute when a file is looked for in it.
+  /// \p path, made relative to the end of the chain if it is absolute or empty:
+  /// with a file's name after it, an empty path becomes absolute.
   std::string contained(std::string_view path) const;
 
-  /// Removes all that is in the folders but the chain.
+  /// Removes everything in the folders except the chain.
   void empty() const;
 
 private:

@@ -1,5 +1,5 @@
-// Values of the environment variables, before the load and while the
-// application runs, under one short story.
+// Fuzzes the values of the environment variables, before the load and while an
+// application runs.
 //
 // An input is pieces of text, each ended by a zero byte. The first letter of a
 // piece says what becomes of its variable; the others are the value.
@@ -36,7 +36,7 @@ static bool isDirectory(const char *name) {
   return name == variable::autotune || name == variable::autotuneShadow;
 }
 
-// "-": undefined; "+": so long that no path can be; else as it is.
+// "-": undefined; "+": too long for any path; anything else: the text itself.
 static Value readValue(const char *name, Input &input,
                        const DeepFolder &folder) {
   const std::string_view piece = input.textUntil('\0');

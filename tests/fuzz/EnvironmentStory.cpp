@@ -1,4 +1,4 @@
-// Each step says what the variables, as they are then, must lead to.
+// The steps of the application. Each checks what the variables must lead to.
 
 #include "tests/fuzz/EnvironmentStory.h"
 
@@ -91,7 +91,7 @@ void Story::launch() {
     check(kernels + variants == 1, "kernel or variant run");
 }
 
-// Whether a flush has made the results, now that there was one.
+// Checks whether the flush has made the results.
 void Story::checkFlush(ErrorText &errors, bool had) {
   const std::string said = errors.take();
   if (!had || !tuning) {

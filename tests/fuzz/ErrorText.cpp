@@ -1,4 +1,4 @@
-// A file in the place of the standard error stream.
+// Puts a file in the place of standard error, and reads it.
 
 #include "tests/fuzz/ErrorText.h"
 
@@ -23,7 +23,7 @@ ErrorText::ErrorText(const std::string &file) : path(file) {
 std::string ErrorText::take() {
   std::fflush(stderr);
   std::string text = test::readBytes(path);
-  // What is written next is appended wherever the end is by then.
+  // The file is open for appending, so the next write goes to its new start.
   if (!text.empty())
     check(test::writeBytes(path, ""), "the error text can be emptied");
   return text;

@@ -1,4 +1,4 @@
-// What one input makes the library write on the standard error stream.
+// Collects what the library writes to standard error for one input.
 
 #pragma once
 
@@ -6,12 +6,12 @@
 
 namespace corvane::fuzz {
 
-/// The descriptor of the stream that failures are told on, if that is not the
-/// one that ErrorText finds; for fuzzers, which make their own arrangements.
+/// The descriptor to which failures are written, if it is not the one that
+/// ErrorText finds; for fuzzers, which redirect standard error themselves.
 extern int streamForFailures;
 
-/// From its making on, file descriptor 2 is a file. One a process, for as long
-/// as the process lives; fail() still reaches whoever started it.
+/// Makes file descriptor 2 a file, until the process ends. One a process.
+/// fail() still writes to what standard error was.
 class ErrorText {
 public:
   explicit ErrorText(const std::string &path);

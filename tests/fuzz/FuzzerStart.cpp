@@ -8,8 +8,8 @@
 
 using namespace corvane::fuzz;
 
-// The fuzzer and the sanitizers go on talking to the stream as it was: a target
-// may put a file in its place.
+// Has the fuzzer and the sanitizers write to standard error as it is now,
+// because a target may put a file in its place.
 static void keepErrorStream(int &count, char **&arguments) {
   streamForFailures = dup(STDERR_FILENO);
   static char option[] = "-close_fd_mask=2";

@@ -1,4 +1,4 @@
-// Bytes as choices.
+// Reads numbers and texts from the bytes of an input.
 
 #include "tests/fuzz/Input.h"
 #include <algorithm>

@@ -9,11 +9,11 @@
 
 namespace corvane::fuzz {
 
-/// Ends the process, and with it the search, with \p text. A condition that
-/// must hold is told in the words of what must be true.
+/// Ends the process, and with it the search, with \p text. The text is the
+/// condition that should have held.
 [[noreturn]] void fail(const std::string &text);
 
-/// What fail() does first, if not null: makes way for its message.
+/// What fail() calls first, if not null; restores the stream for its message.
 extern void (*beforeFailing)();
 
 inline void check(bool holds, const char *text) {

@@ -1,4 +1,4 @@
-// A folder of the process's own that every input finds empty.
+// A folder of this process that is emptied for every input.
 
 #pragma once
 
@@ -8,7 +8,7 @@
 
 namespace corvane::fuzz {
 
-/// Lives as long as the process; a search that is killed does not remove it.
+/// Kept until the process ends. A search that is killed does not remove it.
 class OutputFolder {
 public:
   OutputFolder() = default;

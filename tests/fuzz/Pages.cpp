@@ -60,8 +60,8 @@ Files corvane::fuzz::makeFiles(const std::vector<RankedConfig> &configs,
   return files;
 }
 
-// The same configuration with names that mean nothing anywhere. The number in
-// the kernel keeps their pages apart.
+// The same configuration with harmless names. The number in the kernel's name
+// keeps the pages of configurations apart.
 static RankedConfig masked(const RankedConfig &config, std::size_t number) {
   RankedConfig mask = config;
   for (std::string *field : mask.launchKey.fields())
@@ -74,7 +74,7 @@ static RankedConfig masked(const RankedConfig &config, std::size_t number) {
   return mask;
 }
 
-// All that gives a page its form.
+// The characters of a page that give it its form.
 static std::string formOf(const std::string &page) {
   std::string form;
   for (const char c : page)
@@ -85,7 +85,7 @@ static std::string formOf(const std::string &page) {
 
 static bool isPlain(char c) { return (c >= ' ' && c <= '~') || c == '\n'; }
 
-// Those of our lines, and characters by number.
+// Whether all escapes are those of our own lines, or characters by number.
 static bool escapesAreOurs(const std::string &page) {
   for (std::size_t at = page.find("\"iter"); at < page.size(); ++at) {
     if (page[at] != '\\' || page[at + 1] == 'n')

@@ -1,4 +1,4 @@
-// The files of a report without a disk, and whether names stay in their places.
+// Makes the files of a report in memory, and checks where names are in them.
 
 #pragma once
 
@@ -13,7 +13,7 @@ namespace corvane::fuzz {
 /// Files by their path from the output directory.
 using Files = std::map<std::string, std::string>;
 
-/// What a report of \p configs consists of, whose pages find their script in
+/// The files of a report of \p configs whose pages load their script from
 /// \p installLocation.
 Files makeFiles(const std::vector<RankedConfig> &configs,
                 const std::string &installLocation);

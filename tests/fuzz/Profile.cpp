@@ -1,4 +1,4 @@
-// Profiles: any bytes, through reader, writer and look-up.
+// Fuzzes profiles: any bytes, through reader, writer and look-up.
 
 #include "tests/fuzz/Input.h"
 
@@ -8,7 +8,7 @@
 using namespace corvane;
 using namespace corvane::fuzz;
 
-// Every measured launch has an answer, and it is the first entry's.
+// Checks that the answer for every measured launch is its first entry's.
 static void checkLookup(const Profile &profile) {
   const ProfileLookup lookup(profile);
   for (const ProfileEntry &entry : profile.entries) {

@@ -1,4 +1,4 @@
-// The raw log: any bytes, through reader, statistics, table and report.
+// Fuzzes the raw log: any bytes, through reader, statistics, table and report.
 
 #include "tests/fuzz/Input.h"
 #include "tests/fuzz/OutputFolder.h"
@@ -14,8 +14,8 @@ using namespace corvane::fuzz;
 using corvane::test::readBytes;
 using corvane::test::writeBytes;
 
-// The reader takes blocks of this size. A header line may be as long as it
-// likes, and so the rows may lie across the end of a block.
+// The reader reads blocks of this size. The header line may have any length, so
+// that rows are cut by the end of a block.
 static constexpr std::size_t blockSize = 262144;
 
 static std::string makeLog(Input &input) {
@@ -37,7 +37,7 @@ static std::size_t lineFeeds(const std::string &text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-// A line each, but for the header; the last one may lack its line feed.
+// Counts the lines without the header; the last one may lack its line feed.
 static std::size_t rowCount(const std::string &log) {
   if (log.empty())
     return 0;
@@ -85,7 +85,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   static const OutputFolder folder;
   folder.empty();
   Input input(data, size);
-  // Files take far more time than what is in them.
+  // Real files take far more time than the report itself, so only some inputs
+  // have them.
   const bool onDisk = input.below(4) == 1;
   const std::string log = makeLog(input);
 

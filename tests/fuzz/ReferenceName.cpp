@@ -20,7 +20,7 @@ static std::vector<std::string> split(const std::string &text, char separator) {
   return pieces;
 }
 
-// What atoi gives where it gives anything; beyond that the nearest int.
+// The result of atoi; where that is undefined, the nearest int.
 static std::uint32_t number(const std::string &text) {
   using Limits = std::numeric_limits<int>;
   const long long value = std::strtoll(text.c_str(), nullptr, 10);
@@ -87,7 +87,7 @@ static std::array<std::uint32_t, 4> requestNumbers(const Item &item) {
   return numbers;
 }
 
-// Products are 32 bits wide and wrap; what is 0 then accepts nothing.
+// Products are 32 bits wide and wrap; a product of 0 accepts nothing.
 static bool accepts(const Item &item, std::uint32_t workDim,
                     const ReferenceName::Sizes &global,
                     const ReferenceName::Sizes &local) {
@@ -122,7 +122,7 @@ bool ReferenceName::acceptsLaunch(std::uint32_t workDim, const Sizes &global,
 bool ReferenceName::wraps() const {
   return std::any_of(items.begin(), items.end(), [](const Item &item) {
     const auto [dim, factor, extra, multiple] = requestNumbers(item);
-    // Each is at most a number that 32 bits hold, so nothing is lost here.
+    // Each factor has at most 32 bits, so the product is exact.
     const long double product =
         static_cast<long double>(factor) * factor * extra * multiple;
     return isRequest(item) && product > UINT32_MAX;

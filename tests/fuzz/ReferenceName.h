@@ -17,8 +17,8 @@ struct Item {
   std::vector<std::uint32_t> numbers;
 };
 
-/// What a variant's name says, straight from its text: nothing is sorted, and
-/// what is said twice is there twice.
+/// What a variant's name says, in the order of the name, with repeated items
+/// repeated.
 struct ReferenceName {
   std::string base;
   std::vector<Item> items;

@@ -12,7 +12,7 @@
 
 namespace fs = std::filesystem;
 
-// The same order everywhere.
+// The files in the same order on every system.
 static std::vector<fs::path> filesIn(const fs::path &given) {
   if (!fs::is_directory(given))
     return {given};
@@ -32,7 +32,7 @@ static bool replay(const fs::path &file) {
   }
   const std::string bytes(std::istreambuf_iterator<char>(in), {});
   std::printf("%s\n", file.filename().string().c_str());
-  std::fflush(stdout); // the last one is to blame
+  std::fflush(stdout); // so that the last line names the input that fails
   LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()),
                          bytes.size());
   return true;

@@ -1,4 +1,5 @@
-// Kernel names: a line that is the name, then choices for launches.
+// Fuzzes kernel names: the input is a line that is the name, then the choices
+// for launches.
 
 #include "variants/VariantName.h"
 
@@ -16,8 +17,9 @@ static std::string specOf(const Record &record) {
   return record.llvm::TransformedKernel::specText();
 }
 
-// A negative number is written back as the large one that it counts as, and
-// that is beyond what is read.
+// Whether the name that the record writes can be read. A negative number is
+// written as the large unsigned one that it means, which is too large to be
+// read.
 static bool canBeReadAgain(const ReferenceName &reference) {
   for (const Item &item : reference.items)
     for (const std::uint32_t number : item.numbers)
@@ -43,7 +45,7 @@ static void checkCopies(const Record &record) {
         "a copy has the same conditions");
 }
 
-// Small, large and uneven ones.
+// A small, a large or an odd size.
 static std::size_t someSize(Input &input) {
   const std::size_t factor = input.byte();
   return (factor << input.below(56)) + input.below(3);
@@ -109,7 +111,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     return 0;
 
   check(record->baseName == reference->base,
-        "the base is what stands in front");
+        "the base is what precedes the marker");
   checkCopies(*record);
   if (canBeReadAgain(*reference))
     checkRebuilt(*record);

@@ -1,4 +1,4 @@
-// Buffers, queues and contexts.
+// The moves with buffers, queues and contexts.
 
 #include "tests/fuzz/sequence/Play.h"
 
@@ -17,9 +17,9 @@ static constexpr cl_mem_flags flags[] = {
     CL_MEM_READ_WRITE | CL_MEM_HOST_READ_ONLY,
     CL_MEM_READ_WRITE | CL_MEM_HOST_WRITE_ONLY};
 
-// Memory that did not come through the agent: an image, or a buffer
-// that another library made. Real runtimes place no object at the start of a
-// page.
+// Makes memory that the agent has not seen: an image, or a buffer that another
+// library made. Its address is not the start of a page, as that of no object of
+// a real runtime is.
 static cl_mem makeUnseen(Play &play, std::size_t size) {
   std::vector<cl_mem> made;
   do
@@ -58,7 +58,7 @@ void corvane::fuzz::retainBuffer(Play &play) {
     ++buffer->references;
 }
 
-// Kernels that were given it point nowhere now.
+// Marks the kernels that have the buffer as an argument.
 static void forget(Play &play, cl_mem gone) {
   for (HeldKernel &kernel : play.kernels)
     for (auto &[index, buffer] : kernel.buffers)
@@ -94,7 +94,7 @@ void corvane::fuzz::releaseQueue(Play &play) {
     Play::drop(play.queues, queue);
 }
 
-// The context itself stays: it was retained first.
+// Releases a reference that was made first, so the context itself stays.
 void corvane::fuzz::releaseContext(Play &play) {
   const cl_context context = play.runtime.context();
   if (play.cl().clRetainContext(context) != CL_SUCCESS)

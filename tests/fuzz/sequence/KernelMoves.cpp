@@ -1,4 +1,4 @@
-// Kernels: created one by one and all at once, given arguments, released.
+// The moves with kernels: creating one or all, setting arguments, releasing.
 
 #include "tests/fuzz/sequence/Play.h"
 
@@ -7,7 +7,7 @@
 using namespace corvane;
 using namespace corvane::fuzz;
 
-// The runtime was not told to fail, so its count is right.
+// Adds a kernel, with the number of arguments that the runtime tells.
 static void hold(Play &play, cl_kernel handle) {
   HeldKernel kernel;
   kernel.handle = handle;
@@ -35,7 +35,8 @@ void corvane::fuzz::createKernel(Play &play) {
     hold(play, kernel);
 }
 
-// Kernels of ours: made for a look at them, and given back.
+// Counts kernels that the agent has had created to read their names, and
+// released.
 static std::size_t givenBack(const Play &play,
                              const std::vector<cl_kernel> &made) {
   const auto released = play.recorder.heard("clReleaseKernel");
@@ -44,8 +45,8 @@ static std::size_t givenBack(const Play &play,
 
 void corvane::fuzz::createKernelsInProgram(Play &play) {
   const cl_program program = play.pickHandle(play.programs);
-  // There is place for all: how much the application says it has is another
-  // matter, which is not looked at as OpenCL would have it.
+  // The array is large enough for all kernels, whatever size the application
+  // claims: the agent does not treat that size as OpenCL says.
   std::vector<cl_kernel> kernels(64);
   const bool wanted = play.input.flag();
   cl_uint count = 99;
@@ -66,7 +67,7 @@ void corvane::fuzz::createKernelsInProgram(Play &play) {
   if (play.hasState && !play.failing && wanted)
     check(filled == givenBack(play, calls.back().made),
           "what is not handed out is given back");
-  // Without a place for their handles they could never be released.
+  // Without an array for their handles the kernels can never be released.
   play.kernelsLost |= !wanted && !calls.back().made.empty();
   for (auto kernel = kernels.begin(); kernel != end; ++kernel)
     hold(play, *kernel);
@@ -121,7 +122,7 @@ void corvane::fuzz::setArgument(Play &play) {
   const std::size_t size = sizes[play.input.below(std::size(sizes))];
   std::string value(play.input.bytes(size));
   value.resize(size);
-  // Eight bytes that happen to be a buffer's handle are that buffer.
+  // Eight bytes that are equal to a buffer's handle are that buffer.
   if (size == sizeof(cl_mem))
     value[0] = '\1';
   set(play, *kernel, index, size,
@@ -141,7 +142,7 @@ void corvane::fuzz::setAllArguments(Play &play) {
   }
 }
 
-// What every application does first, in one move.
+// Makes a program, its kernels and buffers, as every application does first.
 void corvane::fuzz::startWithVariants(Play &play) {
   const std::string base = play.baseName();
   auto script = play.runtime.addProgram();

@@ -1,4 +1,4 @@
-// Launches, and the events that they give.
+// The moves that launch, and those with the events of launches.
 
 #include "tests/fuzz/sequence/Play.h"
 
@@ -36,8 +36,8 @@ static Range chooseRange(Input &input) {
   return range;
 }
 
-// Commands that are under way at the same time may be put in order, by the
-// event of the one before. In autotuning mode an application has to.
+// A launch may wait for the event of the one before. In autotuning mode it has
+// to, if both may run at the same time.
 static std::vector<cl_event> chooseWaitList(Play &play, bool &inOrder) {
   std::vector<cl_event> list;
   const bool alone = play.runtime.waiting().empty();
@@ -50,8 +50,8 @@ static std::vector<cl_event> chooseWaitList(Play &play, bool &inOrder) {
   return list;
 }
 
-// In the prompt runtime all is over when the call returns, but for what waits
-// for an event of the application's.
+// Counts a run. A runtime that is not late has run everything when the call
+// returns, except commands that wait for an event of the application's.
 static void countRun(Play &play, const HeldKernel &kernel) {
   for (const auto &[index, buffer] : kernel.buffers)
     for (HeldBuffer &held : play.buffers)
@@ -65,7 +65,7 @@ static void checkNormal(const Play &play, cl_int status, cl_event event) {
   check(event == run.event, "the runtime's event is handed out");
 }
 
-// Variants, then the kernel; each run that was enqueued is watched.
+// Checks that variants and then the kernel were launched, and each run watched.
 static void checkTuning(Play &play, const HeldKernel &kernel, cl_int status,
                         cl_event event) {
   const auto runs = play.recorder.heard("clEnqueueNDRangeKernel");

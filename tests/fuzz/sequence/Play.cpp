@@ -1,4 +1,4 @@
-// One move after the other, from load to unload.
+// Makes one move after the other, from load to unload.
 
 #include "tests/fuzz/sequence/Play.h"
 
@@ -13,7 +13,7 @@ static constexpr std::size_t mostMoves = 100;
 
 using Move = void (*)(Play &);
 
-// The more often one stands here, the more often it is chosen.
+// A move that is listed more often is chosen more often.
 static constexpr Move moves[] = {launch,
                                  launch,
                                  launch,
@@ -78,7 +78,7 @@ void Play::loadAgain() {
 
 void Play::flushed() {
   rowsUnknown = true;
-  // Variants that are alive when the results are written stay.
+  // Variants that exist when the results are written are never released.
   kernelsLost |= hasState && !kernels.empty();
   hasState = false;
 }
@@ -104,7 +104,7 @@ void Play::move() {
   checkAlways();
 }
 
-// Everything ends: commands, then objects, then the agent.
+// Ends everything: commands, then objects, then the agent.
 void Play::finish() {
   for (const cl_event event : userEvents) {
     runtime.endEvent(event);

@@ -18,7 +18,8 @@
 
 namespace corvane::fuzz {
 
-/// What the application holds. It uses nothing that it has given back.
+/// A program of the application. The application uses nothing that it has
+/// released.
 struct HeldProgram {
   cl_program handle;
   unsigned references = 1;
@@ -70,7 +71,7 @@ public:
   static void drop(List &list, const typename List::value_type *entry) {
     list.erase(list.begin() + (entry - list.data()));
   }
-  /// A handle of one of the list, or now and then null.
+  /// The handle of one of the list, or now and then null.
   template <typename List> auto pickHandle(List &list) {
     const auto *one = input.below(16) == 0 ? nullptr : pick(list);
     return one ? one->handle : nullptr;
@@ -80,8 +81,8 @@ public:
   /// back.
   bool isGone(cl_mem buffer) const;
 
-  /// What the text of an input calls a kernel, and how many arguments a kernel
-  /// of that name has: a variant at most one more than its kernel.
+  /// A kernel's name from the input; and how many arguments a kernel of that
+  /// name has, a variant at most one more than its kernel.
   std::string kernelName();
   std::string baseName();
   std::string specText();
@@ -90,11 +91,11 @@ public:
   /// Gives a program its kernels, its logs and the outcomes of its builds.
   void describe(test::ProgramScript script);
 
-  /// What all kernels do: add one to each byte of each of their buffers.
-  /// Variants as well, so a run too many or too few shows, whoever ran.
+  /// What all kernels and variants do: add one to each byte of each of their
+  /// buffers. So a run too many or too few shows, whichever version ran.
   static void runKernel(const test::Launch &launch);
 
-  /// Remembers what a flush that is about to be will change.
+  /// Records what the flush that follows will change.
   void flushed();
   void loadAgain();
   void define(const char *name, const char *value);
@@ -109,10 +110,10 @@ public:
   bool lastRunHasEvent = false;    ///< the last one of events
   bool holdsCallbacks = false;     ///< the runtime does, from now on
   bool callbacksMayBeHeld = false; ///< some that it has not called yet
-  /// What a buffer or the log must hold can no longer be told.
+  /// The contents that a buffer or the log must have are no longer known.
   bool contentsUnknown = false;
   bool rowsUnknown = false;
-  bool kernelsLost = false;    ///< some of the runtime's have no owner any more
+  bool kernelsLost = false;    ///< some can no longer be released
   std::size_t watchedRuns = 0; ///< each has a row when it is over
 
 private:

@@ -10,13 +10,15 @@
 using namespace corvane;
 using namespace corvane::fuzz;
 
-// Holds at any time: whatever the agent needs for a call ends with the call.
+// What must be true after each move: the agent has released what it needed for
+// the call.
 void Play::checkAlways() {
   for (const std::string &misuse : runtime.misuses())
     fail("no object is used after its end: " + misuse);
   const std::size_t living = runtime.alive("event").size();
   const std::size_t own = events.size() + userEvents.size();
-  // Those of a launch live until its runs are over and we have been told.
+  // The events of a launch are kept until its runs are over and the agent was
+  // called back.
   const bool mayLive = !runtime.waiting().empty() || callbacksMayBeHeld;
   check(failing || living == own || (mayLive && living > own),
         "only the application's events are alive when all runs are over");
@@ -59,13 +61,13 @@ static bool startsWith(const std::string &text, const std::string &start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
-// The first argument counts as set before it is, and then has no size: a replay
-// of it is refused although nothing fails.
+// Argument 0 counts as set before it is set, with a size of 0: the runtime
+// refuses its replay although nothing was made to fail.
 static constexpr const char *emptyReplay =
     "QrlAgent:: 721: CL Error: CL_INVALID_ARG_SIZE";
 
-// What is said on the error stream are known lines, and those that tell of
-// failed calls of ours only when calls fail.
+// Checks that the agent has written known lines only, and reports of failed
+// calls only if calls were made to fail.
 void Play::checkErrorText() {
   const std::set<std::string> ours = {"227", "234", "281",  "721",
                                       "741", "745", "1123", "1211"};

@@ -1,4 +1,4 @@
-// Programs: made, built, linked, asked and released.
+// The moves with programs: making, building, linking, querying, releasing.
 
 #include "tests/fuzz/sequence/Play.h"
 
@@ -77,7 +77,7 @@ static std::size_t countOf(const std::string &names) {
          static_cast<std::size_t>(std::count(names.begin(), names.end(), ';'));
 }
 
-// Count and names of a program that builds, as an application asks for them.
+// Checks count and names of a built program, as an application queries them.
 static void checkNames(Play &play, cl_program program) {
   const auto ask = [&](cl_program_info what, std::size_t capacity, void *value,
                        std::size_t *size) {

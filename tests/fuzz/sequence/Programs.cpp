@@ -1,4 +1,4 @@
-// What the programs of a play consist of.
+// Chooses the kernels, logs and builds of a program.
 
 #include "tests/fuzz/ReferenceName.h"
 #include "tests/fuzz/sequence/Play.h"
@@ -21,8 +21,8 @@ std::string Play::specText() { return specs[input.below(std::size(specs))]; }
 
 std::string Play::kernelName() {
   const std::size_t choice = input.below(8);
-  // No ";", which joins the names of all kernels, and no line feed, which ends
-  // a row of the log.
+  // Without ";", which separates the names of kernels, and line feeds, which
+  // end the rows of the log.
   if (choice == 7) {
     std::string name(input.textUntil('.'));
     std::replace(name.begin(), name.end(), '\n', '_');
@@ -53,7 +53,7 @@ static void declareArguments(Play &play, ProgramScript &script, cl_uint count) {
     declaration.access = CL_KERNEL_ARG_ACCESS_READ_ONLY;
   if (play.input.flag())
     declaration.space = CL_KERNEL_ARG_ADDRESS_PRIVATE;
-  // None of it true: our kernels write to all buffers that they get.
+  // What the runtime tells is false: our kernels write to all their buffers.
   play.contentsUnknown = true;
   for (cl_uint i = 0; i != count; ++i)
     script.declares(i, declaration);

@@ -1,4 +1,4 @@
-// Puts a recorder in the place of each entry: it calls on and keeps the answer.
+// Replaces entries by functions that make the call and keep its answer.
 
 #include "tests/fuzz/sequence/Recorder.h"
 
@@ -13,8 +13,8 @@ static Recorder *theRecorder = nullptr;
 
 Recorder &Recorder::current() { return *theRecorder; }
 
-// What makes an object tells its status in the place that its last argument
-// points to.
+// The status of an entry that returns an object, which is where its last
+// argument points.
 template <typename Result, typename... Arguments>
 static void noteAnswer(Heard &call, Result result, Arguments... arguments) {
   if constexpr (std::is_same_v<Result, cl_int>) {
@@ -36,7 +36,7 @@ static void noteLaunch(Heard &call, cl_command_queue, cl_kernel kernel, cl_uint,
 
 static void recordKernels(Heard &call, cl_program, cl_uint capacity,
                           cl_kernel *kernels, cl_uint *count) {
-  // The count may be a lie.
+  // The count may be false.
   if (call.status == CL_SUCCESS && kernels && count)
     call.made.assign(kernels, kernels + std::min(capacity, *count));
 }

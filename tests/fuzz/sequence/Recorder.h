@@ -1,4 +1,4 @@
-// Listens between the agent and the scripted runtime.
+// Records calls between the agent and the scripted runtime.
 
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace corvane::fuzz {
 
-/// A call that reached the runtime, and what the runtime said.
+/// A call that reached the runtime, and its answer.
 struct Heard {
   std::string entry;
   cl_int status = CL_SUCCESS;
@@ -24,7 +24,7 @@ struct Heard {
 /// at a time.
 class Recorder {
 public:
-  /// Takes the place of the entries; do this before the agent gets the table.
+  /// Replaces entries of the table. Do this before the agent gets it.
   explicit Recorder(DispatchTable &table);
   ~Recorder();
   Recorder(const Recorder &) = delete;
@@ -35,7 +35,7 @@ public:
   /// The calls to \p entry since then, in order.
   std::vector<Heard> heard(const std::string &entry) const;
 
-  /// Only for the entries.
+  /// For the functions that replace entries.
   void add(Heard call) { calls.push_back(std::move(call)); }
   const DispatchTable &below() const { return original; }
   static Recorder &current();

@@ -1,4 +1,4 @@
-// What the runtime, the environment and the loader do.
+// The moves of the runtime, of the environment and of the loader.
 
 #include "agent/Environment.h"
 #include "tests/fuzz/sequence/Play.h"
@@ -133,7 +133,7 @@ void corvane::fuzz::changeEnvironment(Play &play) {
                                    variable::autotune};
   const char *name = names[play.input.below(std::size(names))];
   if (name == variable::autotune) {
-    // Another place for the results, or none, in the middle of it all.
+    // The results go to another folder from now on, or nowhere.
     play.rowsUnknown = true;
     play.defineDirectory(play.input.flag());
   } else {

@@ -1,4 +1,4 @@
-// Sequences of calls: an input decides what an application and its runtime do.
+// Fuzzes sequences of calls: the input decides what application and runtime do.
 
 #include "tests/fuzz/sequence/Play.h"
 
