@@ -1,4 +1,4 @@
-// What a DLL's file says of itself.
+// Reads the import, export and version tables of a DLL.
 
 #include "tests/windows/DllFile.h"
 
@@ -8,8 +8,7 @@
 
 using namespace corvane::test;
 
-// Mapped as it would be for running, but nothing of it runs and nothing that it
-// needs is looked for.
+// Maps the DLL without running its code or loading the DLLs that it needs.
 DllFile::DllFile(const std::string &name) : path(name) {
   HMODULE module =
       LoadLibraryExA(name.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);

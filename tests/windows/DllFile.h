@@ -1,4 +1,4 @@
-// What a DLL's file says of itself.
+// What the file of a DLL imports and exports, and its version.
 
 #pragma once
 
@@ -7,8 +7,8 @@
 
 namespace corvane::test {
 
-/// The tables of a DLL that lies beside the running program. A file that cannot
-/// be read as one fails the test.
+/// The tables of a DLL in the running program's folder. A file that cannot be
+/// read as a DLL fails the test.
 class DllFile {
 public:
   explicit DllFile(const std::string &name);

@@ -1,4 +1,5 @@
-// The DLLs as files: what they need, what they offer, how they are marked.
+// Tests of the DLLs as files: what they import, what they export, their
+// version.
 
 #include "tests/windows/DllFile.h"
 
@@ -11,7 +12,8 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::StrCaseEq;
 
-// Part of every Windows. No OpenCL, no compiler's library, no LLVM.
+// Matches DLLs that are part of every Windows, and not those of OpenCL, the
+// compiler or LLVM.
 static auto isWindowsOwn() {
   return AnyOfArray({StrCaseEq("advapi32.dll"), StrCaseEq("kernel32.dll"),
                      StrCaseEq("msvcrt.dll"), StrCaseEq("ole32.dll"),

@@ -1,4 +1,4 @@
-// The library's entry point, called as the loader of Windows calls it.
+// Tests of the library's entry point, called as the loader of Windows calls it.
 
 #include "tests/support/FakeRuntime.h"
 #include "tests/support/LoadedAgent.h"
@@ -28,7 +28,7 @@ TEST(EntryPoint, SucceedsForThreadsThatComeAndGo) {
   EXPECT_TRUE(callEntryPoint(DLL_THREAD_DETACH));
 }
 
-TEST(EntryPoint, SucceedsForAReasonThatNobodyKnows) {
+TEST(EntryPoint, SucceedsForAnUnknownReason) {
   EXPECT_TRUE(callEntryPoint(77));
 }
 

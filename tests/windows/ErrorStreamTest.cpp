@@ -1,5 +1,5 @@
-// The standard error stream and the files hold bytes, whatever the C runtime's
-// text mode would make of them.
+// Tests that standard error and the files get bytes as they are written,
+// without the C runtime's text mode.
 
 #include "tests/support/ErrorCapture.h"
 #include "tests/support/FakeRuntime.h"

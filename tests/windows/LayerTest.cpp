@@ -1,4 +1,4 @@
-// The layer for a loader, as it lies on Windows.
+// Tests of the layer, loaded as a loader on Windows would load it.
 
 #include "agent/DispatchTable.h"
 #include "tests/support/TempFolder.h"

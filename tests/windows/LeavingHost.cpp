@@ -1,4 +1,4 @@
-// A host that the agent leaves without having been unloaded.
+// A host that never unloads the agent, and ends or frees the library instead.
 //
 // leaving_host MODE, with the agent configured by the environment as usual:
 //   free    frees the library when the runtime has refused its table
@@ -28,7 +28,7 @@ using namespace corvane::test;
 static AgentHost host;
 static std::atomic<unsigned> threadsAtWork{0};
 
-// The agent holds its lock over this call.
+// The agent holds its lock during this call, which never returns.
 static cl_kernel CL_API_CALL createWithoutEnd(cl_program, const char *,
                                               cl_int *) {
   ++threadsAtWork;
@@ -60,7 +60,7 @@ static void startThreads() {
     Sleep(1);
 }
 
-// As if a kernel and a variant of it had run.
+// Writes rows as if a kernel and a variant of it had run.
 static void writeRows(const std::string &directory) {
   std::ofstream log(directory + "/.auto.csv", std::ios::app | std::ios::binary);
   log << "scale,64,,,8,,,g0S2,2.500\n"
@@ -89,13 +89,13 @@ int main(int count, char **arguments) {
   writeRows(directory);
   if (mode == "locked") {
     startThreads();
-    // Not by the way of main: there the C runtime empties the streams while the
-    // threads still live, and waits for them.
+    // A return from main would have the C runtime flush the streams, and wait
+    // for their locks, while the other threads still run.
     ExitProcess(0);
   }
   if (mode == "free" || mode == "kept") {
     freeLibrary(library);
-    // Whether it was freed indeed; the test looks for results later.
+    // Whether the library was really freed; the test checks the results later.
     const bool isThere = GetModuleHandleA("CorvaneAg.dll");
     return isThere == (mode == "kept") ? 0 : 4;
   }

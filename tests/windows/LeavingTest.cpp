@@ -1,4 +1,4 @@
-// The results are written when the library leaves without an unload.
+// Tests that the results are written when the library leaves without an unload.
 
 #include "tests/support/EnvGuard.h"
 #include "tests/support/TempFolder.h"
@@ -66,8 +66,8 @@ TEST(Leaving, WithTheProcessWaitsForNoThreadThatWasEndedWithALock) {
   expectReport(folder);
 }
 
-// The length of the log goes to a stream whose lock is never released. A system
-// that ends the process there does so with the report written.
+// The length of the log is written to a stream whose lock is never released. If
+// the system ends the process at that moment, the report is already written.
 TEST(Leaving, WithTheProcessWritesTheReportBeforeTheLog) {
   TempFolder folder;
   leave(folder, "locked", logInto(folder));

@@ -1,4 +1,4 @@
-// Loading DLLs in programs that cannot go on without them.
+// Loads and frees DLLs; a failure ends the process.
 
 #include "tests/windows/Library.h"
 

@@ -1,4 +1,4 @@
-// Loading DLLs in programs that cannot go on without them.
+// Loads DLLs in programs that cannot run without them.
 
 #pragma once
 
@@ -7,7 +7,7 @@ namespace corvane::test {
 /// Loads a DLL by name or path, or ends the process with a line that says so.
 void *loadOrEnd(const char *name);
 
-/// Takes back one loadOrEnd.
+/// Undoes one loadOrEnd.
 void freeLibrary(void *library);
 
 /// The exported function of that name; null if there is none.

@@ -1,4 +1,4 @@
-// Output directories with blanks and with letters outside ASCII.
+// Tests of output directories with blanks and with letters outside ASCII.
 
 #include "tests/support/ErrorCapture.h"
 #include "tests/support/FakeRuntime.h"
@@ -18,8 +18,8 @@ using namespace corvane::test;
 static const wchar_t *const folderName =
     L"r\u00e9sultats \u00e0 c\u00f4t\u00e9";
 
-// In the character set of the system, as a variable of the environment has it;
-// empty if it lacks one of the letters.
+// The text in the character set of the system, which environment variables
+// have; empty if the set lacks one of the letters.
 static std::string narrow(const std::wstring &text) {
   std::string bytes(4 * text.size(), '\0');
   BOOL lacking = FALSE;
@@ -41,7 +41,7 @@ TEST(OutputDirectory, MayHaveBlanksAndLettersOutsideAscii) {
     LoadedAgent agent(runtime, {{"CORVANE_AUTOTUNE", directory},
                                 {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
   }
-  // The name that Windows gives the directory, not what we took it for.
+  // Looks for the directory by its wide name, as Windows has it.
   const std::filesystem::path made = folder.path() / folderName;
   for (const char *name :
        {".auto.csv", "autotune.csv", "main.html", "html/index.html"})

@@ -1,4 +1,4 @@
-// The platform functions of Windows.
+// Tests of the platform functions on Windows.
 
 #include "base/Platform.h"
 #include "agent/Environment.h"
@@ -60,7 +60,7 @@ TEST(Platform, RemovesAVariableByAnEmptyAssignment) {
   EXPECT_EQ(std::getenv("CORVANE_TEST_VARIABLE"), nullptr);
 }
 
-TEST(Platform, CutsAFileBehindAGivenLength) {
+TEST(Platform, CutsAFileAfterAGivenLength) {
   TempFolder folder;
   folder.write("file", "0123456789");
   std::FILE *file = std::fopen(folder.file("file").c_str(), "r+b");
@@ -104,8 +104,8 @@ TEST(Platform, KnowsWhereMemoryLies) {
   EXPECT_FALSE(platform::isOccupied(page));
 }
 
-// The application and the DLL have one environment between them, that of the C
-// runtime which both are linked with.
+// The application and the DLL share an environment: that of the C runtime that
+// both are linked with.
 TEST(Environment, OfTheApplicationIsSeenWhenItChangesAfterTheLoad) {
   TempFolder folder;
   FakeRuntime runtime;
@@ -142,7 +142,7 @@ TEST(Environment, IsCleanOfAnEmptyVariableThatTheCompilerMustNotSee) {
   EXPECT_EQ(seen, (std::vector<bool>{true, false}));
 }
 
-// As a process has it that was started with one; no assignment makes it.
+// A process may be started with an empty variable; no assignment can make one.
 TEST(Environment, MayHaveAVariableThatIsEmpty) {
   EnvGuard empty("CORVANE_TEST_VARIABLE", "");
   EnvGuard another("CORVANE_TEST_ANOTHER", "value");

@@ -1,4 +1,5 @@
-// OpenCL as the example programs call it, through the played runtime's table.
+// OpenCL's functions for the example programs, through the played runtime's
+// table.
 
 #include "tests/windows/PlayedRuntime.h"
 

@@ -1,4 +1,4 @@
-// What the played runtime does itself instead of opencl.dll.
+// The entries that opencl.dll lacks, and the one that records launches.
 
 #include "tests/windows/PlayedEntries.h"
 

@@ -1,4 +1,4 @@
-// What the played runtime does itself instead of opencl.dll.
+// The played runtime's own entries, in place of those of opencl.dll.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// The example programs, unchanged, on a real OpenCL with the agent between.
+// Tests of the example programs, unchanged, on a real OpenCL with the agent.
 
 #include "tests/support/TempFolder.h"
 #include "tests/windows/Process.h"
@@ -80,7 +80,7 @@ TEST(PlayedBlur, RunsItsVariantOnAPictureThatItDoesNotFit) {
   EXPECT_EQ(program.exitCode, 0U) << program.errors;
   EXPECT_THAT(program.out, HasSubstr("launch=picture launches=4"));
 
-  // 60 rows by fours, and a work-group has four of these.
+  // 60 rows are 15 of four each, rounded up to whole work-groups of four.
   EXPECT_THAT(launchesOf("blur", folder),
               AllOf(SizeIs(4), Each("blur_coarsed_r0S1c1S4 96x16 16x4")));
   const std::string before = folder.read("blur-before.png");
@@ -152,7 +152,7 @@ TEST(PlayedMatmul, AutotunesVariantsOnTheSameInputs) {
   const Finished program = run("played_matmul", smallMatmul, folder,
                                {{"CORVANE_AUTOTUNE", folder.file("out")},
                                 {"CORVANE_INSTALL_LOCATION", "C:/tools"}});
-  // The program looks at every value itself.
+  // The program itself checks every value.
   EXPECT_EQ(program.exitCode, 0U) << program.errors;
   const std::vector<std::string> log = lines(folder.read("out/.auto.csv"));
   EXPECT_EQ(rowsOf("matmul,64,64,,16,4,,g0S4d3S4,", log), 4);

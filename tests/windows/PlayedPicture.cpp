@@ -1,4 +1,4 @@
-// The pictures of the blur example, without their format.
+// Replaces the PNG files of the blur example: its picture is computed.
 
 #include "examples/blur/Landscape.h"
 #include "examples/common/Failure.h"
@@ -7,7 +7,7 @@
 
 using namespace examples;
 
-// What the program asks to have decoded is painted instead.
+// The program asks to have this decoded; the picture is computed instead.
 extern const unsigned char landscapePng[];
 extern const size_t landscapePngSize;
 const unsigned char landscapePng[] = {0};

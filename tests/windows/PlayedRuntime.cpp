@@ -1,4 +1,4 @@
-// A runtime with an agent interface, over the real functions of opencl.dll.
+// Fills a table from opencl.dll, and loads and ends the agent.
 
 #include "tests/windows/PlayedRuntime.h"
 
@@ -21,7 +21,7 @@ static AgentHost &host() {
   return theHost;
 }
 
-// The real OpenCL functions.
+// A table of the functions of opencl.dll.
 static DispatchTable openClTable() {
   void *library = loadOrEnd("opencl.dll");
   DispatchTable table{};

@@ -6,13 +6,13 @@
 
 namespace corvane::test {
 
-/// The table through which the application calls: the real functions, with the
-/// agent's hooks in it. The first call loads the agent, whose DLL must lie
-/// beside the program.
+/// The table through which the application calls: the real functions, and the
+/// agent's hooks. The first call loads the agent, whose DLL must be in the
+/// program's folder.
 ///
-/// The agent leaves when the program ends, in the way that PLAYED_END says:
-/// "unload" (with the library freed after it), "free" (the library alone), or
-/// "exit" (by nothing but the end of the process).
+/// When the program ends, PLAYED_END says how the agent ends: "unload" (and
+/// then the library is freed), "free" (the library is only freed), or "exit"
+/// (neither).
 const DispatchTable &playedTable();
 
 } // namespace corvane::test

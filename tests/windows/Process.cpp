@@ -1,4 +1,4 @@
-// Runs one of our programs to its end.
+// Starts a program in a job with pipes for its output, and waits for it.
 
 #include "tests/windows/Process.h"
 
@@ -27,8 +27,8 @@ static HANDLE createInheritable(const std::string &path) {
                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// What belongs to the job ends with it, and the job with this process at last:
-// a program that hangs does not outlive the test, whose time is limited.
+// The programs of a job end with the job, and the job ends with this process.
+// So a program that hangs does not outlive the test, which has a time limit.
 static HANDLE makeJob() {
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
   limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;

@@ -1,4 +1,4 @@
-// Runs one of our programs to its end.
+// Runs one of our programs and returns what it wrote.
 
 #pragma once
 
@@ -17,9 +17,9 @@ struct Finished {
 
 using Variables = std::vector<std::pair<std::string, std::string>>;
 
-/// Runs \p program, which lies beside the running one, with \p arguments and
-/// with more environment variables than ours. A program that cannot be started
-/// fails the test.
+/// Runs \p program, which is in the running one's folder, with \p arguments,
+/// our environment and more variables. A program that cannot be started fails
+/// the test.
 Finished runProgram(const std::string &program, const std::string &arguments,
                     const Variables &variables);
 
