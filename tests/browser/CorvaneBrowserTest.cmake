@@ -1,4 +1,4 @@
-# Tests of a report's pages, for any report.
+# corvane_browser_tests(): tests of the pages of any report.
 
 set(CORVANE_BROWSER_SOURCES "${CMAKE_CURRENT_LIST_DIR}")
 set(CORVANE_BROWSER_PACKAGES "${CMAKE_CURRENT_BINARY_DIR}/packages")

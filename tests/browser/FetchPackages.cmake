@@ -21,7 +21,7 @@ foreach(name IN LISTS package_files)
   string(APPEND wanted "${sum}\n")
 endforeach()
 
-# Written last, so that an attempt that broke off does not count.
+# Written last, so that an interrupted attempt does not count.
 set(stamp "${INTO}/installed")
 if(EXISTS "${stamp}")
   file(READ "${stamp}" installed)

@@ -1,4 +1,5 @@
-// Rows that somebody has edited.
+// Makes rows with names that try to run scripts, leave the folder or break a
+// page.
 
 #include "Rows.h"
 

@@ -1,4 +1,4 @@
-// Rows as applications leave them.
+// Makes rows as applications leave them.
 
 #include "Rows.h"
 
@@ -22,7 +22,7 @@ struct Config {
   std::vector<Version> versions;
 };
 
-/// A little more or less at each call, and the same at each start.
+/// Makes numbers vary a little from call to call, and alike in every process.
 class Noise {
 public:
   std::int64_t around(std::int64_t nanoseconds) {
@@ -37,9 +37,9 @@ private:
 
 } // namespace
 
-// Several variants that win and one that loses; a launch without local sizes
-// that takes a second; one that no variant makes faster. Not all versions ran
-// equally often.
+// The configurations: several variants that win and one that loses; a launch
+// without local sizes that takes a second; one that no variant makes faster.
+// Not all versions ran equally often.
 static std::vector<Config> configs() {
   return {
       {"matmul,512,512,,16,16,",
@@ -62,9 +62,9 @@ static void writeRow(std::ostream &log, const Config &config,
       << std::setw(3) << std::setfill('0') << nanoseconds % 1000 << '\n';
 }
 
-// One launch after the other, each of all versions that are still running. The
-// first launch is slow, as first launches are; the fifth of a baseline meets
-// some other load and is an outlier.
+// Writes one launch after the other, with all versions that have runs left. The
+// first launch is slow, as it usually is; the fifth run of a baseline is an
+// outlier.
 static void writeLaunches(std::ostream &log, const Config &config) {
   Noise noise;
   for (int run = 0; run != 24; ++run)

@@ -1,4 +1,4 @@
-// Rows for a raw timing log of launches that never took place.
+// Writes the rows of a raw timing log, for launches that never took place.
 
 #pragma once
 
@@ -9,9 +9,9 @@ namespace corvane::test {
 /// Rows as applications leave them: three kernels in several versions.
 void writeOrdinaryRows(std::ostream &log);
 
-/// Rows that somebody has edited: names that would run, lead out of the report
-/// or break it if a page took them as they are. What runs calls "ran",
-/// which the tests offer to all pages.
+/// Rows with names that would run, lead out of the report or break it if a page
+/// contained them as they are. A script that runs calls "ran", which the tests
+/// define in all pages.
 void writeHostileRows(std::ostream &log);
 
 } // namespace corvane::test

@@ -1,4 +1,4 @@
-// The report in a browser, and everything that the browser had to complain of.
+// Opens the report in a browser, and collects the browser's complaints.
 
 const fs = require("node:fs");
 const path = require("node:path");
@@ -51,7 +51,7 @@ class Report {
     report.page = await report.browser.newPage(
       { viewport: { width: 1440, height: 900 } });
     report.complaints = listen(report.page);
-    // What a hostile log has to call to be noticed, in any frame.
+    // A script from a hostile log calls this, in whatever frame it runs.
     await report.page.exposeFunction("ran", (where) =>
       report.complaints.push(`${where} has run`));
     await report.page.goto(pathToFileURL(path.join(folder, "main.html")).href);

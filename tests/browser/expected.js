@@ -1,4 +1,4 @@
-// What a report ought to show, worked out from the tables of numbers beside it.
+// Computes what a report has to show from autotune.csv and .auto.csv.
 
 const fs = require("node:fs");
 const path = require("node:path");
@@ -11,8 +11,8 @@ function rowsOf(file) {
   return lines.slice(1, -1).map((line) => line.split(","));
 }
 
-/// Rows by configuration, in the order in which each is met first. A row knows
-/// its number, counted from 1 below the header.
+/// Rows by configuration, in order of first appearance. A row has its number,
+/// counted from 1 after the header.
 function groupByConfig(rows) {
   const configs = new Map();
   rows.forEach((fields, index) => {
@@ -75,8 +75,8 @@ function readLog(key) {
   return timesByVersion(config.rows);
 }
 
-/// The time as C's "%g" writes it: what lies in the very middle goes to the even
-/// digit, and not up as with toPrecision.
+/// The time as C's "%g" writes it: a tie is rounded to the even digit, not up as by
+/// toPrecision.
 function sixDigits(time) {
   const digits = time.toPrecision(60).replace(".", "").replace(/^0+/, "");
   const down = /^\d{5}[02468]50*$/.test(digits);

@@ -1,4 +1,4 @@
-// The graph of each configuration: what is drawn, and what the boxes change.
+// Tests of the graph of each configuration: what is drawn, and what the boxes change.
 
 const assert = require("node:assert/strict");
 const { after, before, test } = require("node:test");
@@ -24,7 +24,7 @@ const pixelsOf = (frame, colour) => frame.evaluate((text) => {
   const wanted = text.match(/\d+/g).map(Number);
   let count = 0;
   for (const canvas of document.querySelectorAll("canvas")) {
-    // A copy: reading the page's own canvas makes the browser warn of us.
+    // Reads a copy: the browser would warn about reads of the page's own canvas.
     const copy = new OffscreenCanvas(canvas.width, canvas.height)
       .getContext("2d", { willReadFrequently: true });
     copy.drawImage(canvas, 0, 0);

@@ -1,4 +1,4 @@
-// A report of a log that somebody has edited: nothing runs, nothing is missing.
+// Tests of the report of a hostile log: nothing runs, nothing is missing.
 
 const assert = require("node:assert/strict");
 const fs = require("node:fs");
@@ -13,14 +13,14 @@ after(() => report.close());
 
 const keyFields = 7;
 
-/// The log as it is in the file: each byte a character.
+/// The fields of the log, with each byte as a character.
 function readFields() {
   const lines = fs.readFileSync(path.join(folder, ".auto.csv"), "latin1")
     .replace(/\n$/, "").split("\n").slice(1);
   return lines.map((line) => [...line.split(","), ...Array(8).fill("")]);
 }
 
-/// What a person is to see of these bytes.
+/// The text that a page has to show for these bytes.
 const shown = (bytes) => new TextDecoder("utf-8", { ignoreBOM: true })
   .decode(Buffer.from(bytes, "latin1")).replace(/[\x00-\x1f\x7f-\x9f]/g, "\ufffd");
 
@@ -48,7 +48,7 @@ const textsOf = (locator) =>
   locator.evaluateAll((elements) => elements.map((e) => e.textContent));
 const sorted = (texts) => [...texts].sort();
 
-// HTML drops a blank at either side of the text, which is none of the name's.
+// The page has a blank on each side of a name, which is not part of the name.
 const bare = (texts) => texts.map((text) => text.slice(1, -1));
 
 /// Follows the link with this number, unless its page is shown already.
@@ -119,7 +119,7 @@ test("no file is anywhere else", () => {
   assert.deepEqual(fs.readdirSync(path.dirname(folder)), [path.basename(folder)]);
 });
 
-// Scripts, too: what a name has made run is among the complaints.
+// A script that a name has made run is among the complaints, too.
 test("the browser complains of nothing", () => {
   assert.deepEqual(report.complaints, []);
 });

@@ -1,4 +1,4 @@
-// The list of configurations and the frames around the pages.
+// Tests of the list of configurations and of the frames around the pages.
 
 const assert = require("node:assert/strict");
 const { after, before, test } = require("node:test");

@@ -1,7 +1,7 @@
-// Has the real library write a report from launches that never took place.
+// Has the library write a report of launches that never took place.
 //
 // makeReport <agent library> [--hostile]: the environment configures the
-// library as usual, and rows stand in the log as if an application had run.
+// library as usual. The rows are in the log as if an application had run.
 
 #include "Rows.h"
 #include "tests/host/AgentHost.h"
@@ -43,7 +43,7 @@ int main(int count, char **arguments) {
                          "[--hostile]\n");
     return 2;
   }
-  // The report of a run before must not pass for that of this one.
+  // The report of an earlier call must not be taken for this one's.
   std::filesystem::remove_all(std::string(folder) + "/html");
   std::filesystem::remove(std::string(folder) + "/main.html");
 
@@ -52,7 +52,7 @@ int main(int count, char **arguments) {
     std::fprintf(stderr, "%s\n", dlerror());
     return 1;
   }
-  // Stays loaded, or its lock would look like lost memory to a leak checker.
+  // The library stays loaded; otherwise a leak checker would report its lock.
   const bool written =
       writeReport(library, folder,
                   hostile ? test::writeHostileRows : test::writeOrdinaryRows);

@@ -1,4 +1,4 @@
-// The table of each configuration: order, colours and numbers of its rows.
+// Tests of the table of each configuration: order, colours and numbers of its rows.
 
 const assert = require("node:assert/strict");
 const fs = require("node:fs");
@@ -12,7 +12,7 @@ let report;
 before(async () => { report = await Report.open(); });
 after(() => report.close());
 
-/// All rows below the column names, with the look of the group they are in.
+/// All rows after the column names, with the style of the group that they are in.
 const rowsIn = (frame) => frame.locator("tr:has(td)").evaluateAll((rows) =>
   rows.map((row) => {
     const { backgroundColor, opacity } = getComputedStyle(row.parentElement);
@@ -30,7 +30,7 @@ function lookOf(version, versions) {
   return original < 0 || version < original ? lime : orange;
 }
 
-// The results table has six digits of each time, the page three decimals.
+// The results table has six digits of each time; the page has three decimals.
 function assertTime(text, expected, longest) {
   assert.match(text, /^\d+\.\d{3}$/);
   assert.ok(Math.abs(text - expected) <= 0.00051 + longest * 5e-6,
