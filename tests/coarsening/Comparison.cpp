@@ -1,4 +1,5 @@
-// The launches and the comparison.
+// Launches a kernel and its variants on equal buffers, and compares the
+// buffers.
 #include "tests/coarsening/Comparison.h"
 
 #include "variants/VariantName.h"
@@ -65,7 +66,7 @@ static std::string quoted(const std::string &text) {
   return result + "'";
 }
 
-/// What the tool prints for the file; false where it fails.
+/// Runs corvane-coarsen on the file; false if it fails.
 bool Comparison::makeVariants(const std::string &file,
                               const std::string &options,
                               std::string &program) {

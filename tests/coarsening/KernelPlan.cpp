@@ -1,4 +1,4 @@
-// Reads launch descriptions, and makes up contents for buffers.
+// Reads the descriptions of launches, and generates contents for buffers.
 #include "tests/coarsening/KernelPlan.h"
 
 #include <cstring>
@@ -27,7 +27,7 @@ static std::string trimmed(const std::string &text) {
   return text.substr(begin, text.find_last_not_of(" \t\r") - begin + 1);
 }
 
-/// Reads "64x32"; the number of dimensions, 0 where it is wrong.
+/// Reads "64x32"; returns the number of dimensions, 0 if the text is wrong.
 static unsigned readSizes(const std::string &text,
                           std::array<size_t, 3> &sizes) {
   std::istringstream in(text);
@@ -135,7 +135,7 @@ KernelFile readKernelFile(const std::string &source, std::string &error) {
   return file;
 }
 
-/// A generator of our own: the same numbers everywhere.
+/// The next pseudo-random number, the same on every system.
 static std::uint64_t next(std::uint64_t &state) {
   state = state * 6364136223846793005ULL + 1442695040888963407ULL;
   return state >> 33;

@@ -17,7 +17,7 @@ struct LaunchShape {
   std::array<size_t, 3> local{0, 0, 0};
   std::array<size_t, 3> offset{0, 0, 0};
   bool hasLocal = false;
-  std::string text; ///< as it stood in the file
+  std::string text; ///< as it is in the file
 };
 
 /// One argument of a kernel.
@@ -57,7 +57,7 @@ KernelFile readKernelFile(const std::string &source, std::string &error);
 
 /// The bytes of one element of a type, 0 for an unknown one.
 size_t sizeOfType(const std::string &type);
-/// `shape.count` elements that look random and are the same every time.
+/// The bytes of `shape.count` pseudo-random elements, the same every time.
 std::vector<std::uint8_t> contentsOf(const ArgumentShape &shape,
                                      std::uint64_t seed);
 

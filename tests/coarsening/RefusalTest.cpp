@@ -1,4 +1,4 @@
-// One program for each reason not to make a variant.
+// Tests of the reasons to refuse a variant, with a program for each.
 #include "tests/coarsening/Sources.h"
 
 using corvane::test::coarsened;

@@ -28,7 +28,7 @@ inline std::vector<std::string> outcomes(const coarsening::Coarsened &result) {
   return words;
 }
 
-/// What follows the source in the program, its white space made single spaces.
+/// The text after the source in the program, with single spaces as white space.
 inline std::string variantsOf(const coarsening::Coarsened &result) {
   const size_t begin = result.program.rfind("#ifdef CORVANE_VARIANTS_FIT");
   std::string words;

@@ -1,4 +1,4 @@
-// How variants are written.
+// Tests of the text of variants.
 #include "tests/coarsening/Sources.h"
 
 using corvane::test::coarsened;

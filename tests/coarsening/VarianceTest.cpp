@@ -1,4 +1,4 @@
-// What the analysis finds, in the words in which it can be printed.
+// Tests of what the analysis finds, by the text that --analysis prints.
 #include "tests/coarsening/Sources.h"
 
 using corvane::test::coarsened;
@@ -95,7 +95,7 @@ TEST(Variance, SharesLocalMemoryThatIsTheSameInEveryGroup) {
   EXPECT_EQ(analysis(source, "l0S2"), "differs: l\n");
 }
 
-TEST(Variance, TakesLocalMemoryBehindPointersForDifferentOnceOneStoreIs) {
+TEST(Variance, TakesLocalMemoryReachedByPointersForDifferentOnceOneStoreIs) {
   EXPECT_EQ(analysis("kernel void k(global int *a) {\n"
                      "local int t[8]; local int *p = t;\n"
                      "p[get_local_id(0)] = a[get_global_id(0)];\n"

@@ -309,9 +309,9 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         folder = arguments.folder or pathlib.Path(scratch)
         folder.mkdir(parents=True, exist_ok=True)
-        # What the runtime compiles is of no use to a later run. PoCL 3.1 must not
-        # vectorise: some variants that change one place in memory twice then come
-        # out wrong, and right in plain loops.
+        # A new cache, because a later run does not need what this one compiles.
+        # Without PoCL 3.1's vectoriser, which compiles some variants that change
+        # one place in memory twice wrongly; plain loops are right.
         environment = dict(os.environ, POCL_CACHE_DIR=str(folder / "cache"),
                            POCL_WORK_GROUP_METHOD="loops")
         for start in range(arguments.first, end, arguments.each):

@@ -1,4 +1,4 @@
-// Functions with barriers, which are put into the kernels that call them.
+// Functions with barriers, which are inlined into the kernels that call them.
 //! kernel summed
 //! arguments buffer int 1024 below 50, buffer int 1024, int 3
 //! launch 1024 / 32

@@ -1,4 +1,4 @@
-// Global ids worked out from groups, sizes and local ids.
+// Global ids computed from groups, sizes and local ids.
 //! kernel shifted
 //! arguments buffer int 1024, buffer int 1024
 //! launch 1024 / 64
