@@ -1,4 +1,4 @@
-// A program that corvane runs in tests. It stands for one with the layer: its
+// The program that corvane runs in tests, in place of one that uses OpenCL. Its
 // arguments say what it does, one thing after the other.
 //
 //   print VARIABLE       writes "VARIABLE=value", or "no VARIABLE"

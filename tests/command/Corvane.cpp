@@ -1,4 +1,4 @@
-// Commands go through the system's shell, which every system has.
+// Runs commands through the shell of the system, and makes records of runs.
 
 #include "tests/command/Corvane.h"
 

@@ -1,4 +1,4 @@
-// Running the built program with invented folders.
+// Runs the built program corvane with folders and records that a test makes up.
 
 #pragma once
 
@@ -15,28 +15,28 @@
 
 namespace corvane::test {
 
-/// The program corvane and all that one test gives it, in a folder of its own
-/// without anything of the user's environment that would matter.
+/// Runs corvane in a folder of the test's own, and without those of the user's
+/// environment variables that matter to it.
 class CorvaneTest : public testing::Test {
 protected:
   CorvaneTest();
 
-  /// What a program left behind.
+  /// How a program ended, and what it wrote.
   struct Outcome {
     int exitCode = -1;
     std::string out;
     std::string err;
   };
 
-  /// Runs \p command and waits; its first word is a program's path. Each word
-  /// reaches it as it is, without any quotation marks in it.
+  /// Runs \p command and waits. The first word is the path of a program; the
+  /// program gets the others as they are. They must not have quotation marks.
   Outcome runProgram(const std::vector<std::string> &command) const;
 
   /// Runs corvane with these arguments.
   Outcome corvane(std::vector<std::string> arguments) const;
 
-  /// The same for "tune --output" the test's folder, of the application with
-  /// its own \p arguments.
+  /// Runs "corvane tune" with the test's folder as its output, on the
+  /// application with \p arguments.
   Outcome tuned(const std::vector<std::string> &arguments) const;
 
   /// Defines a variable for the length of the test.
@@ -44,7 +44,7 @@ protected:
     variables.emplace_back(name, value);
   }
 
-  /// The record of a run, as a file; returns its path.
+  /// Writes the record of a run to a file; returns its path.
   std::string recordFile(const std::string &name,
                          const std::vector<RunLine> &lines) const;
 

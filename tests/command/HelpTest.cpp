@@ -1,4 +1,4 @@
-// What corvane says of itself, and of arguments that it does not take.
+// Tests of the help of corvane, and of arguments that it refuses.
 
 #include "tests/command/Corvane.h"
 

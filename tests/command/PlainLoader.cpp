@@ -1,4 +1,4 @@
-// An OpenCL loader that takes no layers.
+// Plays an OpenCL loader that takes no layers.
 
 extern "C" __attribute__((visibility("default"))) int
 clGetPlatformIDs(unsigned, void *, unsigned *count);

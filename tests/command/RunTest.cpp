@@ -1,4 +1,4 @@
-// corvane run: the program in its environment.
+// Tests of corvane run.
 
 #include "tests/command/Corvane.h"
 

@@ -1,4 +1,5 @@
-// How corvane and its program end by signals, and what it says of loaders.
+// Tests of signals to corvane and its program, and of the messages about
+// loaders.
 
 #include "tests/command/Corvane.h"
 
@@ -16,7 +17,7 @@ using testing::StartsWith;
 namespace {
 class Signals : public CorvaneTest {
 protected:
-  /// Starts corvane with the application, whose output ends in \p pipe.
+  /// Starts corvane with the application, whose output goes to \p pipe.
   pid_t start(const char *command, int pipe) const {
     const std::string corvaneOption =
         std::string(command) == "tune" ? "--output" : "--profile";
@@ -133,7 +134,8 @@ TEST_F(Loader, ThatTakesNoneIsNamed) {
 }
 
 TEST_F(Loader, ThatIsMissingIsNamed) {
-  // The system looks no further when it has found something of that name.
+  // The system does not look for another file once it has found one of that
+  // name.
   ASSERT_TRUE(folder.write("libOpenCL.so.1", "nothing"));
   define("LD_LIBRARY_PATH", folder.text());
   EXPECT_THAT(tuned({"say", "hello"}).err,

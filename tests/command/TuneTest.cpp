@@ -1,4 +1,5 @@
-// corvane tune: the program in its environment, then the profile and the table.
+// Tests of corvane tune: the environment of the program, the profile, the
+// table.
 
 #include "tests/command/Corvane.h"
 

@@ -34,7 +34,7 @@ TEST_P(ForwardingKernels, CreateKernelHandsNameAndStatusOn) {
   const auto [askedProgram, askedName, statusPlace] = Entry::calls[0];
   EXPECT_EQ(askedProgram, program);
   EXPECT_EQ(askedName, name);
-  // With a state the hook has to know the status in any case.
+  // With a state the hook itself needs the status.
   EXPECT_NE(statusPlace, nullptr);
   EXPECT_EQ(statusPlace == &status, !hasState());
 }
@@ -48,7 +48,8 @@ TEST_P(ForwardingKernels, CreateKernelNeedsNoPlaceForItsStatus) {
   EXPECT_EQ(std::get<1>(Probe<entry>::calls[0]), nullptr);
 }
 
-// The one result that is made up: the agent has never seen the program.
+// The only result that is not the runtime's: the agent does not know the
+// program.
 TEST_P(ForwardingKernels, CreateKernelsInProgramKnowsItsPrograms) {
   constexpr auto entry = &DispatchTable::clCreateKernelsInProgram;
   using Entry = Probe<entry>;

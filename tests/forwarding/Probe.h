@@ -1,4 +1,4 @@
-// Stands in for an entry of the runtime and keeps what it was called with.
+// Replaces an entry of the runtime and keeps what it was called with.
 
 #pragma once
 
@@ -24,8 +24,8 @@ template <typename Pointer> Pointer nonsense(std::uintptr_t number) {
 
 template <auto entry, typename = decltype(entry)> class Probe;
 
-/// The entry itself. Answers with a result, and with unlikelyStatus where the
-/// caller wants a status in its last argument.
+/// The entry. Returns a result, and stores unlikelyStatus if the caller wants a
+/// status in its last argument.
 template <auto entry, typename Result, typename... Arguments>
 class Probe<entry, Result (CL_API_CALL *DispatchTable::*)(Arguments...)> {
 public:
@@ -56,8 +56,8 @@ private:
 /// What the agent knows when the call comes.
 enum class Known { State, NothingAnyMore };
 
-/// A hook is called once in each of two lives of the agent: with its state, and
-/// after the unload has taken that away. Nothing that is called is tracked.
+/// Calls a hook once while the agent has its state, and once after the unload
+/// has taken it away. The objects in the calls are unknown to the agent.
 class Forwarding : public testing::TestWithParam<Known> {
 protected:
   bool hasState() const { return GetParam() == Known::State; }

@@ -93,7 +93,7 @@ TEST_P(ForwardingPrograms, GetProgramInfoChangesNothing) {
   }
 }
 
-// With a state only to learn whether the runtime would answer.
+// With a state the hook makes the call to find out whether the runtime answers.
 TEST_P(ForwardingPrograms, GetProgramInfoAsksForNamesWithoutAPlaceForThem) {
   constexpr auto entry = &DispatchTable::clGetProgramInfo;
   using Entry = Probe<entry>;
@@ -115,7 +115,8 @@ TEST_P(ForwardingPrograms, GetProgramInfoAsksForNamesWithoutAPlaceForThem) {
   }
 }
 
-// The notification would come before the agent has seen the program.
+// If the runtime had the notification function, it would call it before the
+// agent has looked at the program.
 TEST_P(ForwardingPrograms, LinkProgramKeepsTheNotificationBackWithState) {
   constexpr auto entry = &DispatchTable::clLinkProgram;
   using Entry = Probe<entry>;

@@ -11,13 +11,13 @@
 
 namespace corvane::test {
 
-/// What a host passes to `clAgent_OnLoad`, and the table that its applications
+/// What a runtime passes to `clAgent_OnLoad`, and the table that applications
 /// call through. For programs that play a runtime in a process of their own;
 /// the scripted runtime has a FakeAgent, which also records and answers the
 /// calls.
 ///
-/// Lives from the load to the unload. No lock: nothing may call through the
-/// table while the agent replaces it.
+/// Must exist from the load to the unload. Not locked: nothing may call through
+/// the table while the agent replaces it.
 class AgentHost {
 public:
   explicit AgentHost(const DispatchTable &own = {}) : object{{}, own} {

@@ -17,7 +17,8 @@ if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "Installed: ${installed}\nExpected: ${expected}")
 endif()
 
-# The agent is found beside the layer, and the report's script by its location.
+# The layer finds the agent in its own folder; a variable names the folder of the
+# report's script.
 execute_process(
   COMMAND "${CMAKE_COMMAND}" -E env
     "OPENCL_LAYERS=${prefix}/lib/${LAYER}"
