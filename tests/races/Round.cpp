@@ -29,7 +29,8 @@ static loose::Behaviour behaviourOf(const RoundPlan &plan) {
 }
 
 Round::Round(const RoundPlan &roundPlan)
-    : plan(roundPlan), folder(folderInMemory()), runtime(behaviourOf(roundPlan)) {
+    : plan(roundPlan), folder(folderInMemory()),
+      runtime(behaviourOf(roundPlan)) {
   for (const char *name :
        {variable::autotuneShadow, variable::bypassVectorizationSafetyCheck})
     environment.emplace_back(name, nullptr);

@@ -1,8 +1,8 @@
 // Tests of the order of conditions, and of what a condition does by default.
 #include "variants/Transform.h"
 
-#include "variants/CoarseRequest.h"
 #include "variants/ArgumentConditions.h"
+#include "variants/CoarseRequest.h"
 
 #include <gtest/gtest.h>
 

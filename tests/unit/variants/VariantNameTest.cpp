@@ -1,8 +1,8 @@
 // Tests of which kernel names are variants' names, and of what they say.
 #include "variants/VariantName.h"
 
-#include "variants/CoarseRequest.h"
 #include "variants/ArgumentConditions.h"
+#include "variants/CoarseRequest.h"
 
 #include <gmock/gmock.h>
 
