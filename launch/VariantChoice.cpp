@@ -2,6 +2,8 @@
 
 #include "launch/VariantChoice.h"
 
+#include "variants/CoarseRequest.h"
+
 #include "llvm/Support/raw_ostream.h"
 
 #include <cstring>
@@ -100,17 +102,6 @@ std::vector<VariantChoice> corvane::variantsToTune(KernelRecord &record,
   return accepting;
 }
 
-static void writeSizes(llvm::raw_ostream &text, const LaunchSizes &sizes) {
-  const auto write = [&](const Sizes &of) {
-    for (std::size_t d = 0; d != sizes.dimensions && d != of.size(); ++d)
-      text << (d == 0 ? "" : "x") << of[d];
-  };
-  text << "global size ";
-  write(sizes.global);
-  text << ", local size ";
-  write(sizes.local);
-}
-
 static void writeArgument(llvm::raw_ostream &text,
                           const RecordedArgument &argument) {
   text << "argument " << argument.index;
@@ -148,8 +139,10 @@ std::string corvane::explain(const Refusal &refusal, const LaunchSizes &sizes) {
     text << "the runtime did not create the variant's kernel";
     break;
   case Reason::RejectedSizes:
-    text << refusal.condition->specText() << " rejects ";
-    writeSizes(text, sizes);
+    // No other condition looks at sizes.
+    text << whyRejected(
+        static_cast<const llvm::CoarseRequest &>(*refusal.condition),
+        sizes.dimensions, sizes.global.data(), sizes.local.data());
     break;
   case Reason::NoGlobalSize:
     text << "the launch has no global size";

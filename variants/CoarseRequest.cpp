@@ -123,6 +123,46 @@ bool CoarseRequest::precedes(const Transform &other) const {
 
 } // namespace llvm
 
+static std::string notAMultiple(const char *what, std::size_t size,
+                                std::size_t divisor) {
+  return what + std::to_string(size) + " is not a multiple of " +
+         std::to_string(divisor);
+}
+
+static std::string whyGlobalIsRejected(const llvm::CoarseRequest &request,
+                                       std::size_t global, std::size_t local,
+                                       std::uint32_t divisor) {
+  if (!llvm::divides(divisor, global))
+    return notAMultiple("", global, divisor);
+  return notAMultiple("", global / llvm::globalDivisor(request),
+                      std::max<std::size_t>(local, 1));
+}
+
+std::string corvane::whyRejected(const llvm::CoarseRequest &request,
+                                 std::uint32_t workDim,
+                                 const std::size_t *globalSizes,
+                                 const std::size_t *localSizes) {
+  using llvm::CoarseMode;
+  if (request.dim >= workDim)
+    return "the launch has no dimension " + std::to_string(request.dim);
+  const std::size_t global = globalSizes[request.dim];
+  const std::size_t local = localSizes[request.dim];
+  constexpr const char *groupSize = "the work-group size ";
+  if (request.mode != CoarseMode::Global && local == 0)
+    return "the launch has no work-group size";
+  if (request.extraFactor > 1 && local == 0)
+    return "the launch has no work-group size";
+  if (request.mode == CoarseMode::Local)
+    return notAMultiple(groupSize, local, llvm::fullDivisor(request));
+  if (request.mode == CoarseMode::Global)
+    return whyGlobalIsRejected(request, global, local,
+                               llvm::fullDivisor(request));
+  if (!llvm::divides(llvm::groupDivisor(request), local))
+    return notAMultiple(groupSize, local, llvm::groupDivisor(request));
+  return whyGlobalIsRejected(request, global, local,
+                             llvm::globalDivisor(request));
+}
+
 static std::optional<llvm::CoarseMode> modeOf(char letter) {
   switch (letter) {
   case 'l':

@@ -41,6 +41,12 @@ struct CoarseRequest : Transform {
 
 namespace corvane {
 
+/// Why `request`, which rejects a launch of these sizes, does so: "1022 is not
+/// a multiple of 16". For the parameters see Transform.
+std::string whyRejected(const llvm::CoarseRequest &request,
+                        std::uint32_t workDim, const std::size_t *globalSizes,
+                        const std::size_t *localSizes);
+
 /// The request that an item of a spec makes: null unless the letter is 'c', 'g'
 /// or 'l' and there are at least two numbers.
 std::unique_ptr<llvm::Transform>

@@ -121,9 +121,9 @@ TEST_F(VariantChoices, AreNoneOnceAnArgumentCannotBeReplayed) {
 TEST_F(VariantChoices, SayWhichConditionRefusesWhichSizes) {
   create({"g0S4", "c1S2", "l0S4g0S2"});
   EXPECT_THAT(explanations(launchOf({48, 6}, {8, 3})),
-              ElementsAre("g0S4 rejects global size 48x6, local size 8x3",
-                          "c1S2 rejects global size 48x6, local size 8x3",
-                          "l0S4 rejects global size 48x6, local size 8x3"));
+              ElementsAre("12 is not a multiple of 8",
+                          "the work-group size 3 is not a multiple of 2",
+                          "the work-group size 8 is not a multiple of 16"));
 }
 
 TEST_F(VariantChoices, SayWhichConditionRefusesWhichArgument) {
