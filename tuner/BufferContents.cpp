@@ -3,9 +3,11 @@
 #include "tuner/BufferContents.h"
 
 #include "agent/RuntimeTable.h"
+#include "tuner/TuningThread.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 using namespace corvane;
@@ -35,6 +37,7 @@ cl_int BufferContents::readFrom(cl_command_queue queue) {
     const cl_int status = runtime().clEnqueueReadBuffer(
         queue, buffers[i].memory.get(), CL_TRUE, 0, buffers[i].size,
         copies[i].get(), 0, nullptr, nullptr);
+    leaveIfAbandoned();
     if (status != CL_SUCCESS)
       return status;
   }
@@ -46,10 +49,19 @@ cl_int BufferContents::writeTo(cl_command_queue queue) const {
     const cl_int status = runtime().clEnqueueWriteBuffer(
         queue, buffers[i].memory.get(), CL_TRUE, 0, buffers[i].size,
         copies[i].get(), 0, nullptr, nullptr);
+    leaveIfAbandoned();
     if (status != CL_SUCCESS)
       return status;
   }
   return CL_SUCCESS;
+}
+
+bool BufferContents::hasContentsOf(const BufferContents &other) const {
+  for (std::size_t i = 0; i != buffers.size(); ++i)
+    if (std::memcmp(copies[i].get(), other.copies[i].get(), buffers[i].size) !=
+        0)
+      return false;
+  return true;
 }
 
 cl_int BufferContents::compareBuffer(cl_command_queue queue, std::size_t index,
@@ -61,6 +73,7 @@ cl_int BufferContents::compareBuffer(cl_command_queue queue, std::size_t index,
     const cl_int status =
         runtime().clEnqueueReadBuffer(queue, buffer.memory.get(), CL_TRUE, at,
                                       length, piece.get(), 0, nullptr, nullptr);
+    leaveIfAbandoned();
     if (status != CL_SUCCESS)
       return status;
     comparison.addPiece(at, copies[index].get() + at, piece.get(), length);

@@ -37,6 +37,9 @@ public:
   cl_int readFrom(cl_command_queue queue);
   cl_int writeTo(cl_command_queue queue) const;
 
+  /// Whether both copies, which are of the same buffers, are the same.
+  bool hasContentsOf(const BufferContents &other) const;
+
   /// Where the buffers differ from the copy.
   struct Check {
     Equality equality = Equality::Equal;

@@ -25,9 +25,13 @@ TuningJob::~TuningJob() { letGo(); }
 void TuningJob::letGo() {
   const Owned<cl_event> done = std::move(launch.done);
   launch = TunedLaunch();
-  if (done)
-    (void)runtime().clSetUserEventStatus(
-        done.get(), buffersAreSpoiled ? CL_OUT_OF_RESOURCES : CL_COMPLETE);
+  if (!done)
+    return;
+  const cl_int status = buffersAreSpoiled ? CL_OUT_OF_RESOURCES : CL_COMPLETE;
+  // The application waits for it: a failure is not taken for an answer the
+  // first time.
+  if (runtime().clSetUserEventStatus(done.get(), status) != CL_SUCCESS)
+    (void)runtime().clSetUserEventStatus(done.get(), status);
 }
 
 void TuningJob::run() noexcept {
@@ -51,7 +55,7 @@ void TuningJob::run() noexcept {
 }
 
 TuningEnd TuningJob::measure() {
-  if (budget->isSpent())
+  if (budget->isSpent() || tuningIsStopped())
     return TuningEnd::OutOfTime;
   saved = BufferContents::allocate(launch.buffers);
   reference = BufferContents::allocate(launch.buffers);
@@ -71,6 +75,8 @@ TuningEnd TuningJob::measure() {
     if (saved->writeTo(launch.queue.get()) != CL_SUCCESS)
       return TuningEnd::Failed;
     buffersAreSpoiled = false;
+    if (wroteNothing)
+      return TuningEnd::Unchanged;
   }
   return TuningEnd::Measured;
 }
@@ -103,7 +109,10 @@ bool TuningJob::makeRun(const PlannedRun &run) {
   const Owned<cl_event> event = enqueue(launch.versions[run.version]);
   const cl_event waitFor = event.get();
   // A run that fails while it is executed makes the wait fail.
-  if (!event || runtime().clWaitForEvents(1, &waitFor) != CL_SUCCESS)
+  const bool succeeded =
+      event && runtime().clWaitForEvents(1, &waitFor) == CL_SUCCESS;
+  leaveIfAbandoned();
+  if (!succeeded)
     return false;
   const std::optional<double> microseconds = timeOf(waitFor);
   plan.completed(run, microseconds);
@@ -111,8 +120,17 @@ bool TuningJob::makeRun(const PlannedRun &run) {
     listener->sampled(run.version, *microseconds,
                       run.purpose != PlannedRun::Purpose::Sample);
   if (run.purpose == PlannedRun::Purpose::Reference)
-    return reference->readFrom(launch.queue.get()) == CL_SUCCESS;
+    return takeReference();
   return !run.compared || checkRun(run);
+}
+
+// A variant that does nothing would pass where the contents do not change.
+bool TuningJob::takeReference() {
+  if (reference->readFrom(launch.queue.get()) != CL_SUCCESS)
+    return false;
+  wroteNothing = tolerance.mode != Tolerance::Mode::Off &&
+                 reference->hasContentsOf(*saved);
+  return true;
 }
 
 bool TuningJob::checkRun(const PlannedRun &run) {

@@ -65,6 +65,7 @@ struct TunedLaunch {
 /// How a job ended.
 enum class TuningEnd : std::uint8_t {
   Measured,  ///< the plan is through
+  Unchanged, ///< the original wrote what was there: nothing can be compared
   OutOfTime, ///< the budget is spent, or tuning was stopped
   NoMemory,  ///< for copies of the buffers
   Failed,    ///< a call to the runtime that measuring cannot do without
@@ -100,6 +101,7 @@ public:
 private:
   TuningEnd measure();
   bool makeRun(const PlannedRun &run);
+  bool takeReference();
   bool checkRun(const PlannedRun &run);
   std::optional<double> timeOf(cl_event event) const;
   Owned<cl_event> enqueue(const MeasuredVersion &version) const;
@@ -113,6 +115,7 @@ private:
   std::unique_ptr<BufferContents> saved;
   std::unique_ptr<BufferContents> reference;
   bool buffersAreSpoiled = false;
+  bool wroteNothing = false; ///< the reference run
 };
 
 } // namespace corvane

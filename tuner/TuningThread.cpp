@@ -3,6 +3,7 @@
 #include "tuner/TuningThread.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -16,12 +17,16 @@ namespace {
 struct TaskQueue {
   std::mutex lock;
   std::condition_variable filled;
+  std::condition_variable emptied;
   std::deque<std::unique_ptr<TuningTask>> tasks;
   bool hasThread = false;
+  bool isBusy = false; ///< with a task that is taken off the list
+  std::thread::id thread;
 };
 } // namespace
 
 static std::atomic<bool> stopped{false};
+static std::atomic<bool> abandoned{false};
 
 // Never destroyed: the thread outlives every destructor of the process.
 static TaskQueue &taskQueue() {
@@ -34,17 +39,30 @@ static std::unique_ptr<TuningTask> takeTask(TaskQueue &queue) {
   queue.filled.wait(guard, [&queue] { return !queue.tasks.empty(); });
   std::unique_ptr<TuningTask> task = std::move(queue.tasks.front());
   queue.tasks.pop_front();
+  queue.isBusy = true;
   return task;
 }
 
+static void finishTask(TaskQueue &queue) {
+  const std::lock_guard<std::mutex> guard(queue.lock);
+  queue.isBusy = false;
+  queue.emptied.notify_all();
+}
+
 static void runTasks(TaskQueue &queue) {
-  for (;;)
-    takeTask(queue)->run();
+  for (;;) {
+    std::unique_ptr<TuningTask> task = takeTask(queue);
+    task->run();
+    task.reset();
+    finishTask(queue);
+  }
 }
 
 static bool startThread(TaskQueue &queue) {
   try {
-    std::thread(runTasks, std::ref(queue)).detach();
+    std::thread thread(runTasks, std::ref(queue));
+    queue.thread = thread.get_id();
+    thread.detach();
   } catch (const std::system_error &) {
     return false;
   }
@@ -52,7 +70,7 @@ static bool startThread(TaskQueue &queue) {
 }
 
 bool corvane::postTuningTask(std::unique_ptr<TuningTask> &task) {
-  if (tuningIsStopped())
+  if (tuningIsStopped() || abandoned)
     return false;
   TaskQueue &queue = taskQueue();
   std::lock_guard<std::mutex> guard(queue.lock);
@@ -68,5 +86,21 @@ bool corvane::postTuningTask(std::unique_ptr<TuningTask> &task) {
 void corvane::stopTuning() { stopped = true; }
 
 bool corvane::tuningIsStopped() { return stopped; }
+
+bool corvane::waitForTuning(std::chrono::milliseconds most) {
+  TaskQueue &queue = taskQueue();
+  std::unique_lock<std::mutex> guard(queue.lock);
+  if (queue.thread == std::this_thread::get_id())
+    return false;
+  return queue.emptied.wait_for(
+      guard, most, [&queue] { return queue.tasks.empty() && !queue.isBusy; });
+}
+
+void corvane::abandonTuning() { abandoned = true; }
+
+void corvane::leaveIfAbandoned() {
+  while (abandoned)
+    std::this_thread::sleep_for(std::chrono::hours(1));
+}
 
 void corvane::resumeTuning() { stopped = false; }

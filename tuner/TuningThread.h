@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 namespace corvane {
@@ -29,6 +30,20 @@ void stopTuning();
 
 /// Whether stopTuning was called.
 bool tuningIsStopped();
+
+/// Waits until no task is under way or waits for its turn, but not longer than
+/// \p most; returns whether that is so. Call stopTuning before. On the tuning
+/// thread it waits for nothing.
+bool waitForTuning(std::chrono::milliseconds most);
+
+/// From now on the thread makes no call to the runtime, which may be gone soon,
+/// and what waits for its tasks waits for ever. For the end of a process whose
+/// tasks do not end.
+void abandonTuning();
+
+/// On the tuning thread, after each call that may have taken long: does not
+/// return once tuning is abandoned.
+void leaveIfAbandoned();
 
 /// Allows tasks again, for an agent that is loaded once more.
 void resumeTuning();

@@ -26,10 +26,12 @@ bool MeasuringPlan::hasRival() const {
 }
 
 std::optional<PlannedRun> MeasuringPlan::next() {
-  if (!hasRival())
+  if (!isInPlay(0) || versions.size() == 1)
     return std::nullopt;
   if (std::optional<PlannedRun> run = nextWarmUp())
     return run;
+  if (!hasRival())
+    return std::nullopt;
   return nextSample();
 }
 

@@ -36,7 +36,8 @@ struct PlannedRun {
 /// The order of runs for one kernel with sizes on a device, and their times.
 ///
 /// First the application's kernel runs for a reference, then every candidate
-/// runs once without counting, and the kernel once more. Rounds in rotating
+/// runs once without counting, and the kernel once more, so that what differs
+/// from itself is known even if no candidate is left. Rounds in rotating
 /// order follow, so that no version always runs after the same other one, until
 /// every version has its samples. Outputs are compared after a version's first
 /// run and its last. Not for several threads at once.

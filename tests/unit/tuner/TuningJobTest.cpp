@@ -210,6 +210,24 @@ TEST_F(TuningJobTest, CountsNoRunWithoutCounters) {
   expectNoTrace();
 }
 
+TEST_F(TuningJobTest, ComparesNothingWhereTheOriginalChangesNothing) {
+  original.body = nullptr;
+  variant.body = nullptr;
+  run();
+  EXPECT_EQ(told.end, TuningEnd::Unchanged);
+  EXPECT_EQ(original.runs, 1);
+  EXPECT_EQ(variant.runs, 0);
+  expectNoTrace();
+}
+
+TEST_F(TuningJobTest, MeasuresWhatChangesNothingWhereNothingIsCompared) {
+  original.body = nullptr;
+  variant.body = nullptr;
+  run(Tolerance{Tolerance::Mode::Off, 0.0});
+  EXPECT_EQ(told.end, TuningEnd::Measured);
+  expectNoTrace();
+}
+
 TEST_F(TuningJobTest, StopsWhenTheTimeIsSpent) {
   budget->limit = std::chrono::seconds(1);
   runtime.onWrite = [this] {
@@ -230,7 +248,10 @@ TEST_F(TuningJobTest, RunsNothingOnceTheTimeIsSpent) {
 }
 
 TEST_F(TuningJobTest, StopsAtTheEndOfTuning) {
-  original.body = [] { stopTuning(); };
+  original.body = [this] {
+    square(0.0F);
+    stopTuning();
+  };
   run();
   resumeTuning();
   EXPECT_EQ(told.end, TuningEnd::OutOfTime);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <future>
 #include <mutex>
 #include <thread>
@@ -47,6 +49,27 @@ TEST(TuningThread, TakesTasksFromATask) {
   std::promise<void> inner;
   ASSERT_TRUE(post([&] { post([&] { inner.set_value(); }); }));
   inner.get_future().wait();
+}
+
+TEST(TuningThread, IsWaitedForUntilItsTasksAreOver) {
+  std::promise<void> gate;
+  std::atomic<int> over{0};
+  ASSERT_TRUE(post([&] {
+    gate.get_future().wait();
+    ++over;
+  }));
+  ASSERT_TRUE(post([&] { ++over; }));
+  EXPECT_FALSE(waitForTuning(std::chrono::milliseconds(1)));
+  gate.set_value();
+  EXPECT_TRUE(waitForTuning(std::chrono::hours(1)));
+  EXPECT_EQ(over, 2);
+}
+
+TEST(TuningThread, DoesNotWaitForItself) {
+  std::promise<bool> answer;
+  ASSERT_TRUE(
+      post([&] { answer.set_value(waitForTuning(std::chrono::hours(1))); }));
+  EXPECT_FALSE(answer.get_future().get());
 }
 
 TEST(TuningThread, LeavesTasksToTheCallerOnceTuningIsStopped) {

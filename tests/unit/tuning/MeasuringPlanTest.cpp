@@ -115,11 +115,11 @@ TEST(MeasuringPlan, DropsAVersionAfterTwoSamplesOfTwiceTheTime) {
   EXPECT_THAT(plan.samples(2), SizeIs(5));
 }
 
-TEST(MeasuringPlan, EndsWithTheLastCandidate) {
+TEST(MeasuringPlan, ComparesTheOriginalWithItselfAfterTheLastCandidate) {
   MeasuringPlan plan(1, 5, true);
   Play play{{5, 4}};
   play.works = [](const PlannedRun &run) { return run.version == 0; };
-  EXPECT_THAT(play.through(plan), ElementsAre("0r", "1wc"));
+  EXPECT_THAT(play.through(plan), ElementsAre("0r", "1wc", "0wc"));
   EXPECT_EQ(plan.fate(1), VersionFate::Failed);
 }
 
