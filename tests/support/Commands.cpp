@@ -21,6 +21,7 @@ void Commands::submit(Command command) {
       ++object->uses;
     ++command.event->uses;
     queued.push_back(std::move(command));
+    changed.notify_all();
   }
   runAllIfPrompt();
 }
@@ -88,6 +89,17 @@ void Commands::runUntilOver(const Event &event) {
   }
 }
 
+void Commands::waitUntilOver(const Event &event) {
+  while (true) {
+    runUntilOver(event);
+    std::unique_lock<std::recursive_mutex> guard(lock);
+    if (event.over())
+      return;
+    if (std::none_of(queued.begin(), queued.end(), mayRun))
+      changed.wait(guard);
+  }
+}
+
 void Commands::end(const std::shared_ptr<Event> &event, cl_int status) {
   std::vector<std::function<void(cl_int)>> callbacks;
   {
@@ -96,6 +108,7 @@ void Commands::end(const std::shared_ptr<Event> &event, cl_int status) {
       return;
     event->status = status;
     callbacks.swap(event->callbacks);
+    changed.notify_all();
   }
   for (auto &callback : callbacks)
     fire([callback = std::move(callback), status] { callback(status); });

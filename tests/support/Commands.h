@@ -4,6 +4,7 @@
 
 #include "tests/support/FakeObjects.h"
 
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -49,6 +50,9 @@ public:
   /// Runs commands, oldest first, until \p event is over or none may run.
   void runUntilOver(const Event &event);
 
+  /// The same, and waits for other threads to run what this one cannot.
+  void waitUntilOver(const Event &event);
+
   /// Ends an event that is no command's and runs what waits for it, unless
   /// commands are late.
   void endUserEvent(const std::shared_ptr<Event> &event, cl_int status);
@@ -75,6 +79,7 @@ private:
   void runAllIfPrompt();
 
   std::recursive_mutex &lock;
+  std::condition_variable_any changed; ///< something was submitted or ended
   Letter letGo;
   bool late = false;
   bool holding = false;

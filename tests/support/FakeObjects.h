@@ -30,9 +30,13 @@ struct Context : Object {};
 
 struct Queue : Object {
   cl_command_queue_properties properties = 0;
+  cl_context context = nullptr;
+  cl_device_id device = nullptr;
 };
 
 struct Program : Object {
+  std::string source;  ///< empty: made of something else
+  std::string options; ///< of the latest build
   std::vector<Build> builds{Build{}};
   std::size_t buildCount = 0; ///< so far
   unsigned deviceCount = 1;
@@ -64,6 +68,7 @@ struct Buffer : Object {
 };
 
 struct Event : Object {
+  bool isUsers = false; ///< no command's: the application ends it
   cl_int status = CL_SUBMITTED;
   bool profiled = false;
   cl_ulong start = 0; ///< nanoseconds

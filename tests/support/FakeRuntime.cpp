@@ -12,12 +12,8 @@ using namespace corvane::test;
 using Lock = std::lock_guard<std::recursive_mutex>;
 
 FakeRuntime::FakeRuntime() : agentObject(world) {
-  for (const char *name :
-       {variable::corvane, variable::autotune, variable::autotuneShadow,
-        variable::dumpLog, variable::installLocation,
-        variable::flushOnReleaseContext,
-        variable::bypassVectorizationSafetyCheck})
-    environment.emplace_back(name, nullptr);
+  for (const Setting &setting : settings)
+    environment.emplace_back(setting.name, nullptr);
 }
 
 FakeRuntime::~FakeRuntime() {
@@ -37,6 +33,8 @@ cl_command_queue FakeRuntime::queue() {
   if (!theQueue) {
     auto queue = std::make_shared<Queue>();
     queue->properties = CL_QUEUE_PROFILING_ENABLE;
+    queue->context = context();
+    queue->device = device();
     theQueue = world.objects.add<cl_command_queue>(queue);
   }
   return theQueue;
@@ -53,7 +51,9 @@ cl_mem FakeRuntime::addBuffer(std::size_t size, cl_mem_flags flags) {
 
 cl_event FakeRuntime::addEvent() {
   Lock guard(world.lock);
-  return world.objects.add<cl_event>(std::make_shared<Event>());
+  auto event = std::make_shared<Event>();
+  event->isUsers = true;
+  return world.objects.add<cl_event>(event);
 }
 
 ProgramScript FakeRuntime::addProgram() {

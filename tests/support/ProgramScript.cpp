@@ -15,6 +15,11 @@ ProgramScript &ProgramScript::kernel(const std::string &name,
   return *this;
 }
 
+ProgramScript &ProgramScript::source(const std::string &text) {
+  program->source = text;
+  return *this;
+}
+
 ProgramScript &ProgramScript::declares(cl_uint argument,
                                        const Declaration &declaration) {
   program->builds.back().kernels.back().declarations[argument] = declaration;

@@ -48,6 +48,7 @@ struct Declaration {
   cl_kernel_arg_address_qualifier space = CL_KERNEL_ARG_ADDRESS_GLOBAL;
   cl_kernel_arg_access_qualifier access = CL_KERNEL_ARG_ACCESS_NONE;
   cl_kernel_arg_type_qualifier type = CL_KERNEL_ARG_TYPE_NONE;
+  std::string typeName = {}; ///< as "float*"
 };
 
 struct KernelScript {
@@ -74,6 +75,9 @@ public:
   /// The build has one kernel more, after those that it has already.
   ProgramScript &kernel(const std::string &name, cl_uint argumentCount = 0,
                         KernelBody body = {});
+
+  /// What the program was made of; without it it has no source.
+  ProgramScript &source(const std::string &text);
 
   /// How the latest kernel declares an argument.
   ProgramScript &declares(cl_uint argument, const Declaration &declaration);

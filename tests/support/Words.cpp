@@ -76,7 +76,23 @@ std::string test::kernelInfoName(cl_kernel_info name) {
 std::string test::queueInfoName(cl_command_queue_info name) {
   switch (name) {
     NAME(CL_QUEUE_PROPERTIES)
+    NAME(CL_QUEUE_CONTEXT)
+    NAME(CL_QUEUE_DEVICE)
     NAME(CL_QUEUE_REFERENCE_COUNT)
+  default:
+    return std::to_string(name);
+  }
+}
+
+std::string test::deviceInfoName(cl_device_info name) {
+  switch (name) {
+    NAME(CL_DEVICE_NAME)
+    NAME(CL_DEVICE_VENDOR)
+    NAME(CL_DEVICE_VERSION)
+    NAME(CL_DRIVER_VERSION)
+    NAME(CL_DEVICE_TYPE)
+    NAME(CL_DEVICE_MAX_COMPUTE_UNITS)
+    NAME(CL_DEVICE_LOCAL_MEM_SIZE)
   default:
     return std::to_string(name);
   }
@@ -84,6 +100,7 @@ std::string test::queueInfoName(cl_command_queue_info name) {
 
 std::string test::eventInfoName(cl_event_info name) {
   switch (name) {
+    NAME(CL_EVENT_COMMAND_TYPE)
     NAME(CL_EVENT_COMMAND_EXECUTION_STATUS)
     NAME(CL_EVENT_REFERENCE_COUNT)
   default:
@@ -96,6 +113,7 @@ std::string test::argumentInfoName(cl_kernel_arg_info name) {
     NAME(CL_KERNEL_ARG_ADDRESS_QUALIFIER)
     NAME(CL_KERNEL_ARG_ACCESS_QUALIFIER)
     NAME(CL_KERNEL_ARG_TYPE_QUALIFIER)
+    NAME(CL_KERNEL_ARG_TYPE_NAME)
   default:
     return std::to_string(name);
   }

@@ -30,6 +30,7 @@ std::string programInfoName(cl_program_info name);
 std::string kernelInfoName(cl_kernel_info name);
 std::string queueInfoName(cl_command_queue_info name);
 std::string eventInfoName(cl_event_info name);
+std::string deviceInfoName(cl_device_info name);
 std::string argumentInfoName(cl_kernel_arg_info name);
 std::string profilingInfoName(cl_profiling_info name);
 

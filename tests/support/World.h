@@ -87,6 +87,7 @@ public:
   std::deque<std::shared_ptr<Program>> nextLinked;
   std::deque<std::shared_ptr<Program>> nextFromSource;
   bool unsetArgumentsAllowed = false;
+  std::string driverVersion = "1.0"; ///< of every device
 
   Answers answers;       ///< has its own lock
   Transcript transcript; ///< has its own lock

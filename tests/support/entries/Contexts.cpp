@@ -35,6 +35,8 @@ cl_command_queue CL_API_CALL fake::clCreateCommandQueue(
     return nullptr;
   auto queue = std::make_shared<Queue>();
   queue->properties = properties;
+  queue->context = context;
+  queue->device = device;
   return world.objects.add<cl_command_queue>(queue);
 }
 
@@ -65,8 +67,46 @@ cl_int CL_API_CALL fake::clGetCommandQueueInfo(cl_command_queue handle,
   switch (what) {
   case CL_QUEUE_PROPERTIES:
     return answerValue(Wanted{capacity, value, size}, queue->properties);
+  case CL_QUEUE_CONTEXT:
+    return answerValue(Wanted{capacity, value, size}, queue->context);
+  case CL_QUEUE_DEVICE:
+    return answerValue(Wanted{capacity, value, size}, queue->device);
   case CL_QUEUE_REFERENCE_COUNT:
     return answerValue(Wanted{capacity, value, size}, queue->references);
+  default:
+    return CL_INVALID_VALUE;
+  }
+}
+
+cl_int CL_API_CALL fake::clGetDeviceInfo(cl_device_id device,
+                                         cl_device_info what, size_t capacity,
+                                         void *value, size_t *size) {
+  World &world = World::current("clGetDeviceInfo");
+  if (const auto failure =
+          world.begin("clGetDeviceInfo",
+                      {world.say(device), deviceInfoName(what),
+                       std::to_string(capacity), place(value), place(size)}))
+    return *failure;
+  std::lock_guard<std::recursive_mutex> guard(world.lock);
+  const unsigned number = world.numberOf(device);
+  const Wanted wanted{capacity, value, size};
+  if (number == 0)
+    return CL_INVALID_DEVICE;
+  switch (what) {
+  case CL_DEVICE_NAME:
+    return answer(wanted, "device " + std::to_string(number));
+  case CL_DEVICE_VENDOR:
+    return answer(wanted, std::string("maker"));
+  case CL_DEVICE_VERSION:
+    return answer(wanted, std::string("OpenCL 3.0"));
+  case CL_DRIVER_VERSION:
+    return answer(wanted, world.driverVersion);
+  case CL_DEVICE_TYPE:
+    return answerValue(wanted, cl_device_type{CL_DEVICE_TYPE_CPU});
+  case CL_DEVICE_MAX_COMPUTE_UNITS:
+    return answerValue(wanted, cl_uint{4});
+  case CL_DEVICE_LOCAL_MEM_SIZE:
+    return answerValue(wanted, cl_ulong{65536});
   default:
     return CL_INVALID_VALUE;
   }

@@ -20,8 +20,11 @@ cl_event CL_API_CALL fake::clCreateUserEvent(cl_context context,
   Lock guard(world.lock);
   const bool valid = world.objects.find(context) != nullptr;
   setStatus(status, valid ? CL_SUCCESS : CL_INVALID_CONTEXT);
-  return valid ? world.objects.add<cl_event>(std::make_shared<Event>())
-               : nullptr;
+  if (!valid)
+    return nullptr;
+  auto event = std::make_shared<Event>();
+  event->isUsers = true;
+  return world.objects.add<cl_event>(event);
 }
 
 cl_int CL_API_CALL fake::clSetUserEventStatus(cl_event handle, cl_int status) {
@@ -34,12 +37,37 @@ cl_int CL_API_CALL fake::clSetUserEventStatus(cl_event handle, cl_int status) {
     Lock guard(world.lock);
     event = world.objects.find(handle);
   }
-  if (!event)
+  if (!event || !event->isUsers)
     return CL_INVALID_EVENT;
   if (status > CL_COMPLETE)
     return CL_INVALID_VALUE;
   world.commands.endUserEvent(event, status);
   return CL_SUCCESS;
+}
+
+// Another thread may have to end what an event waits for.
+cl_int CL_API_CALL fake::clWaitForEvents(cl_uint count,
+                                         const cl_event *handles) {
+  World &world = World::current("clWaitForEvents");
+  if (const auto failure =
+          world.begin("clWaitForEvents", {world.sayAll(count, handles)}))
+    return *failure;
+  if (count == 0 || !handles)
+    return CL_INVALID_VALUE;
+  bool allSucceeded = true;
+  for (cl_uint i = 0; i != count; ++i) {
+    std::shared_ptr<Event> event;
+    {
+      Lock guard(world.lock);
+      event = world.objects.find(handles[i]);
+    }
+    if (!event)
+      return CL_INVALID_EVENT;
+    world.commands.waitUntilOver(*event);
+    allSucceeded &= event->status == CL_COMPLETE;
+  }
+  return allSucceeded ? CL_SUCCESS
+                      : CL_EXEC_STATUS_ERROR_FOR_EVENTS_IN_WAIT_LIST;
 }
 
 cl_int CL_API_CALL fake::clRetainEvent(cl_event event) {
@@ -66,6 +94,11 @@ cl_int CL_API_CALL fake::clGetEventInfo(cl_event handle, cl_event_info what,
   if (!event)
     return CL_INVALID_EVENT;
   switch (what) {
+  case CL_EVENT_COMMAND_TYPE:
+    return answerValue(
+        Wanted{capacity, value, size},
+        static_cast<cl_command_type>(
+            event->isUsers ? CL_COMMAND_USER : CL_COMMAND_NDRANGE_KERNEL));
   case CL_EVENT_COMMAND_EXECUTION_STATUS:
     return answerValue(Wanted{capacity, value, size}, event->status);
   case CL_EVENT_REFERENCE_COUNT:

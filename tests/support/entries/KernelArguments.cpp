@@ -59,6 +59,8 @@ static cl_int tell(const Declaration &declaration, cl_kernel_arg_info what,
     return answerValue(wanted, declaration.access);
   case CL_KERNEL_ARG_TYPE_QUALIFIER:
     return answerValue(wanted, declaration.type);
+  case CL_KERNEL_ARG_TYPE_NAME:
+    return answer(wanted, declaration.typeName);
   default:
     return CL_INVALID_VALUE;
   }

@@ -32,6 +32,8 @@ static cl_int tell(World &world, const Program &program, cl_program_info what,
     return CL_INVALID_PROGRAM_EXECUTABLE;
 
   switch (what) {
+  case CL_PROGRAM_SOURCE:
+    return fake::answer(wanted, program.source);
   case CL_PROGRAM_REFERENCE_COUNT:
     return answerValue(wanted, cl_uint{program.references});
   case CL_PROGRAM_NUM_DEVICES:
@@ -89,6 +91,8 @@ cl_int CL_API_CALL fake::clGetProgramBuildInfo(cl_program handle,
   const auto program = world.objects.find(handle);
   if (!program)
     return CL_INVALID_PROGRAM;
+  if (what == CL_PROGRAM_BUILD_OPTIONS)
+    return answer({capacity, value, size}, program->options);
   if (what != CL_PROGRAM_BUILD_LOG)
     return CL_INVALID_VALUE;
   const cl_int status =

@@ -57,12 +57,13 @@ cl_int CL_API_CALL fake::clReleaseProgram(cl_program program) {
       .release("clReleaseProgram", program, CL_INVALID_PROGRAM);
 }
 
-static cl_int build(World &world, cl_program handle) {
+static cl_int build(World &world, cl_program handle, const char *options) {
   Lock guard(world.lock);
   const auto program = world.objects.find(handle);
   if (!program)
     return CL_INVALID_PROGRAM;
   ++program->buildCount;
+  program->options = options ? options : "";
   return program->latest()->status;
 }
 
@@ -75,7 +76,7 @@ cl_int CL_API_CALL fake::clBuildProgram(cl_program program, cl_uint count,
           "clBuildProgram", {world.say(program), world.sayAll(count, devices),
                              quoted(options), place(notify), place(userData)}))
     return *failure;
-  const cl_int status = build(world, program);
+  const cl_int status = build(world, program, options);
   if (notify)
     notify(program, userData);
   return status;
