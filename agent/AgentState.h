@@ -20,6 +20,8 @@ struct BufferRecord;
 struct KernelRecord;
 struct LaunchHistory;
 struct ProgramRecord;
+class Tuning;
+class TuningRun;
 
 /// Everything that is remembered between load and flush. Records are defined by
 /// the folders that keep them; agent/entry/ knows all and makes the state.
@@ -40,6 +42,11 @@ struct AgentState {
 
   /// Never null; outlives the state while runs are under way.
   std::shared_ptr<LaunchHistory> launchRecords;
+
+  /// Null unless this process tunes. Jobs under way share it as well; the run
+  /// is a part of it.
+  std::shared_ptr<Tuning> tuning;
+  std::shared_ptr<TuningRun> tuningRun;
 
   /// Scratch text of the state's own; no hook writes to it.
   std::stringstream text;

@@ -18,6 +18,8 @@
 
 namespace corvane {
 
+struct TunedProgram;
+
 /// A variant's kernel, created beside one kernel of the application's.
 struct VariantKernel {
   cl_kernel kernel; ///< null: the runtime did not create it; never launched
@@ -48,6 +50,11 @@ struct KernelRecord {
 
   /// Only of a kernel with variants.
   RecordedArguments arguments;
+  /// While this process tunes: the program as it is built for the device of
+  /// the latest launch. Belongs to the state's Tuning.
+  const TunedProgram *tunedProgram = nullptr;
+  cl_device_id tunedFor = nullptr;
+
   /// How many settings the kernel's own replay has seen.
   std::uint64_t settingsSeen = 0;
 };

@@ -54,13 +54,22 @@ static bool isDeclaredWritable(cl_kernel kernel, cl_uint index) {
          (type & CL_KERNEL_ARG_TYPE_CONST) == 0;
 }
 
-// Whether an argument that is no recorded buffer may be memory that the kernel
-// can write to: a sub-buffer, an image, a buffer that was created otherwise.
-// Asks the runtime only about values that could be a handle. If the runtime
-// cannot answer such questions at all, the argument counts as a plain value.
-static bool mayBeWritableMemory(cl_kernel kernel, cl_uint index, cl_mem value) {
-  return canBeHandle(value) && runtime().clGetKernelArgInfo &&
-         isDeclaredWritable(kernel, index);
+// An argument that is no recorded buffer may be memory that the kernel can
+// write to: a sub-buffer, an image, a buffer that was created otherwise. Asks
+// the runtime only about values that could be a handle. If the runtime cannot
+// answer such questions at all, the argument counts as a plain value.
+void LaunchBuffers::addUnrecorded(cl_kernel kernel, cl_uint argument,
+                                  cl_mem value) {
+  if (!canBeHandle(value) || !runtime().clGetKernelArgInfo)
+    return;
+  cl_kernel_arg_address_qualifier space = CL_KERNEL_ARG_ADDRESS_GLOBAL;
+  const bool isTold =
+      readProperty(kernel, argument, CL_KERNEL_ARG_ADDRESS_QUALIFIER, space);
+  if (isDeclaredWritable(kernel, argument))
+    complete = false;
+  else if (isTold && (space == CL_KERNEL_ARG_ADDRESS_GLOBAL ||
+                      space == CL_KERNEL_ARG_ADDRESS_CONSTANT))
+    readOnly.push_back(value);
 }
 
 LaunchBuffers::LaunchBuffers(AgentState &state, const KernelRecord &record) {
@@ -69,14 +78,13 @@ LaunchBuffers::LaunchBuffers(AgentState &state, const KernelRecord &record) {
       continue;
     cl_mem memObject = nullptr;
     std::memcpy(&memObject, argument.value, sizeof memObject);
-    if (!add(state, memObject) &&
-        mayBeWritableMemory(record.kernel, argument.index, memObject))
-      complete = false;
+    if (!add(state, memObject, argument.index))
+      addUnrecorded(record.kernel, argument.index, memObject);
   }
 }
 
 // Returns whether the handle is a recorded buffer's.
-bool LaunchBuffers::add(AgentState &state, cl_mem memObject) {
+bool LaunchBuffers::add(AgentState &state, cl_mem memObject, cl_uint argument) {
   std::lock_guard<std::mutex> lock(state.buffersLock);
   const BufferRecord *buffer = state.buffers.find(memObject);
   if (!buffer)
@@ -87,7 +95,7 @@ bool LaunchBuffers::add(AgentState &state, cl_mem memObject) {
   if (!buffer->hostMayTransfer || !state.buffers.isUnique(memObject))
     complete = complete && buffer->size == 0;
   else if (buffer->size != 0 && !contains(memObject))
-    buffers.push_back({memObject, buffer->size});
+    buffers.push_back({memObject, buffer->size, argument});
   return true;
 }
 

@@ -19,6 +19,7 @@ struct AgentState;
 struct LaunchBuffer {
   cl_mem memObject; ///< borrowed; the application holds it
   std::size_t size; ///< bytes, never 0
+  cl_uint argument; ///< the first one that it was given as
 };
 
 /// The buffers among a kernel's recorded arguments, each once.
@@ -34,11 +35,16 @@ public:
 
   llvm::ArrayRef<LaunchBuffer> list() const { return buffers; }
 
+  /// The other memory objects that the kernel gets and only reads.
+  llvm::ArrayRef<cl_mem> onlyRead() const { return readOnly; }
+
 private:
-  bool add(AgentState &state, cl_mem memObject);
+  bool add(AgentState &state, cl_mem memObject, cl_uint argument);
+  void addUnrecorded(cl_kernel kernel, cl_uint argument, cl_mem value);
   bool contains(cl_mem memObject) const;
 
   std::vector<LaunchBuffer> buffers;
+  std::vector<cl_mem> readOnly;
   bool complete = true;
 };
 

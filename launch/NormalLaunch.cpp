@@ -28,9 +28,9 @@ static void warnAboutRefusal() {
              "values or non-expected input scalar values\n");
 }
 
-static cl_int launchVariant(const KernelRecord &record,
-                            const VariantChoice &choice, const Launch &launch,
-                            llvm::raw_ostream *log) {
+cl_int corvane::launchVariant(const KernelRecord &record,
+                              const VariantChoice &choice, const Launch &launch,
+                              llvm::raw_ostream *log) {
   VariantKernel &variant = *choice.variant;
   record.arguments.replay(variant.kernel, variant.settingsSeen);
   if (!giveGroupCounts(variant.kernel, launch, argumentCount(launch.kernel)))

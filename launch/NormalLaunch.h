@@ -3,12 +3,20 @@
 #pragma once
 
 #include "launch/Launch.h"
+#include "launch/VariantChoice.h"
 
 #include "llvm/Support/raw_ostream.h"
 
 namespace corvane {
 
 struct AgentState;
+
+/// Launches the variant of \p choice, which takes \p launch, with the arguments
+/// of \p record; returns the runtime's status. A variant that cannot get its
+/// hidden argument leaves the launch to the application's kernel. Hold the
+/// agent lock.
+cl_int launchVariant(const KernelRecord &record, const VariantChoice &choice,
+                     const Launch &launch, llvm::raw_ostream *log);
 
 /// Launches the variant that takes \p launch, or else the application's kernel.
 /// A failure is reported and returned. \p state may be null, and \p log, the

@@ -29,16 +29,6 @@ static std::uint64_t measure(cl_event event) {
   return end - start;
 }
 
-static void recordRun(TimingTicket &ticket, std::uint64_t nanoseconds) {
-  LaunchHistory &history = *ticket.history;
-  std::lock_guard<std::mutex> lock(history.lock);
-  if (!history.open)
-    return;
-  ticket.record->timings.push_back(
-      {&history.shared(std::move(ticket.version)), nanoseconds});
-  appendTiming(history, *ticket.record);
-}
-
 // Unlocked: the thread that holds the agent lock may be waiting for the
 // runtime, and this is a thread of the runtime's. The status is not looked at,
 // because a run that failed took its time as well.
@@ -48,7 +38,8 @@ static void CL_CALLBACK runCompleted(cl_event event, cl_int, void *userData) {
   const std::unique_ptr<TimingTicket> ticket(
       static_cast<TimingTicket *>(userData));
   try {
-    recordRun(*ticket, measure(event));
+    recordTiming(*ticket->history, *ticket->record, std::move(ticket->version),
+                 measure(event));
   } catch (const std::bad_alloc &) {
     // An exception would end the process, because the thread is the runtime's.
     // The row is lost instead.

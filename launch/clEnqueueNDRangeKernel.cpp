@@ -6,6 +6,7 @@
 #include "launch/AutotuneLaunch.h"
 #include "launch/Hooks.h"
 #include "launch/NormalLaunch.h"
+#include "launch/TuneLaunch.h"
 
 using namespace corvane;
 
@@ -25,7 +26,10 @@ cl_int CL_API_CALL hooks::clEnqueueNDRangeKernel(
                       numEventsInWaitList,
                       eventWaitList,
                       event};
+  AgentState *const state = agentState();
   if (autotuneOutput())
-    return launchForAutotuning(agentState(), launch, log);
-  return launchNormally(agentState(), launch, log);
+    return launchForAutotuning(state, launch, log);
+  if (state && state->tuning)
+    return launchForTuning(*state, launch, log);
+  return launchNormally(state, launch, log);
 }

@@ -57,7 +57,8 @@ cl_mem CL_API_CALL hooks::clCreateBuffer(cl_context context, cl_mem_flags flags,
   cl_mem created =
       runtime().clCreateBuffer(context, flags, size, hostPtr, status);
   AgentState *state = agentState();
-  if (*status != CL_SUCCESS || !state || !autotuneOutput())
+  const bool isNeeded = state && (autotuneOutput() || state->tuning);
+  if (*status != CL_SUCCESS || !isNeeded)
     return created;
   Owned<cl_mem> buffer(created);
   watchForRelease(*state, created, recordBuffer(*state, created, flags, size));

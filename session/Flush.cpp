@@ -10,6 +10,7 @@
 #include "results/Files.h"
 #include "results/ResultFiles.h"
 #include "session/LogAppender.h"
+#include "session/TuningRun.h"
 
 #include <memory>
 #include <mutex>
@@ -58,26 +59,30 @@ namespace {
 class ClosedHistory {
 public:
   explicit ClosedHistory(LaunchHistory &open)
-      : history(open), lock(open.lock, std::try_to_lock) {
+      : history(open), lock(open.lock, std::try_to_lock),
+        isOfTuning(lock && open.runFolder),
+        folder(isOfTuning ? open.runFolder : outputDirectory(open.loadFolder)) {
     history.open = false;
   }
 
-  /// Where the results go; none if the variable is not defined.
-  std::optional<std::string> directory() const {
-    return outputDirectory(history.loadFolder);
-  }
+  /// Where the results go; none if no variable says so.
+  const std::optional<std::string> &directory() const { return folder; }
+  /// Whether they are those of a run that tunes.
+  bool tunes() const { return isOfTuning; }
   /// Writes the rows that wait, and unlocks the history.
   void writeRows() {
     if (!lock)
       return;
-    if (const std::optional<std::string> where = directory())
-      writeWaitingRows(history, *where);
+    if (folder)
+      writeWaitingRows(history, *folder);
     lock.unlock();
   }
 
 private:
   LaunchHistory &history;
   std::unique_lock<std::mutex> lock;
+  const bool isOfTuning;
+  const std::optional<std::string> folder;
 };
 
 } // namespace
@@ -106,7 +111,10 @@ static void produceResults(ClosedHistory &history) {
   const std::optional<std::string> location = givenInstallLocation();
   if (!location) {
     history.writeRows();
-    return writeError("CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+    // A run that tunes has its record; the report is for those who ask for it.
+    if (!history.tunes())
+      writeError("CV: unable to find $CORVANE_INSTALL_LOCATION.\n");
+    return;
   }
   ReportJob job;
   // If it was removed since the load, no directory can be created for it.
@@ -128,8 +136,10 @@ void corvane::flushAutotuneResults() {
   const std::unique_ptr<AgentState, RetireState> state(takeAgentState());
   if (!state)
     return;
+  if (state->tuningRun)
+    state->tuningRun->close();
   ClosedHistory history(*state->launchRecords);
-  if (autotuneOutput())
+  if (autotuneOutput() || history.tunes())
     produceResults(history);
 }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -46,6 +47,8 @@ struct LaunchHistory {
   /// held across a call into the runtime.
   std::mutex lock;
   std::vector<std::shared_ptr<LaunchRecord>> records;
+  /// The folder of the run that tunes; none before its first launch.
+  std::optional<std::string> runFolder;
   /// Rows that could not be written to the log yet, each with its line feed.
   std::string unwrittenRows;
   std::unordered_set<std::string> texts;

@@ -122,13 +122,28 @@ static void updateLog(const std::string &directory, LaunchHistory &history) {
     writeRows(log.get(), history.unwrittenRows, length);
 }
 
+std::optional<std::string>
+corvane::resultsFolder(const LaunchHistory &history) {
+  return history.runFolder ? history.runFolder
+                           : outputDirectory(history.loadFolder);
+}
+
+void corvane::recordTiming(LaunchHistory &history, LaunchRecord &record,
+                           std::string version, std::uint64_t nanoseconds) {
+  const std::lock_guard<std::mutex> lock(history.lock);
+  if (!history.open)
+    return;
+  record.timings.push_back({&history.shared(std::move(version)), nanoseconds});
+  appendTiming(history, record);
+}
+
 void corvane::appendTiming(LaunchHistory &history, const LaunchRecord &record) {
   const std::lock_guard<std::mutex> guard(fileLock);
-  if (!autotuneOutput() || !history.open || record.timings.empty())
+  const bool hasLog = autotuneOutput() || history.runFolder;
+  if (!hasLog || !history.open || record.timings.empty())
     return;
   history.unwrittenRows += rowOf(record, record.timings.back());
-  if (const std::optional<std::string> directory =
-          outputDirectory(history.loadFolder))
+  if (const std::optional<std::string> directory = resultsFolder(history))
     updateLog(*directory, history);
 }
 

@@ -25,6 +25,7 @@ cl_int clAgent_OnLoad(AgentOperations *agent) {
   setHooksInstalled(false);
   prepareOutput();
   createAgentState();
+  prepareTuning();
   watchForProcessDetach();
 
   if (const cl_int status = installHooks(*agent); status != CL_SUCCESS)
@@ -39,6 +40,7 @@ cl_int clAgent_OnLoad(AgentOperations *agent) {
 void clAgent_OnUnload(AgentOperations *) {
   if (inForkedChild())
     return;
+  endTuning(false);
   AgentGuard guard;
   flushAutotuneResults();
 }

@@ -19,6 +19,19 @@ void prepareOutput();
 /// Makes the state, unless there is one. Hold the agent lock.
 void createAgentState();
 
+// TuningSwitch.cpp
+
+/// Gives the state what tuning needs, if CORVANE_TUNE asks for it and the
+/// process does not autotune. A second load changes nothing. Hold the agent
+/// lock.
+void prepareTuning();
+
+/// Has measuring end as soon as it can, and waits for the job under way, so
+/// that it does not meet a runtime that is gone; not for ever, and not where
+/// the job's thread has been stopped. With \p atExit a job that goes on calls
+/// the runtime no more. Hold no lock.
+void endTuning(bool atExit);
+
 // ProcessDetachPosix.cpp and ProcessDetachWindows.cpp
 
 /// From now on the results are flushed when the process exits or the library is

@@ -8,7 +8,10 @@ using namespace corvane;
 
 namespace {
 struct FlushAtExit {
-  ~FlushAtExit() { flushAtDetach(); }
+  ~FlushAtExit() {
+    endTuning(true);
+    flushAtDetach();
+  }
 };
 } // namespace
 
