@@ -1,0 +1,184 @@
+// Programs tuned by corvane on a real OpenCL runtime, and run with what it
+// found.
+
+#include "results/profile/ProfileFile.h"
+#include "results/runs/RunReader.h"
+#include "tests/support/TempFolder.h"
+#include "tests/system/Subprocess.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::AllOf;
+using testing::Contains;
+using testing::Each;
+using testing::Field;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+namespace {
+using Words = std::vector<std::string>;
+
+class TunedProgram : public testing::Test {
+protected:
+  /// The program of the tests with these words.
+  static Words host(Words words) {
+    words.insert(words.begin(), std::string(HOSTS_FOLDER) + "/launches");
+    return words;
+  }
+
+  static Environment environment() {
+    std::filesystem::create_directories(KERNEL_CACHE_FOLDER);
+    return {{"POCL_CACHE_DIR", KERNEL_CACHE_FOLDER}};
+  }
+
+  static ProgramRun alone(const Words &command) {
+    return runProgram(command, environment());
+  }
+
+  ProgramRun tuned(const Words &command, const Words &options = {}) const {
+    return corvane("tune", "--output", options, command);
+  }
+
+  /// Tunes a kernel, which must say what it says alone.
+  void expectSameResults(const std::string &kernel, const Words &options = {}) {
+    const ProgramRun bare = alone(host({kernel}));
+    EXPECT_EQ(bare.exitCode, 0) << bare.err;
+    EXPECT_FALSE(bare.out.empty());
+    const ProgramRun whileTuned = tuned(host({kernel}), options);
+    EXPECT_EQ(whileTuned.exitCode, 0) << whileTuned.err;
+    EXPECT_EQ(whileTuned.out, bare.out) << whileTuned.err;
+  }
+
+  Profile profile() const {
+    llvm::Expected<Profile> read = readProfile(folder.read("profile.json"));
+    if (read)
+      return *read;
+    ADD_FAILURE() << llvm::toString(read.takeError());
+    return {};
+  }
+
+  /// What the profile's entries use; "original" for none.
+  std::vector<std::string> uses() const {
+    std::vector<std::string> all;
+    for (const ProfileEntry &entry : profile().entries)
+      all.push_back(entry.use.value_or("original"));
+    return all;
+  }
+
+  std::vector<RunRecord> records() const {
+    std::vector<RunRecord> all;
+    for (const auto &entry :
+         std::filesystem::directory_iterator(folder.path() / "runs")) {
+      all.push_back(readRun(readBytes(entry.path() / "run.jsonl")));
+      EXPECT_EQ(all.back().problemCount, 0U) << entry.path();
+    }
+    return all;
+  }
+
+  TempFolder folder;
+
+private:
+  ProgramRun corvane(const char *command, const char *folderOption,
+                     const Words &options, const Words &program) const {
+    Words words = {CORVANE_FILE, command, folderOption, folder.text()};
+    words.insert(words.end(), options.begin(), options.end());
+    words.push_back("--");
+    words.insert(words.end(), program.begin(), program.end());
+    return runProgram(words, environment());
+  }
+};
+} // namespace
+
+TEST_F(TunedProgram, UsesAVariantThatIsFaster) {
+  expectSameResults("good");
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+  const RunRecord record = records().front();
+  ASSERT_TRUE(record.end);
+  EXPECT_EQ(record.end->launches, 6U);
+  EXPECT_EQ(record.end->tunedLaunches, 2U);
+  EXPECT_THAT(record.end->byVersion,
+              Contains(AllOf(Field(&VersionLaunches::version, "g0S2"),
+                             Field(&VersionLaunches::launches, 2U))));
+}
+
+TEST_F(TunedProgram, DoesNotUseAVariantThatWritesNothing) {
+  expectSameResults("empty");
+  EXPECT_THAT(uses(), AllOf(Not(IsEmpty()), Each("original")));
+}
+
+TEST_F(TunedProgram, DoesNotUseAVariantThatIsOffByOneElement) {
+  expectSameResults("offByOne");
+  EXPECT_THAT(uses(), AllOf(Not(IsEmpty()), Each("original")));
+}
+
+TEST_F(TunedProgram, DoesNotUseAVariantThatIsRightForSomeSizesOnly) {
+  expectSameResults("someSizes");
+  EXPECT_THAT(uses(), AllOf(Not(IsEmpty()), Each("original")));
+}
+
+TEST_F(TunedProgram, DoesNotUseAVariantThatIsOffByTheLastBit) {
+  expectSameResults("lastBit");
+  EXPECT_THAT(uses(), AllOf(Not(IsEmpty()), Each("original")));
+}
+
+TEST_F(TunedProgram, UsesAVariantThatIsOffByTheLastBitWithABound) {
+  const Words command = host({"lastBit", "-cl-kernel-arg-info"});
+  EXPECT_EQ(tuned(command, {"--verify", "1e-5"}).exitCode, 0);
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+}
+
+TEST_F(TunedProgram, UsesNoVariantOfAKernelThatRacesWithItself) {
+  expectSameResults("racing");
+  EXPECT_THAT(uses(), Not(Contains("g0S2")));
+}
+
+TEST_F(TunedProgram, MayHaveKernelsThatWorkInPlace) {
+  expectSameResults("inPlace");
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+}
+
+TEST_F(TunedProgram, MayBuildItsKernelsWithDifferentOptions) {
+  EXPECT_EQ(tuned(host({"good", "-DEXTRA=1"})).exitCode, 0);
+  EXPECT_EQ(tuned(host({"good", "-DEXTRA=0"})).exitCode, 0);
+  EXPECT_THAT(profile().programs, SizeIs(2));
+  EXPECT_THAT(uses(), testing::UnorderedElementsAre("g0S2", "g0S2", "original",
+                                                    "original"));
+}
+
+TEST_F(TunedProgram, MayBeManyProcesses) {
+  const std::string one = host({"good"}).front() + " good";
+  const std::string command = one + " & " + one + " & wait; " + one;
+  EXPECT_EQ(tuned({"sh", "-c", command}).exitCode, 0);
+  EXPECT_THAT(records(), SizeIs(3));
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+  EXPECT_EQ(profile().entries[0].versions.at("g0S2").samples, 21U);
+}
+
+TEST_F(TunedProgram, MayBeKilled) {
+  const ProgramRun killed = tuned(host({"good", "", "kill"}));
+  EXPECT_EQ(killed.exitCode, 128 + SIGKILL);
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+  EXPECT_FALSE(records().front().end);
+}
+
+TEST_F(TunedProgram, MayBeInterrupted) {
+  const ProgramRun interrupted = tuned(host({"good", "", "interrupt"}));
+  EXPECT_EQ(interrupted.exitCode, 128 + SIGINT);
+  EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+}
+
+TEST_F(TunedProgram, MayLeaveWhileAKernelIsMeasured) {
+  const ProgramRun left = tuned(host({"good", "", "leave"}));
+  EXPECT_EQ(left.exitCode, 0) << left.err;
+  EXPECT_EQ(left.out, alone(host({"good"})).out);
+  EXPECT_TRUE(records().front().end);
+}
