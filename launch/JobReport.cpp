@@ -91,8 +91,7 @@ void JobReport::decideBy(const MeasuringPlan &plan, TuningEnd end) {
   for (unsigned i = 0; i != versions.size(); ++i) {
     const VersionFate fate = plan.fate(i);
     const bool isOut =
-        i != 0 && (!plan.isReproducible() || fate == VersionFate::Different ||
-                   fate == VersionFate::Failed);
+        i != 0 && (!plan.isReproducible() || fate != VersionFate::Measured);
     measured.push_back({versions[i], plan.samples(i).vec(), isOut});
   }
   Decision decision = decide(measured);
@@ -101,6 +100,9 @@ void JobReport::decideBy(const MeasuringPlan &plan, TuningEnd end) {
                   [](const VersionSamples &version) { return version.out; });
   if (end == TuningEnd::Measured && nothingIsLeft)
     decision.decided = true;
+  // By the samples that there were then, whatever came after them.
+  for (unsigned i = 0; i != versions.size(); ++i)
+    decision.versions[i].dropped = plan.fate(i) == VersionFate::Slow;
   if (decision.decided) {
     DecisionLine line;
     line.configuration = number;

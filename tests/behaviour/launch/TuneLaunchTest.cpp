@@ -74,6 +74,24 @@ TEST_F(TuneLaunch, RunsTheApplicationsKernelWhereNoVariantIsFaster) {
   expectOriginal();
 }
 
+// The kernel's first runs take 1, the later ones 3: what was dropped is within
+// twice the median of all.
+TEST_F(TuneLaunch, DecidesWithoutAVersionThatWasDropped) {
+  addVariant();
+  app.addVariant("g0S2", square);
+  app.runtime.takes("k", {1000, 1000, 1000, 1000, 1000, 3000});
+  app.runtime.takes("k_coarsed_g0S4", {2500});
+  app.runtime.takes("k_coarsed_g0S2", {100});
+  app.start();
+  app.run();
+  EXPECT_EQ(app.kernelOfNextRun(), "k_coarsed_g0S2");
+  const std::vector<VersionFigures> versions =
+      app.configuration().decision->versions;
+  EXPECT_THAT(versions, Contains(AllOf(Field(&VersionFigures::version, "g0S4"),
+                                       Field(&VersionFigures::dropped, true),
+                                       Field(&VersionFigures::samples, 2U))));
+}
+
 TEST_F(TuneLaunch, GivesEachVersionWhatTheApplicationLeft) {
   const auto increment = [](const Launch &launch) {
     for (unsigned char &byte : launch.buffer(1))
