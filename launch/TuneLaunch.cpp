@@ -273,7 +273,7 @@ cl_int TuneLaunch::measure() {
   if (objects)
     return runAfter(std::move(*objects), std::move(verdicts));
   if (reason.empty())
-    tuning.decide(*configuration, std::string());
+    tuning.decideForOriginal(*configuration, verdicts);
   return runOriginal();
 }
 

@@ -4,6 +4,7 @@
 
 #include "session/LaunchHistory.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -103,6 +104,19 @@ void Tuning::decide(MeasuredConfiguration &of, const std::string &winner) {
                      (found != forbidden.end() && found->second.count(winner));
   of.winner = isOut ? std::string() : winner;
   of.state = State::Over;
+}
+
+void Tuning::decideForOriginal(MeasuredConfiguration &of,
+                               llvm::ArrayRef<VariantVerdict> variants) {
+  const bool isTold =
+      std::any_of(variants.begin(), variants.end(),
+                  [&](const auto &each) { return isForbidden(of, each.spec); });
+  decide(of, std::string());
+  if (!isTold)
+    return;
+  DecisionLine line;
+  line.configuration = of.number;
+  run.add(line);
 }
 
 // For all sizes and devices.

@@ -8,6 +8,8 @@
 #include "session/TuningRun.h"
 #include "tuner/TuningJob.h"
 
+#include "llvm/ADT/ArrayRef.h"
+
 #include <CL/cl.h>
 
 #include <cstdint>
@@ -90,6 +92,11 @@ public:
                 const std::string &untunable);
   /// The end of measuring. A winner that was forbidden meanwhile is none.
   void decide(MeasuredConfiguration &of, const std::string &winner);
+
+  /// No variant is left to be measured. Where one was, for other sizes, the
+  /// record tells that the original is chosen.
+  void decideForOriginal(MeasuredConfiguration &of,
+                         llvm::ArrayRef<VariantVerdict> variants);
 
   /// From now on no launch of the program runs the version of the kernel, or
   /// any variant of it.

@@ -27,6 +27,7 @@ struct TaskQueue {
 
 static std::atomic<bool> stopped{false};
 static std::atomic<bool> abandoned{false};
+static std::atomic<bool> wasStarted{false};
 
 // Never destroyed: the thread outlives every destructor of the process.
 static TaskQueue &taskQueue() {
@@ -62,6 +63,7 @@ static bool startThread(TaskQueue &queue) {
   try {
     std::thread thread(runTasks, std::ref(queue));
     queue.thread = thread.get_id();
+    wasStarted = true;
     thread.detach();
   } catch (const std::system_error &) {
     return false;
@@ -88,6 +90,9 @@ void corvane::stopTuning() { stopped = true; }
 bool corvane::tuningIsStopped() { return stopped; }
 
 bool corvane::waitForTuning(std::chrono::milliseconds most) {
+  // At the end of a process there may be no memory for the list.
+  if (!wasStarted)
+    return true;
   TaskQueue &queue = taskQueue();
   std::unique_lock<std::mutex> guard(queue.lock);
   if (queue.thread == std::this_thread::get_id())
