@@ -20,6 +20,8 @@ struct BufferRecord;
 struct KernelRecord;
 struct LaunchHistory;
 struct ProgramRecord;
+class AppliedProfile;
+struct ProfileSummary;
 class Tuning;
 class TuningRun;
 
@@ -42,6 +44,11 @@ struct AgentState {
 
   /// Never null; outlives the state while runs are under way.
   std::shared_ptr<LaunchHistory> launchRecords;
+
+  /// Null unless this process applies a profile; guarded by the agent lock.
+  std::shared_ptr<AppliedProfile> profile;
+  /// Null unless what the profile does is to be told at the end.
+  std::shared_ptr<ProfileSummary> profileSummary;
 
   /// Null unless this process tunes. Jobs under way share it as well; the run
   /// is a part of it.

@@ -28,6 +28,20 @@ struct VariantKernel {
   std::uint64_t settingsSeen = 0;
 };
 
+/// What the profile of this process says about the latest launch of a kernel,
+/// and all like it.
+struct ProfiledLaunch {
+  cl_device_id device = nullptr; ///< null: nothing was looked up yet
+  LaunchSizes sizes;
+  VariantKernel *variant = nullptr; ///< null: the application's kernel runs
+  /// Whether a variant ran for it; null if that is not counted.
+  bool *ranVariant = nullptr;
+
+  bool isFor(cl_device_id otherDevice, const LaunchSizes &otherSizes) const {
+    return device && device == otherDevice && sizes == otherSizes;
+  }
+};
+
 /// A kernel that the application created from a program that the agent knows.
 ///
 /// Owned by the state; found by handle. Hold the agent lock while using it. The
@@ -54,6 +68,8 @@ struct KernelRecord {
   /// the latest launch. Belongs to the state's Tuning.
   const TunedProgram *tunedProgram = nullptr;
   cl_device_id tunedFor = nullptr;
+
+  ProfiledLaunch profiled;
 
   /// How many settings the kernel's own replay has seen.
   std::uint64_t settingsSeen = 0;

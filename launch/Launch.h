@@ -87,6 +87,15 @@ inline bool hasZeroLocalSize(const Launch &launch) {
   return local && std::find(local, local + count, 0U) != local + count;
 }
 
+/// Whether \p launch has a global offset that is not zero. It counts work-items
+/// of the kernel's own range; a variant has another.
+inline bool hasOffset(const Launch &launch) {
+  return launch.globalOffset &&
+         std::any_of(launch.globalOffset,
+                     launch.globalOffset + std::min(launch.workDim, 3U),
+                     [](std::size_t offset) { return offset != 0; });
+}
+
 /// The work-groups of \p launch; zero where the sizes do not tell.
 inline GroupCountArgument groupCounts(const Launch &launch) {
   GroupCountArgument argument;

@@ -6,6 +6,7 @@
 #include "agent/ClError.h"
 #include "agent/DebugLog.h"
 #include "agent/ErrorStream.h"
+#include "launch/AppliedProfile.h"
 #include "launch/VariantChoice.h"
 
 using namespace corvane;
@@ -41,11 +42,14 @@ cl_int corvane::launchVariant(const KernelRecord &record,
                    choice.range.localSize());
 }
 
-static cl_int launchTracked(KernelRecord &record, const Launch &launch,
-                            llvm::raw_ostream *log) {
-  const VariantChoice choice = chooseVariant(record, launch);
+static cl_int launchTracked(AgentState &state, KernelRecord &record,
+                            const Launch &launch, llvm::raw_ostream *log) {
+  const VariantChoice choice = chooseVariant(state, record, launch);
   logChoice(log, record, choice);
-  if (choice.variant && !choice.refusal)
+  const bool byVariant = choice.variant && !choice.refusal;
+  if (state.profile)
+    state.profile->countLaunch(record, byVariant);
+  if (byVariant)
     return launchVariant(record, choice, launch, log);
   if (choice.variant)
     warnAboutRefusal();
@@ -56,7 +60,7 @@ cl_int corvane::launchNormally(AgentState *state, const Launch &launch,
                                llvm::raw_ostream *log) {
   KernelRecord *record = state ? state->kernels.find(launch.kernel) : nullptr;
   const cl_int status =
-      record ? launchTracked(*record, launch, log) : enqueue(launch);
+      record ? launchTracked(*state, *record, launch, log) : enqueue(launch);
   if (status != CL_SUCCESS)
     reportClError(CallSite::Launch, status);
   return status;

@@ -7,6 +7,7 @@
 #include "agent/RuntimeTable.h"
 #include "base/ForkedChild.h"
 #include "base/LaunchTuningQuery.h"
+#include "launch/AppliedProfile.h"
 #include "launch/JobReport.h"
 #include "launch/MeasuredObjects.h"
 #include "launch/NormalLaunch.h"
@@ -40,6 +41,10 @@ private:
   cl_int runOriginal();
   cl_int measure();
   std::vector<VariantVerdict> examineVariants();
+  bool mayUseVariants() const {
+    return allowed != LaunchTuning::KernelOnly && !hasOffset(launch);
+  }
+  bool isProfiled();
   std::string obstacle();
   std::string obstacleInArguments();
   cl_int runAfter(TunedLaunch objects, std::vector<VariantVerdict> verdicts);
@@ -54,6 +59,7 @@ private:
   const TunedProgram *program = nullptr;
   MeasuredConfiguration *configuration = nullptr;
   std::vector<VariantChoice> candidates;
+  ProfileAnswer profiled; ///< if isProfiled
 };
 
 /// What the completion of a marker gives to the tuning thread.
@@ -68,13 +74,6 @@ static bool isIrregular(const Launch &launch) {
   return launch.workDim == 0 || hasTooManyDimensions(launch) ||
          !launch.globalSize || hasZeroLocalSize(launch) ||
          (launch.numEventsInWaitList != 0 && !launch.eventWaitList);
-}
-
-// An offset counts work-items of the kernel's own range; a variant has another.
-static bool hasOffset(const Launch &launch) {
-  return launch.globalOffset &&
-         std::any_of(launch.globalOffset, launch.globalOffset + launch.workDim,
-                     [](std::size_t offset) { return offset != 0; });
 }
 
 static bool canMeasure(const DispatchTable &calls) {
@@ -140,6 +139,16 @@ std::string TuneLaunch::obstacleInArguments() {
   if (!LaunchBuffers(state, record).areComplete())
     return "the kernel gets memory that cannot be saved";
   return {};
+}
+
+// Sizes that the profile has not measured are measured now, even if it has an
+// answer for them.
+bool TuneLaunch::isProfiled() {
+  if (!state.profile || record.variants.empty())
+    return false;
+  profiled =
+      state.profile->answer(state, record, queue.device, sizesOf(launch));
+  return profiled.kind != ProfileAnswer::Unknown && profiled.measured;
 }
 
 // Why the launch cannot be measured, for the run record; empty if it can be.
@@ -261,6 +270,11 @@ cl_int TuneLaunch::runAfter(TunedLaunch objects,
 
 cl_int TuneLaunch::measure() {
   std::vector<VariantVerdict> verdicts = examineVariants();
+  if (mayUseVariants() && isProfiled()) {
+    tuning.tell(*configuration, verdicts, "the profile has decided already");
+    tuning.decide(*configuration, profiled.spec.str());
+    return runWinner();
+  }
   std::string reason = record.variants.empty() ? "" : obstacle();
   std::optional<TunedLaunch> objects;
   if (reason.empty() && !candidates.empty()) {
@@ -281,7 +295,7 @@ cl_int TuneLaunch::run() {
   if (!identify())
     return runOriginal();
   const bool isChosen = tuning.stateOf(*configuration) == State::Over;
-  if (isChosen && allowed != LaunchTuning::KernelOnly && !hasOffset(launch))
+  if (isChosen && mayUseVariants())
     return runWinner();
   if (isChosen || tuning.stateOf(*configuration) == State::Measuring)
     return runOriginal();

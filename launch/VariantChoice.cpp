@@ -2,6 +2,8 @@
 
 #include "launch/VariantChoice.h"
 
+#include "agent/AgentState.h"
+#include "launch/AppliedProfile.h"
 #include "variants/CoarseRequest.h"
 
 #include "llvm/Support/raw_ostream.h"
@@ -88,6 +90,12 @@ VariantChoice corvane::chooseVariant(KernelRecord &record,
   return {nullptr, {}, refusal};
 }
 
+VariantChoice corvane::chooseVariant(AgentState &state, KernelRecord &record,
+                                     const Launch &launch) {
+  return state.profile ? state.profile->choose(state, record, launch)
+                       : chooseVariant(record, launch);
+}
+
 std::vector<VariantChoice> corvane::variantsToTune(KernelRecord &record,
                                                    const Launch &launch) {
   std::vector<VariantChoice> accepting;
@@ -134,6 +142,9 @@ std::string corvane::explain(const Refusal &refusal, const LaunchSizes &sizes) {
     break;
   case Reason::ZeroLocalSize:
     text << "the launch has a local size of zero";
+    break;
+  case Reason::NotInProfile:
+    text << "the profile names no variant for the launch";
     break;
   case Reason::NotCreated:
     text << "the runtime did not create the variant's kernel";

@@ -10,6 +10,8 @@
 
 namespace corvane {
 
+struct AgentState;
+
 /// Why a launch is not given to a variant.
 struct Refusal {
   enum class Reason {
@@ -19,6 +21,7 @@ struct Refusal {
     LostArgument,      ///< the kernel has an argument that no variant can get
     TooManyDimensions, ///< more than three
     ZeroLocalSize,     ///< the runtime is to refuse the launch as it is
+    NotInProfile,      ///< the profile names none that the program has
     // What keeps one variant from taking it:
     NotCreated,    ///< the runtime did not create the variant's kernel
     RejectedSizes, ///< by a condition
@@ -40,9 +43,14 @@ struct VariantChoice {
   Refusal refusal;                  ///< if it does not
 };
 
-/// Finds the variant for a normal launch: the first whose conditions accept the
-/// sizes. Its arguments may still be refused; then no other variant is looked
-/// for. Hold the agent lock.
+/// Finds the variant for a normal launch: the one that the profile names, if
+/// \p state has one (AppliedProfile.h), or else the first whose conditions
+/// accept the sizes. The arguments of the latter may still be refused; then no
+/// other variant is looked for. Hold the agent lock.
+VariantChoice chooseVariant(AgentState &state, KernelRecord &record,
+                            const Launch &launch);
+
+/// The same without a profile.
 VariantChoice chooseVariant(KernelRecord &record, const Launch &launch);
 
 /// Finds the variants that a tuned launch runs: all that take the launch, in

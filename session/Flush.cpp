@@ -10,6 +10,7 @@
 #include "results/Files.h"
 #include "results/ResultFiles.h"
 #include "session/LogAppender.h"
+#include "session/ProfileSummary.h"
 #include "session/TuningRun.h"
 
 #include <memory>
@@ -136,6 +137,8 @@ void corvane::flushAutotuneResults() {
   const std::unique_ptr<AgentState, RetireState> state(takeAgentState());
   if (!state)
     return;
+  if (state->profileSummary)
+    state->profileSummary->tell();
   if (state->tuningRun)
     state->tuningRun->close();
   ClosedHistory history(*state->launchRecords);

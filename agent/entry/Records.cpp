@@ -4,6 +4,7 @@
 
 #include "agent/AgentState.h"
 #include "base/Platform.h"
+#include "launch/AppliedProfile.h"
 #include "launch/KernelRecord.h"
 #include "programs/BufferRecord.h"
 #include "programs/ProgramRecord.h"

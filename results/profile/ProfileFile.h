@@ -7,9 +7,13 @@
 #include "llvm/ADT/StringRef.h"
 #include "llvm/Support/Error.h"
 
+#include <cstdint>
 #include <string>
 
 namespace corvane {
+
+/// In bytes; more than any profile has, and the most that readers take.
+inline constexpr std::uint64_t profileSizeLimit = std::uint64_t(256) << 20;
 
 /// How files and tables call an agreement.
 const char *agreementText(Agreement check);

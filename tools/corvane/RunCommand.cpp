@@ -13,9 +13,6 @@
 using namespace corvane;
 namespace fs = llvm::sys::fs;
 
-// More than any profile has.
-static constexpr std::uint64_t profileLimit = std::uint64_t(256) << 20;
-
 // The library would refuse it too, but only when the program runs already.
 static bool isUsable(const std::string &profile) {
   const std::string file =
@@ -25,7 +22,7 @@ static bool isUsable(const std::string &profile) {
                "another with --profile");
     return false;
   }
-  llvm::Expected<std::string> text = readRegularFile(file, profileLimit);
+  llvm::Expected<std::string> text = readRegularFile(file, profileSizeLimit);
   llvm::Error error = text ? readProfile(*text).takeError() : text.takeError();
   if (!error)
     return true;

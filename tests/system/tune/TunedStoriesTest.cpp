@@ -47,8 +47,11 @@ protected:
   ProgramRun tuned(const Words &command, const Words &options = {}) const {
     return corvane("tune", "--output", options, command);
   }
+  ProgramRun run(const Words &command, const Words &options = {}) const {
+    return corvane("run", "--profile", options, command);
+  }
 
-  /// Tunes a kernel, which must say what it says alone.
+  /// Tunes and runs a kernel, which must say what it says alone.
   void expectSameResults(const std::string &kernel, const Words &options = {}) {
     const ProgramRun bare = alone(host({kernel}));
     EXPECT_EQ(bare.exitCode, 0) << bare.err;
@@ -56,6 +59,9 @@ protected:
     const ProgramRun whileTuned = tuned(host({kernel}), options);
     EXPECT_EQ(whileTuned.exitCode, 0) << whileTuned.err;
     EXPECT_EQ(whileTuned.out, bare.out) << whileTuned.err;
+    const ProgramRun withProfile = run(host({kernel}));
+    EXPECT_EQ(withProfile.exitCode, 0) << withProfile.err;
+    EXPECT_EQ(withProfile.out, bare.out) << withProfile.err;
   }
 
   Profile profile() const {
@@ -110,6 +116,16 @@ TEST_F(TunedProgram, UsesAVariantThatIsFaster) {
                              Field(&VersionLaunches::launches, 2U))));
 }
 
+TEST_F(TunedProgram, SaysHowManyLaunchesRanAVariant) {
+  EXPECT_EQ(tuned(host({"good"})).exitCode, 0);
+  EXPECT_THAT(run(host({"good"}), {"--summary"}).err,
+              HasSubstr("CV: 2 of 2 configurations ran a variant, in 6 of 6 "
+                        "launches; unknown to the profile: 0.\n"));
+  EXPECT_THAT(run(host({"good", "-DOTHER"}), {"--summary"}).err,
+              HasSubstr("CV: 0 of 2 configurations ran a variant, in 0 of 6 "
+                        "launches; unknown to the profile: 2.\n"));
+}
+
 TEST_F(TunedProgram, DoesNotUseAVariantThatWritesNothing) {
   expectSameResults("empty");
   EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("original")));
@@ -152,6 +168,9 @@ TEST_F(TunedProgram, MayBuildItsKernelsWithDifferentOptions) {
   EXPECT_THAT(profile().programs, SizeIs(2));
   EXPECT_THAT(uses(), testing::UnorderedElementsAre("g0S2", "g0S2", "original",
                                                     "original"));
+  const std::string bare = alone(host({"good"})).out;
+  EXPECT_EQ(run(host({"good", "-DEXTRA=1"})).out, bare);
+  EXPECT_EQ(run(host({"good", "-DEXTRA=0"})).out, bare);
 }
 
 TEST_F(TunedProgram, MayBeManyProcesses) {
