@@ -58,7 +58,7 @@ struct AgentState {
   /// Scratch text of the state's own; no hook writes to it.
   std::stringstream text;
 
-  /// Kept by the functions below.
+  /// For the functions below only.
   void (*destroy)(AgentState *) = nullptr;
   AgentState *nextRetired = nullptr;
 };

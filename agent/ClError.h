@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// Where a call failed. The numbers are part of the interface: they stand in
-/// the reports, and people search for them.
+/// Where a call failed. The numbers are part of the interface: each
+/// report contains one, and people search for them.
 enum class CallSite : int {
   DeviceCount = 128,
   DeviceList = 131,

@@ -15,7 +15,7 @@
 
 using namespace corvane;
 
-/// Followed in memory by its text.
+/// One text that was written. Its bytes follow it in memory.
 struct debug::string_ostream::Piece {
   Piece *earlier;
   std::size_t size;
@@ -62,7 +62,7 @@ static platform::FileHandle openDumpLog() {
   return std::move(opened.file);
 }
 
-// Through the C++ library's own stream, as the length always was. The
+// Writes the length to the C++ library's own stream, where it is expected. The
 // application may have asked that stream to throw, and may have left it in any
 // state.
 static void tellLength(std::size_t length) {

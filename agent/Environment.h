@@ -17,7 +17,8 @@ extern std::atomic<bool> variablesCount;
 } // namespace detail
 
 /// Decides, at load, whether variables count: not in a process that has more
-/// rights than the user who started it, for that user wrote the environment.
+/// rights than the user who started it, because that user wrote the
+/// environment.
 void readPrivileges();
 
 /// The value of a variable; null when it is not defined or does not count. The

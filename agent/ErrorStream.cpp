@@ -19,7 +19,8 @@ public:
   ErrorStream() : llvm::raw_ostream(/*unbuffered=*/true) {}
 
 private:
-  // Binary each time, for the application may have gone back to text meanwhile.
+  // Makes the stream binary each time, because the application may have changed
+  // it.
   void write_impl(const char *bytes, std::size_t count) override {
     platform::makeErrorStreamBinary();
     platform::writeStandardError({bytes, count});
@@ -38,12 +39,13 @@ void corvane::prepareErrorStream() { errorStream(); }
 
 void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
 
-// A row that finds its log replaced would say so at each launch.
+// Whether the path is refused for the first time. Otherwise each row would
+// write the line again when its log has been replaced.
 static bool isFirstTime(const std::string &path) {
   static std::mutex lock;
   // Never destroyed: a file may be refused while the process ends.
   static auto &reported = *new std::set<std::string>;
-  // Never waited for: a thread that is gone by now may hold it.
+  // The lock is not waited for: a thread that no longer runs may hold it.
   const std::unique_lock<std::mutex> guard(lock, std::try_to_lock);
   return guard.owns_lock() && reported.insert(path).second;
 }

@@ -1,4 +1,4 @@
-// Opens and writes regular files on Linux and its relatives.
+// Opens and writes regular files on Posix systems.
 
 #include "base/Platform.h"
 #include "base/WriteSignals.h"

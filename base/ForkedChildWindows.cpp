@@ -1,4 +1,4 @@
-// Windows has no forks.
+// Never reports a fork, because Windows has none.
 
 #include "base/ForkedChild.h"
 

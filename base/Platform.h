@@ -46,7 +46,7 @@ std::string hostName();
 /// its name.
 std::string currentFolder();
 
-/// What stands between a directory and a name that createDirectory gets.
+/// The separator between a directory and a name in paths for createDirectory.
 extern const char *const directorySeparator;
 
 /// The name of a file as the file system tells it from others: two files whose

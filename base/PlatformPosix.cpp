@@ -1,4 +1,4 @@
-// Implements the platform functions for Linux and its relatives.
+// Implements the platform functions for Posix systems.
 
 #include "base/Platform.h"
 

@@ -1,4 +1,4 @@
-// Keeps a failing write from raising a signal; Linux and its relatives only.
+// Keeps a failing write from raising a signal; for Posix systems.
 
 #pragma once
 

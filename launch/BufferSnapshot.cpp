@@ -18,8 +18,8 @@ static HostCopy allocate(std::size_t size) {
   return area->bytes ? area : nullptr;
 }
 
-// The record may go at any moment, on a thread of the runtime; the buffer then
-// has an area for this launch only.
+// A thread of the runtime may drop the record at any moment. Without a record
+// the buffer gets an area for this launch only.
 static HostCopy memoryOf(AgentState &state, const LaunchBuffer &buffer) {
   std::lock_guard<std::mutex> lock(state.buffersLock);
   BufferRecord *record = state.buffers.find(buffer.memObject);
@@ -69,8 +69,8 @@ bool BufferSnapshot::restore(cl_command_queue queue, EventChain &chain) const {
           areas[i]->bytes.get(), chain.waitCount(), chain.waitList(),
           &restored);
     };
-    // The contents are the application's: a failure is not taken for an answer
-    // the first time.
+    // Tries twice, because without the write the application loses its
+    // contents.
     if (enqueueWrite() == CL_SUCCESS || enqueueWrite() == CL_SUCCESS)
       chain.advance(restored);
     else

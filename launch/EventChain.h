@@ -10,9 +10,9 @@
 
 namespace corvane {
 
-/// References to events that are given back together, in the order in which
-/// they came, when the last owner goes. That may be on any thread, a runtime's
-/// callback thread too.
+/// References to events, released together in the order in which they were
+/// added when the last owner of this object ends. That may be on any thread,
+/// also on one in which the runtime calls back.
 class HeldEvents {
 public:
   HeldEvents() = default;
@@ -20,7 +20,7 @@ public:
   HeldEvents(const HeldEvents &) = delete;
   HeldEvents &operator=(const HeldEvents &) = delete;
 
-  /// Reserve before: this allocates nothing then.
+  /// Allocates nothing if memory for the event was reserved.
   void add(cl_event event) { events.push_back(event); }
   void reserve(std::size_t count) { events.reserve(count); }
 
@@ -31,9 +31,10 @@ private:
 /// What the next command has to wait for: at first the application's wait list,
 /// then the event of the command before.
 ///
-/// The events stay alive until every run that shares them is over: a runtime
-/// that fails what waits for a cancelled event may stumble over an event in the
-/// middle that only commands hold.
+/// References to the events are kept until every run that shares them is over.
+/// When an event is cancelled, a runtime has to fail all commands that wait for
+/// it; some abort then if an event between these commands has no other
+/// reference.
 class EventChain {
 public:
   /// Borrows the list, which must live as long as the chain.

@@ -14,15 +14,17 @@
 
 using namespace corvane;
 
-// Whether a value may be a size or a count although memory lies there: some
-// processes have memory at low addresses, and sizes are often round.
+// Whether a value may be a size or a count although it is also an address of
+// the process: some processes have memory at low addresses, and sizes are often
+// multiples of a page.
 static bool isLikeASize(std::uintptr_t value) {
   constexpr std::uintptr_t pageSize = 4096;
   constexpr std::uintptr_t beyondSizes = std::uintptr_t{1} << 32;
   return value % pageSize == 0 && value < beyondSizes;
 }
 
-// An object of the runtime's lies in memory and is aligned.
+// Whether a value may be the address of an object of the runtime: it is
+// aligned, and memory of the process is there.
 static bool canBeHandle(cl_mem value) {
   const auto bits = reinterpret_cast<std::uintptr_t>(value);
   return bits % sizeof(void *) == 0 && !isLikeASize(bits) &&

@@ -11,7 +11,7 @@
 
 using namespace corvane;
 
-// The texts are part of the interface, byte for byte.
+// The texts in the log are part of the interface, byte for byte.
 static void logChoice(llvm::raw_ostream *log, const KernelRecord &record,
                       const VariantChoice &choice) {
   if (!log)

@@ -22,7 +22,7 @@ struct TimingTicket {
   std::string version; ///< spec text; empty: the application's kernel
   /// Events of the launch's commands, which this run may be the last to need.
   std::shared_ptr<HeldEvents> events;
-  /// Memory of transfers that are over when this run is.
+  /// Memory of transfers, which are all over when this run is.
   std::vector<HostCopy> keptAlive;
 };
 

@@ -10,8 +10,8 @@
 
 using namespace corvane;
 
-// What the runtime got from us. It may call through it where it is, so a second
-// load leaves every entry alone that is right already.
+// The table that the runtime got from us. It may call through this copy, so a
+// second load does not write entries that are right already.
 static DispatchTable installedTable;
 
 namespace {
@@ -35,7 +35,7 @@ static void visitHook(Visitor visit) {
   visit(entry, ParentOnly<entry, hook>::call);
 }
 
-// Calls visit(entry, function) for each of the thirteen.
+// Calls visit(entry, function) for each of the thirteen hooks.
 template <typename Visitor> static void forEachHook(Visitor visit) {
   visitHook<&DispatchTable::clBuildProgram, hooks::clBuildProgram>(visit);
   visitHook<&DispatchTable::clReleaseProgram, hooks::clReleaseProgram>(visit);
