@@ -74,7 +74,7 @@ std::size_t corvane::bench::sizeFor(std::size_t variant) {
 }
 
 std::size_t corvane::bench::sameAnswerFor(std::size_t global) {
-  return global * 59; // no variant's prime
+  return global * 59; // a prime that no variant has
 }
 
 std::size_t corvane::bench::sizeFor(std::size_t variant, std::size_t other) {

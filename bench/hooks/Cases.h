@@ -14,13 +14,13 @@ namespace corvane::bench {
 
 /// How a call reaches the runtime.
 enum class Way {
-  Runtime, ///< straight through the runtime's table
+  Runtime, ///< directly through the runtime's table
   Pass,    ///< by a function that only forwards
-  Lock,    ///< by one that holds a lock of the agent's kind meanwhile
+  Lock,    ///< by one that also holds a lock like the agent's
   Agent,   ///< by the hook
 };
 
-/// The word for \p way in the names of benchmarks.
+/// The name of \p way in the names of benchmarks.
 const char *nameOf(Way way);
 
 /// The yardstick functions for Pass and Lock, the tables for the others.

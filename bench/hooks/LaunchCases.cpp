@@ -44,8 +44,8 @@ static cl_kernel launched(const Launcher &launch, std::size_t global) {
   return lastLaunched();
 }
 
-// The agent's order follows from handles that it alone knows. So it is found
-// out by launches that two variants accept: the one that runs comes first.
+// The order of the variants follows from handles that only the agent has. So it
+// is found by launches that two variants accept: the one that runs comes first.
 static std::size_t findVariant(const Launcher &launch, const Case &of) {
   std::size_t found = 0;
   for (std::size_t i = 1; i != of.variants; ++i) {
@@ -66,7 +66,7 @@ static void setArguments(cl_kernel kernel) {
 static void launchKernel(benchmark::State &state, const Case &what) {
   const Program program(kernelWithVariants(what.variants));
   const Kernel created(program, "k");
-  // One that the agent has not seen being created.
+  // A kernel that the agent has not seen being created.
   cl_int status = CL_SUCCESS;
   cl_kernel kernel =
       what.known ? created : bare().clCreateKernel(program, "k", &status);
@@ -87,7 +87,7 @@ static void launchKernel(benchmark::State &state, const Case &what) {
       set(kernel, 0, sizeof value, &value);
     benchmark::DoNotOptimize(launch(sizes[value % 2]));
   }
-  // While autotuning the kernel itself runs last in any case.
+  // In autotuning mode the kernel itself always runs last.
   if (what.way == Way::Agent && !std::getenv("CORVANE_AUTOTUNE") &&
       (lastLaunched() == kernel) != (what.accepts == Accepts::None))
     state.SkipWithError("not the kernel that should have run");
@@ -95,7 +95,7 @@ static void launchKernel(benchmark::State &state, const Case &what) {
     bare().clReleaseKernel(kernel);
 }
 
-// What a launch of a variant has to ask and tell the runtime.
+// Makes the calls to the runtime that a launch of a variant needs.
 static void makeCalls(benchmark::State &state, bool changed) {
   const Program program(kernelWithVariants(1));
   const Kernel kernel(program, "k");

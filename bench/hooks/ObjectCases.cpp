@@ -30,8 +30,8 @@ static std::vector<std::string> wordsOf(const std::string &text) {
   return words;
 }
 
-// The same calls by hand: the queries of name and reference count, and the
-// creation and release of the variants with their kernel.
+// Makes the calls that a kernel needs, without the agent: queries of name and
+// reference count, creation and release of the kernel and its variants.
 static void makeKernelCalls(benchmark::State &state, std::size_t variants) {
   const std::string names = kernelWithVariants(variants);
   const std::vector<std::string> words = wordsOf(names);

@@ -1,4 +1,4 @@
-// Builds of programs, and questions about them.
+// Builds of programs, and queries about them.
 
 #include "bench/hooks/Application.h"
 #include "bench/hooks/Cases.h"
@@ -23,7 +23,7 @@ static std::string kernelNames(std::size_t count) {
   return names;
 }
 
-// The agent drops its record at the release, but the program stays alive.
+// The agent drops its record at the release, but the program still exists.
 static void build(benchmark::State &state, Way way, std::size_t kernels) {
   const Program program(kernelNames(kernels));
   const auto &table = way == Way::Agent ? hooked() : bare();

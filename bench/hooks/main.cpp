@@ -1,5 +1,5 @@
-// What hooked calls cost beside the same calls straight to the runtime, and
-// beside yardsticks, while the application keeps some objects alive.
+// Measures hooked calls, the same calls directly to the runtime, and
+// yardsticks, while the application keeps some objects.
 
 #include "bench/hooks/Application.h"
 #include "bench/hooks/Cases.h"

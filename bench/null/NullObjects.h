@@ -1,5 +1,5 @@
-// The objects of the runtime that does nothing: no more than it must know to
-// answer what the agent asks.
+// The objects of the runtime that does nothing: only what it needs to answer
+// the agent's queries.
 
 #pragma once
 

@@ -69,11 +69,11 @@ TunedKernel::TunedKernel(double seconds) : session(source) {
     }
 
   setRounds(1);
-  launchByHand(); // so that the kernels are compiled
+  launchByHand(); // compiles the kernels
   calibrate(seconds);
 }
 
-// Other programs make a run longer, but none shorter than it is.
+// Takes the shortest of some runs: other programs can only make a run longer.
 void TunedKernel::calibrate(double seconds) {
   double rounds = 100.0;
   for (int step = 0; step != 3; ++step) {
@@ -148,8 +148,8 @@ Runs TunedKernel::launchByHand() {
   return result;
 }
 
-// On a device that uses the host's memory, a transfer is a copy. So this copies
-// as many bytes between two arrays that are in the cache as far as they fit.
+// On a device that uses the host's memory a transfer is a copy. So this copies
+// as many bytes between two arrays, which are in the cache if they fit.
 double TunedKernel::copySeconds() {
   constexpr std::size_t copies = 2 * variantCount * bufferCount;
   std::vector<std::vector<char>> places(bufferCount,

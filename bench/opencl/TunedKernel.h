@@ -8,7 +8,7 @@
 
 namespace corvane::bench {
 
-/// What one launch of all versions took.
+/// How long one launch of all versions took.
 struct Runs {
   double wallSeconds = 0.0;
   double kernelSeconds = 0.0; ///< by the profiling counters, of all versions
@@ -16,21 +16,22 @@ struct Runs {
 
 class TunedKernel {
 public:
-  /// \p seconds: how long about a run of the ordinary kernel shall take.
+  /// A run of the ordinary kernel takes about \p seconds.
   explicit TunedKernel(double seconds);
 
   /// Launches the kernel once and waits.
   void launch() const;
 
-  /// Runs what the agent makes of a launch, but by hand: each variant between a
-  /// save and a restore of the buffers, the kernel last.
+  /// Does what the agent does for a launch: runs each variant between a save
+  /// and a restore of the buffers, and the kernel last.
   Runs launchByHand();
 
   static constexpr std::size_t variantCount = 3;
   static constexpr std::size_t bufferCount = 2;
   static constexpr std::size_t bufferSize = std::size_t{256} << 10;
 
-  /// What all the saves and restores of a launch take by plain copies.
+  /// How long plain copies of as many bytes take as a launch saves and
+  /// restores.
   double copySeconds();
 
 private:

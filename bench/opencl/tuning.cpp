@@ -1,6 +1,6 @@
-// What autotuning a launch takes beside the sum of what it must do: the runs of
-// all versions, and the saves and restores of the buffers. With the layer the
-// agent does it; without the layer the program does the same by hand.
+// Compares an autotuned launch with the sum of what it must do: the runs of all
+// versions, and the saves and restores of the buffers. With the layer the agent
+// does these; without the layer the program does them itself.
 
 #include "bench/opencl/TunedKernel.h"
 

@@ -9,7 +9,7 @@
 
 namespace corvane::bench {
 
-/// Where files are kept in memory, if the system has such a place.
+/// A folder in memory, if the system has one.
 inline std::filesystem::path memoryFolder() {
   const std::filesystem::path memory = "/dev/shm";
   return std::filesystem::is_directory(memory)

@@ -1,4 +1,4 @@
-// Invents the launches of a long program.
+// Makes up the launches of a long program.
 
 #include "bench/results/SampleLog.h"
 
@@ -20,8 +20,8 @@ static std::string keyOf(std::size_t configuration) {
          size + ",,16,4,,";
 }
 
-// Some microseconds up to milliseconds by configuration, some percent of noise,
-// and now and then a run that was disturbed.
+// A time between microseconds and milliseconds, by configuration, with some
+// percent of noise and now and then a disturbance.
 static double timeOf(std::size_t configuration, std::size_t version,
                      std::minstd_rand &random) {
   const double usual = 5.0 * static_cast<double>(1 + configuration % 997) *

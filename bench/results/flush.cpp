@@ -1,5 +1,5 @@
-// What a flush takes: the results table beside a plain program's, and with the
-// pages.
+// Measures a flush: the results table, compared with a plain program's, and the
+// whole report.
 
 #include "bench/results/ChildRun.h"
 #include "bench/results/Folder.h"
@@ -26,7 +26,7 @@ static ReportJob jobIn(const Folder &folder, const std::string &log) {
   return job;
 }
 
-// All of a flush but the pages.
+// Does all that a flush does but the pages.
 static void writeTable(const Folder &folder, const std::string &log) {
   ReportJob job = jobIn(folder, log);
   llvm::cantFail(readRawLog(job.logPath, job.configs));
@@ -48,7 +48,8 @@ static std::string bytesOf(const std::string &path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A yardstick that writes another table would measure something else.
+// Whether the plain program writes the same table; otherwise it could not be
+// compared.
 static bool makesEqualTables(const Folder &folder, const std::string &log) {
   const auto compare = [&] {
     writeTable(folder, log);

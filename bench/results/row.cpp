@@ -1,5 +1,5 @@
-// What one row of the raw timing log takes beside the bare system calls, early
-// and late in a long run.
+// Measures one row of the raw timing log, compared with the system calls alone,
+// early and late in a long run.
 
 #include "agent/Environment.h"
 #include "agent/Flags.h"
@@ -38,7 +38,7 @@ static void appendByAgent(benchmark::State &state, std::size_t launchesBefore) {
     appendTiming(history, *launch);
 }
 
-// Open, check that there is something, append, and close.
+// Opens the log, checks that it is not empty, appends a row, and closes it.
 static void appendByCalls(benchmark::State &state, const std::string &log) {
   for (auto _ : state) {
     const int file = open(log.c_str(), O_RDWR | O_APPEND);
