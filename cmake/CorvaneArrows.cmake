@@ -1,6 +1,5 @@
-# Writes down which target of ours is in which folder, what it links and what it
-# is made of, for scripts/check_arrows.py: targets.txt in the build folder has a
-# line "target|folder|libraries|sources|PURE or nothing" for each.
+# Writes targets.txt in the build folder, for scripts/check_arrows.py. For each of
+# our targets it has a line "target|folder|libraries|sources|PURE or nothing".
 
 function(corvane_describe_target target)
   get_target_property(folder ${target} SOURCE_DIR)

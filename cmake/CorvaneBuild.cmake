@@ -1,5 +1,5 @@
-# What every target of ours shares, and the two kinds of target that a folder
-# declares: a static library with its arrows, and a library to load.
+# The options of all our targets, and the two kinds of target that a folder declares:
+# a static library that names what it uses, and a library to load.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -20,7 +20,8 @@ if(WIN32)
 endif()
 
 find_package(Threads REQUIRED)
-# Not by find_package's own version: LLVM calls 19.1 no match for 19.
+# Without a version for find_package: to LLVM's package file, 19.1 does not match
+# 19.
 find_package(LLVM REQUIRED CONFIG
              HINTS "/usr/lib/llvm-${CORVANE_LLVM_VERSION}/lib/cmake/llvm")
 if(NOT LLVM_VERSION_MAJOR EQUAL CORVANE_LLVM_VERSION)
@@ -83,8 +84,8 @@ function(corvane_watch_branches target)
   endif()
 endfunction()
 
-# Counts which lines of ours run. Several threads count, and paths that a log
-# shows lead to the sources from anywhere.
+# Counts which of our lines run, on several threads too. The paths of sources are
+# absolute, so that they can be found from any folder.
 function(corvane_count_lines target)
   if(CORVANE_COUNT_COVERAGE)
     target_compile_options(${target} PRIVATE
@@ -93,8 +94,9 @@ function(corvane_count_lines target)
   endif()
 endfunction()
 
-# A folder of ours: a static library that names the folders it may use. A call
-# against an arrow has nothing to link with. A PURE one knows nothing of OpenCL.
+# corvane_folder(<name> [PURE] SOURCES <file>... [USES <folder>...]): a static library
+# that names the folders it may use; a call to any other does not link. A PURE one
+# must not use OpenCL.
 function(corvane_folder name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "PURE" "" "SOURCES;USES")
   if(NOT arg_SOURCES)

@@ -1,7 +1,8 @@
-# A binary of GoogleTest tests, each of which CTest runs in a process of its own.
+# corvane_test(): a program of GoogleTest tests. CTest runs each test in a process of
+# its own.
 
 if(CMAKE_CROSSCOMPILING)
-  # Debian has GoogleTest built for itself only, but its sources as well.
+  # Debian has no GoogleTest for other systems, but it has the sources.
   find_path(CORVANE_GOOGLETEST_SOURCES googlemock/CMakeLists.txt
             PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH
             DOC "Folder that holds the sources of GoogleTest")
@@ -16,18 +17,17 @@ else()
 endif()
 include(GoogleTest)
 
-# Tests are compiled more often than they run long: optimising them, under the
-# sanitizers above all, takes several times what it ever saves. Fuzzers are what
-# runs long.
+# Optimising tests, above all with sanitizers, takes several times the time that it
+# saves when they run. Only fuzzers run long.
 function(corvane_compile_quickly target)
   if(NOT MSVC AND NOT CORVANE_BUILD_FUZZERS)
     target_compile_options(${target} PRIVATE -O0 -g1)
   endif()
 endfunction()
 
-# What nearly every file of the tests includes, compiled once: reading GoogleMock
-# takes longer than the rest of most files. A file still names what it uses;
-# scripts/test --all and scripts/lint compile without this.
+# A precompiled header of what nearly every file of the tests includes: reading
+# GoogleMock takes longer than the rest of most files. A file includes what it uses
+# all the same; the preset llvm-19 and scripts/lint compile without this header.
 file(WRITE "${CMAKE_BINARY_DIR}/TestHeaders.cpp" "")
 add_library(corvane_test_headers OBJECT EXCLUDE_FROM_ALL
             "${CMAKE_BINARY_DIR}/TestHeaders.cpp")
@@ -39,12 +39,12 @@ target_precompile_headers(corvane_test_headers PRIVATE
   <filesystem> <fstream> <functional> <iostream> <map> <memory> <mutex>
   <optional> <random> <set> <sstream> <string> <thread> <utility> <vector>)
 
-# Compilers take such headers only where all options agree with theirs.
+# Compilers use a precompiled header only if it was compiled with the same options.
 function(corvane_agree_with_test_headers target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_compile_definitions(${target} PRIVATE ${LLVM_DEFINITIONS_LIST})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # A compiler cache sees through the headers only with this.
+    # A compiler cache needs this option to work with the header.
     target_compile_options(${target} PRIVATE -fpch-preprocess)
   endif()
 endfunction()
@@ -66,7 +66,7 @@ function(corvane_test name)
   corvane_compile_quickly(${name})
   corvane_use_test_headers(${name})
   if(WIN32)
-    # Where the DLL lies that it may need.
+    # The folder of the DLL that the program may need.
     set_target_properties(${name} PROPERTIES
       RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
   endif()

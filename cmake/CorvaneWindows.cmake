@@ -1,8 +1,8 @@
-# What a build for Windows needs besides: where to find LLVM and the OpenCL
-# headers when the build runs on Linux, and what a DLL of ours carries.
+# For builds for Windows: where a build on Linux finds LLVM and the OpenCL headers,
+# and the name and properties of our DLLs.
 
-# A cross build takes an LLVM that is made for it once, and the host's OpenCL
-# headers through a folder that holds nothing else of the host's.
+# A cross build uses an LLVM that scripts/windows-llvm builds once, and the host's
+# OpenCL headers through a folder with none of the host's other headers.
 macro(corvane_prepare_cross_build)
   execute_process(COMMAND "${PROJECT_SOURCE_DIR}/scripts/windows-llvm"
                   OUTPUT_VARIABLE windows_llvm RESULT_VARIABLE windows_llvm_rc
@@ -27,7 +27,7 @@ macro(corvane_prepare_cross_build)
        "${CORVANE_OPENCL_HEADERS}/CL" SYMBOLIC)
 endmacro()
 
-# The name without "lib", and what Windows shows among the file's properties.
+# Gives a DLL its name, without "lib", and the properties that Windows shows.
 function(corvane_finish_dll target)
   set(CORVANE_DLL_NAME "${target}")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/Version.rc.in" "${target}.rc" @ONLY)

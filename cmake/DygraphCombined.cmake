@@ -1,10 +1,10 @@
-# The script that draws the report's graphs: Debian's dygraphs, made into the
-# one file that the graph pages load from $CORVANE_INSTALL_LOCATION.
+# The script that draws the report's graphs: Debian's dygraphs, joined into the one
+# file that the graph pages load from $CORVANE_INSTALL_LOCATION.
 
 set(CORVANE_ASSETS_DIR "${PROJECT_BINARY_DIR}/share/corvane")
 set(CORVANE_GRAPH_LIBRARY "${CORVANE_ASSETS_DIR}/dygraph-combined.js")
 
-# These files have no architecture; a cross build takes the host's.
+# The files do not depend on the architecture; a cross build uses the host's.
 function(corvane_find_graph_file variable name folder)
   find_file(${variable} "${name}" PATHS "${folder}"
             NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH

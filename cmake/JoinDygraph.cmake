@@ -16,7 +16,7 @@ string(REPLACE "\\" "\\\\" STYLE_TEXT "${STYLE_TEXT}")
 string(REPLACE "\"" "\\\"" STYLE_TEXT "${STYLE_TEXT}")
 string(REPLACE "\n" "\\n" STYLE_TEXT "${STYLE_TEXT}")
 
-# The map of the script does not come along.
+# Leaves out the reference to a source map, which is not part of the file.
 string(REGEX REPLACE "\n//# sourceMappingURL=[^\n]*" "" SCRIPT_TEXT
        "${SCRIPT_TEXT}")
 
@@ -28,8 +28,8 @@ file(WRITE "${OUT}.part"
 "${BYTE_ORDER_MARK}/*!
 ${LICENCE_TEXT}*/
 (function () {
-  // The pages load a script and nothing else, so it brings its style along,
-  // before anything is drawn.
+  // The pages load only this script, so it adds its style sheet before anything is
+  // drawn.
   var style = document.createElement(\"style\");
   style.appendChild(document.createTextNode(\"${STYLE_TEXT}\"));
   document.head.appendChild(style);
