@@ -5,6 +5,8 @@
 #include "llvm/Support/Format.h"
 #include "llvm/Support/raw_ostream.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -113,16 +115,24 @@ static std::int64_t signedValue(ElementType type, const unsigned char *bytes) {
   }
 }
 
+// As C's "%g" does, but with a point in every locale.
+static void writeDigits(llvm::raw_ostream &text, double value, int digits) {
+  std::array<char, 32> number; // 17 digits, two signs, a point and "e308"
+  const auto [end, error] =
+      std::to_chars(number.data(), number.data() + number.size(), value,
+                    std::chars_format::general, digits);
+  text << llvm::StringRef(number.data(),
+                          static_cast<std::size_t>(end - number.data()));
+}
+
 // NaNs of different payloads look alike as numbers.
 static void writeFloating(llvm::raw_ostream &text, ElementType type,
                           const unsigned char *bytes) {
   const double value = floatingValue(type, bytes);
   if (std::isnan(value))
     text << "nan(" << llvm::format_hex(unsignedBits(type, bytes), 0) << ")";
-  else if (type.size == 8)
-    text << llvm::format("%.17g", value);
   else
-    text << llvm::format("%.9g", value);
+    writeDigits(text, value, type.size == 8 ? 17 : 9);
 }
 
 std::string corvane::valueText(ElementType type, const unsigned char *bytes) {

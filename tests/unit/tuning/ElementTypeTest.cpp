@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -66,4 +67,15 @@ TEST(ElementType, ShowsIntegersWithTheirSign) {
   EXPECT_EQ(
       textOf({Kind::Unsigned, 8}, std::numeric_limits<std::uint64_t>::max()),
       "18446744073709551615");
+}
+
+TEST(ElementType, ShowsAPointWhateverTheLocale) {
+  const std::string before = std::setlocale(LC_NUMERIC, nullptr);
+  if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+    GTEST_SKIP() << "there is no locale with a decimal comma";
+  EXPECT_STREQ(std::localeconv()->decimal_point, ",");
+  EXPECT_EQ(textOf({Kind::Floating, 4}, 0.5F), "0.5");
+  EXPECT_EQ(textOf({Kind::Floating, 8}, -1.25e-300),
+            "-1.25e-300");
+  std::setlocale(LC_NUMERIC, before.c_str());
 }
