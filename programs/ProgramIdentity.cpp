@@ -97,11 +97,16 @@ static std::string hashOf(llvm::StringRef kind, llvm::StringRef options,
   hash.update(" " + std::to_string(options.size()) + "\n");
   hash.update(options);
   hash.update(content);
+  // Not by LLVM's own function, which ends the process where there is no
+  // memory.
   const auto digest = hash.final();
-  return llvm::toHex(
-      llvm::ArrayRef<std::uint8_t>(
-          reinterpret_cast<const std::uint8_t *>(digest.data()), digest.size()),
-      /*LowerCase=*/true);
+  std::string text;
+  for (const auto byte : digest) {
+    const auto bits = static_cast<std::uint8_t>(byte);
+    text += llvm::hexdigit(bits >> 4, /*LowerCase=*/true);
+    text += llvm::hexdigit(bits & 15, /*LowerCase=*/true);
+  }
+  return text;
 }
 
 static std::optional<std::string> computeHash(cl_program program,
