@@ -61,9 +61,10 @@ class ClosedHistory {
 public:
   explicit ClosedHistory(LaunchHistory &open)
       : history(open), lock(open.lock, std::try_to_lock),
-        isOfTuning(lock && open.runFolder),
-        folder(isOfTuning ? open.runFolder : outputDirectory(open.loadFolder)) {
+        isOfTuning(lock && open.runFolder) {
+    // Before the first request for memory: whatever fails, it is closed.
     history.open = false;
+    folder = isOfTuning ? open.runFolder : outputDirectory(open.loadFolder);
   }
 
   /// Where the results go; none if no variable says so.
@@ -83,7 +84,7 @@ private:
   LaunchHistory &history;
   std::unique_lock<std::mutex> lock;
   const bool isOfTuning;
-  const std::optional<std::string> folder;
+  std::optional<std::string> folder;
 };
 
 } // namespace
@@ -137,11 +138,11 @@ void corvane::flushAutotuneResults() {
   const std::unique_ptr<AgentState, RetireState> state(takeAgentState());
   if (!state)
     return;
+  ClosedHistory history(*state->launchRecords);
   if (state->profileSummary)
     state->profileSummary->tell();
   if (state->tuningRun)
     state->tuningRun->close();
-  ClosedHistory history(*state->launchRecords);
   if (autotuneOutput() || history.tunes())
     produceResults(history);
 }

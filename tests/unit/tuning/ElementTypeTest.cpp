@@ -75,7 +75,6 @@ TEST(ElementType, ShowsAPointWhateverTheLocale) {
     GTEST_SKIP() << "there is no locale with a decimal comma";
   EXPECT_STREQ(std::localeconv()->decimal_point, ",");
   EXPECT_EQ(textOf({Kind::Floating, 4}, 0.5F), "0.5");
-  EXPECT_EQ(textOf({Kind::Floating, 8}, -1.25e-300),
-            "-1.25e-300");
+  EXPECT_EQ(textOf({Kind::Floating, 8}, -1.25e-300), "-1.25e-300");
   std::setlocale(LC_NUMERIC, before.c_str());
 }
