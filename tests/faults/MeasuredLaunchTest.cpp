@@ -22,8 +22,8 @@ using namespace corvane::test;
 
 namespace {
 void addOne(const Launch &launch) {
-  for (unsigned char &byte : launch.buffer(0))
-    ++byte;
+  for (unsigned char &element : launch.buffer(0))
+    ++element;
 }
 
 /// A process that tunes a kernel with a variant; both add 1 to each byte.

@@ -94,8 +94,8 @@ TEST_F(TuneLaunch, DecidesWithoutAVersionThatWasDropped) {
 
 TEST_F(TuneLaunch, GivesEachVersionWhatTheApplicationLeft) {
   const auto increment = [](const Launch &launch) {
-    for (unsigned char &byte : launch.buffer(1))
-      ++byte;
+    for (unsigned char &element : launch.buffer(1))
+      ++element;
   };
   *app.body = increment;
   addVariant(increment);

@@ -145,8 +145,8 @@ TEST_F(WithoutTime, NothingIsMeasured) {
 // kernels add 1, so that each run of one shows.
 TEST(RefusedCalls, LeaveTheApplicationsRunAsItIs) {
   const auto addOne = [](const Launch &launch) {
-    for (unsigned char &byte : launch.buffer(1))
-      ++byte;
+    for (unsigned char &element : launch.buffer(1))
+      ++element;
   };
   bool refused = true;
   for (std::size_t nth = 1; refused; ++nth) {
