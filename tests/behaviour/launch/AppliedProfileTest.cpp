@@ -172,7 +172,7 @@ TEST_F(WithProfile, TheKernelRunsWithAnotherDriverWhichIsSaidOnce) {
   EXPECT_EQ(run({256}), "k");
   EXPECT_EQ(run({512}), "k");
   EXPECT_EQ(capture.text(),
-            "CV: " + folder.file("profile.json") +
+            "CV: " + folder.text() + "/profile.json" +
                 " was made with another driver of a device: there kernels run "
                 "as they are.\n");
 }
@@ -206,9 +206,10 @@ TEST_F(WithProfile, AFileThatCannotBeUsedLeavesKernelsAsTheyAre) {
     start();
     EXPECT_EQ(run({256}), "k");
     const std::string said = capture.text();
-    EXPECT_THAT(said, AllOf(StartsWith("CV: " + folder.file("profile.json") +
-                                       " cannot be used as a profile: "),
-                            EndsWith(". Kernels run as they are.\n")));
+    EXPECT_THAT(said,
+                AllOf(StartsWith("CV: " + folder.text() + "/profile.json" +
+                                 " cannot be used as a profile: "),
+                      EndsWith(". Kernels run as they are.\n")));
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
     EXPECT_EQ(said.find('\x1b'), std::string::npos);
     app.reset();
