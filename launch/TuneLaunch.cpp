@@ -69,7 +69,7 @@ struct WaitingJob {
 };
 } // namespace
 
-// Such a launch fails, or a runtime does what nobody can foresee.
+// The runtime refuses such a launch, or what it does with it is undefined.
 static bool isIrregular(const Launch &launch) {
   return launch.workDim == 0 || hasTooManyDimensions(launch) ||
          !launch.globalSize || hasZeroLocalSize(launch) ||

@@ -81,8 +81,7 @@ static ProgramLine describe(cl_program program, cl_device_id device,
   return line;
 }
 
-// Without its source nobody can say what a program's kernels do besides writing
-// to buffers.
+// Only the source tells what a program's kernels do besides writing to buffers.
 static std::string obstacleIn(cl_program program) {
   const std::string source = programText(program, CL_PROGRAM_SOURCE);
   if (source.empty())
