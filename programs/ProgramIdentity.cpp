@@ -101,8 +101,8 @@ static std::string hashOf(llvm::StringRef kind, llvm::StringRef options,
   // memory.
   const auto digest = hash.final();
   std::string text;
-  for (const auto byte : digest) {
-    const auto bits = static_cast<std::uint8_t>(byte);
+  for (const auto element : digest) {
+    const auto bits = static_cast<std::uint8_t>(element);
     text += llvm::hexdigit(bits >> 4, /*LowerCase=*/true);
     text += llvm::hexdigit(bits & 15, /*LowerCase=*/true);
   }
