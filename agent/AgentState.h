@@ -55,7 +55,7 @@ struct AgentState {
   std::shared_ptr<Tuning> tuning;
   std::shared_ptr<TuningRun> tuningRun;
 
-  /// Scratch text of the state's own; no hook writes to it.
+  /// Reserved for hooks that will gather text over several calls; unused.
   std::stringstream text;
 
   /// For the functions below only.

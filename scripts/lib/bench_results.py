@@ -1,4 +1,4 @@
-"""Reads the results of the benchmarks and compares them with their goals."""
+"""Reads the results of the benchmarks and compares them with their limits."""
 
 import collections
 import json
@@ -7,8 +7,8 @@ import re
 ALIVE = (1, 100, 10_000)
 MODES = ("normal", "autotuning")
 
-# What is compared with a limit; both in the goal's unit.
-Goal = collections.namedtuple("Goal", "text measured limit unit")
+# What is compared with a limit; both in the same unit.
+Check = collections.namedtuple("Check", "text measured limit unit")
 
 
 class Results:
@@ -69,36 +69,36 @@ def launch(variants, accepts, change="unchanged"):
     return f"clEnqueueNDRangeKernel/variants:{variants}/accepts:{accepts}/{change}"
 
 
-def single_call_goals(results):
+def single_call_checks(results):
     lock = results.added("clSetKernelArg/variants:0/bytes:4", "lock")
     for variants in (0, 1, 16):
         for size in (4, 8, 64):
             call = f"clSetKernelArg/variants:{variants}/bytes:{size}"
-            yield Goal(
+            yield Check(
                 f"clSetKernelArg, {size} bytes, {variants} variants: added, in lock",
                 results.added(call) / lock, 2.5, "x",
             )
 
 
-def launch_goals(results):
+def launch_checks(results):
     lock = results.added(launch(0, "none"), "lock")
     env = results.hook("getenv/env")
     calls = results.added(launch(1, "first"), "calls")
-    yield Goal(
+    yield Check(
         "launch without variants: added, in lock + env",
         results.added(launch(0, "none")) / (lock + env), 2.0, "x",
     )
     for variants in (1, 4, 16):
-        yield Goal(
+        yield Check(
             f"launch, the first of {variants} accepts: added, in lock + env + calls",
             results.added(launch(variants, "first")) / (lock + env + calls), 2.0, "x",
         )
 
 
-def real_launch_goals(results):
+def real_launch_checks(results):
     for kernel in ("plain", "tuned"):
         name = f"launch+clFinish/{kernel}"
-        yield Goal(
+        yield Check(
             f"launch over a real runtime, {kernel}: beside one without the layer",
             results.time("launch-layer", name) / results.time("launch-direct", name),
             1.03, "x",
@@ -122,32 +122,32 @@ def growths(results, mode, alive):
     }
 
 
-def growth_goals(results):
+def growth_checks(results):
     for mode in MODES:
         found = growths(results, mode, ALIVE[-1])
         worst = max(found, key=found.get)
-        yield Goal(
+        yield Check(
             f"10 000 objects beside 1, {mode}; worst: {worst[:-len('/agent')]}",
             found[worst], 1.5, "x",
         )
 
 
-def flush_goals(results):
+def flush_checks(results):
     def milliseconds(way):
         return results.time("flush", f"table/rows:1000000/{way}")
 
-    yield Goal("table of 1 000 000 rows: beside the plain program",
+    yield Check("table of 1 000 000 rows: beside the plain program",
                milliseconds("agent") / milliseconds("plain"), 0.3, "x")
 
 
-def tuning_goals(results):
-    yield Goal(
+def tuning_checks(results):
+    yield Check(
         "autotuned launch, 10 ms: beside what it must do",
         results.runs("tuning-agent")["tuning/us:10000"]["ratio"], 1.03, "x",
     )
 
 
-def all_goals(results):
-    for goals in (single_call_goals, launch_goals, real_launch_goals,
-                  growth_goals, flush_goals, tuning_goals):
-        yield from goals(results)
+def all_checks(results):
+    for checks in (single_call_checks, launch_checks, real_launch_checks,
+                  growth_checks, flush_checks, tuning_checks):
+        yield from checks(results)

@@ -6,7 +6,7 @@ Usage: print_ratios.py FOLDER, which holds the results of one run.
 import pathlib
 import sys
 
-from bench_results import ALIVE, Results, all_goals, growths, runtime_case
+from bench_results import ALIVE, Results, all_checks, growths, runtime_case
 
 CALLS = [
     *(f"clSetKernelArg/variants:{v}/bytes:{b}" for v in (0, 1) for b in (4, 64)),
@@ -82,12 +82,12 @@ def print_results(results):
               f" by the agent {agent['ratio']:.3f}x")
 
 
-def print_goals(results):
-    print("\nGoals" + 78 * " " + "measured   at most")
-    for goal in all_goals(results):
-        met = "" if goal.measured <= goal.limit else "  over"
-        print(f"  {goal.text:80} {goal.measured:7.2f} {goal.unit:3}"
-              f" {goal.limit:6.2f}{met}")
+def print_checks(results):
+    print("\nLimits" + 77 * " " + "measured   at most")
+    for check in all_checks(results):
+        met = "" if check.measured <= check.limit else "  over"
+        print(f"  {check.text:80} {check.measured:7.2f} {check.unit:3}"
+              f" {check.limit:6.2f}{met}")
 
 
 def main():
@@ -96,7 +96,7 @@ def main():
     print_yardsticks(results)
     print_real(results)
     print_results(results)
-    print_goals(results)
+    print_checks(results)
 
 
 if __name__ == "__main__":

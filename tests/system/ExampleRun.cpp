@@ -1,5 +1,4 @@
-// Starts an example in a child process, and parses what it and the observer
-// wrote.
+// Starts an example, and parses what it and the observer wrote.
 
 #include "tests/system/ExampleRun.h"
 #include "tests/support/TempFolder.h"
