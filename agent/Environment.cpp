@@ -18,10 +18,9 @@ std::atomic<bool> detail::variablesCount{true};
 static std::mutex movingLock;
 /// How many builds and links hide CORVANE_AUTOTUNE at the moment.
 static unsigned hidingCalls = 0;
-/// Whether this thread holds movingLock.
-static thread_local bool holdsMovingLock = false;
-/// Whether this thread is moving a variable.
-static thread_local bool movesVariable = false;
+/// What this thread is doing with the environment.
+static thread_local detail::EnvironmentUse useByThread =
+    detail::EnvironmentUse::None;
 /// Whether the value of CORVANE_AUTOTUNE is where we have parked it.
 static std::atomic<bool> isParked{false};
 
@@ -68,12 +67,12 @@ static bool moveVariable(const char *from, const char *to) {
   if (!value)
     return false;
   const bool canBeKept = *value != '\0' || platform::keepsEmptyVariables;
-  movesVariable = true;
+  useByThread = detail::EnvironmentUse::Moves;
   setEnv(to, value, 1);
   const bool isThere = !canBeKept || haveOneValue(from, to);
   if (isThere)
     unsetEnv(from);
-  movesVariable = false;
+  useByThread = detail::EnvironmentUse::Looks;
   return isThere;
 }
 
@@ -94,11 +93,12 @@ void corvane::restoreAutotune() {
     isParked = false;
 }
 
-EnvironmentLook::EnvironmentLook() : guard(movingLock, std::defer_lock) {
-  if (holdsMovingLock) {
+EnvironmentLook::EnvironmentLook()
+    : guard(movingLock, std::defer_lock), use(useByThread) {
+  if (use != detail::EnvironmentUse::None) {
     // Within another look of this thread variables stay where they are; within
     // a move, which a signal has interrupted, they may be anywhere.
-    mayLook = !movesVariable;
+    mayLook = use == detail::EnvironmentUse::Looks;
     return;
   }
   if (platform::otherThreadsAreGone())
@@ -106,12 +106,13 @@ EnvironmentLook::EnvironmentLook() : guard(movingLock, std::defer_lock) {
   else
     guard.lock();
   mayLook = guard.owns_lock();
-  holdsMovingLock = mayLook;
+  if (mayLook)
+    use = detail::EnvironmentUse::Looks;
 }
 
 EnvironmentLook::~EnvironmentLook() {
   if (guard.owns_lock())
-    holdsMovingLock = false;
+    use = detail::EnvironmentUse::None;
 }
 
 const char *corvane::resultsDir() {

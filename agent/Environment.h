@@ -14,6 +14,10 @@ namespace corvane {
 
 namespace detail {
 extern std::atomic<bool> variablesCount;
+
+/// What a thread does with the environment while it keeps others from moving
+/// variables.
+enum class EnvironmentUse { None, Looks, Moves };
 } // namespace detail
 
 /// Decides, at load, whether variables count: not in a process that has more
@@ -70,6 +74,7 @@ public:
 
 private:
   std::unique_lock<std::mutex> guard;
+  detail::EnvironmentUse &use; ///< by the thread that made this object
   bool mayLook = false;
 };
 

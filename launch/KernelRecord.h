@@ -20,12 +20,23 @@ namespace corvane {
 
 struct TunedProgram;
 
+/// What the conditions of a variant say about the sizes of a launch.
+struct ExaminedSizes {
+  LaunchSizes sizes;
+  const llvm::Transform *rejecting = nullptr; ///< null: all conditions accept
+  VariantRange range;                         ///< if they do
+};
+
 /// A variant's kernel, created beside one kernel of the application's.
 struct VariantKernel {
   cl_kernel kernel; ///< null: the runtime did not create it; never launched
   const VariantDescription *description; ///< the prototype's
   /// How many settings of arguments the kernel has seen.
   std::uint64_t settingsSeen = 0;
+  /// About the latest launch, if there was one. Most launches repeat the sizes
+  /// of the one before; to ask the conditions again took a third of the agent's
+  /// time in a launch.
+  std::optional<ExaminedSizes> examined = std::nullopt;
 };
 
 /// What the profile of this process says about the latest launch of a kernel,

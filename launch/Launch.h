@@ -99,11 +99,12 @@ inline bool hasOffset(const Launch &launch) {
 /// The work-groups of \p launch; zero where the sizes do not tell.
 inline GroupCountArgument groupCounts(const Launch &launch) {
   GroupCountArgument argument;
-  const LaunchSizes sizes = sizesOf(launch);
-  for (std::size_t d = 0; d != sizes.local.size(); ++d)
-    if (sizes.local[d] != 0)
-      argument.groups[d] =
-          static_cast<std::uint32_t>(sizes.global[d] / sizes.local[d]);
+  if (!launch.globalSize || !launch.localSize)
+    return argument;
+  for (cl_uint d = 0; d < std::min(launch.workDim, 3U); ++d)
+    if (launch.localSize[d] != 0)
+      argument.groups[d] = static_cast<std::uint32_t>(launch.globalSize[d] /
+                                                      launch.localSize[d]);
   return argument;
 }
 

@@ -6,6 +6,7 @@
 #include "agent/RuntimeTable.h"
 
 #include <algorithm>
+#include <cstring>
 
 using namespace corvane;
 
@@ -17,15 +18,16 @@ RecordedArguments::RecordedArguments(std::uint64_t settingsBefore)
 
 // Keeps the present value, because the runtime may refuse the new one.
 static void reserveValue(RecordedArgument &argument, std::size_t size) {
-  if (argument.bytes && argument.bytes->capacity() >= size)
+  if (argument.bytes && argument.capacity >= size)
     return;
-  auto larger = std::make_shared<std::vector<unsigned char>>();
-  larger->reserve(std::max<std::size_t>(size, 1));
+  const std::size_t capacity = std::max<std::size_t>(size, 1);
+  std::shared_ptr<unsigned char[]> larger(new unsigned char[capacity]);
   if (argument.value) {
-    larger->assign(argument.bytes->begin(), argument.bytes->end());
-    argument.value = larger->data();
+    std::memcpy(larger.get(), argument.value, argument.size);
+    argument.value = larger.get();
   }
   argument.bytes = std::move(larger);
+  argument.capacity = capacity;
 }
 
 void RecordedArguments::reserve(std::uint32_t index, std::size_t size,
@@ -55,9 +57,8 @@ void RecordedArguments::record(std::uint32_t index, std::size_t size,
   argument.size = size;
   argument.value = nullptr;
   if (value && !argument.isLost) {
-    const auto *first = static_cast<const unsigned char *>(value);
-    argument.bytes->assign(first, first + size);
-    argument.value = argument.bytes->data();
+    std::memmove(argument.bytes.get(), value, size);
+    argument.value = argument.bytes.get();
   }
   if (!argument.isSet) {
     argument.isSet = true;

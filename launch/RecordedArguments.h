@@ -28,8 +28,9 @@ struct RecordedArgument {
 
   /// Replaced, and never moved, when a value needs more memory. A replay shares
   /// it while the runtime reads the value: the runtime may call the application
-  /// back, which may set the argument again.
-  std::shared_ptr<std::vector<unsigned char>> bytes;
+  /// back, which may set the argument again. Null: no memory yet.
+  std::shared_ptr<unsigned char[]> bytes;
+  std::size_t capacity = 0; ///< of the memory, in bytes
 };
 
 /// The arguments of a kernel, by index. Guarded by the agent lock.

@@ -25,19 +25,23 @@ static Refusal refusalOfAll(const KernelRecord &record, const Launch &launch) {
   return {};
 }
 
-// Which condition refuses the sizes; if none does, it is the global size that
-// is missing.
-static Refusal refusalOfSizes(const llvm::TransformedKernel &conditions,
-                              const LaunchSizes &sizes) {
-  const llvm::Transform *rejecting = conditions.findRejecting(
+static ExaminedSizes examineSizes(const llvm::TransformedKernel &conditions,
+                                  const LaunchSizes &sizes) {
+  ExaminedSizes answer;
+  answer.sizes = sizes;
+  answer.rejecting = conditions.findRejecting(
       sizes.dimensions, sizes.global.data(), sizes.local.data());
-  if (rejecting)
-    return {Reason::RejectedSizes, rejecting};
-  return {Reason::NoGlobalSize};
+  if (!answer.rejecting)
+    (void)prepareLaunch(conditions, sizes.dimensions, sizes.global.data(),
+                        sizes.local.data(), answer.range.global.data(),
+                        answer.range.local.data());
+  return answer;
 }
 
 static Refusal refusalOfArguments(const llvm::TransformedKernel &conditions,
                                   const RecordedArguments &arguments) {
+  if (!conditions.looksAtArguments())
+    return {};
   for (const RecordedArgument &argument : arguments.recorded())
     if (const llvm::Transform *rejecting = conditions.findRejectingArgument(
             argument.index, argument.size, argument.value))
@@ -53,12 +57,16 @@ static VariantChoice examine(KernelRecord &record, VariantKernel &variant,
     return choice;
   }
   const llvm::TransformedKernel &conditions = variant.description->conditions;
-  if (prepareLaunch(conditions, launch.workDim, launch.globalSize,
-                    sizes.local.data(), choice.range.global.data(),
-                    choice.range.local.data()))
-    choice.refusal = refusalOfArguments(conditions, record.arguments);
+  if (!variant.examined || !(variant.examined->sizes == sizes))
+    variant.examined = examineSizes(conditions, sizes);
+  const ExaminedSizes &answer = *variant.examined;
+  choice.range = answer.range;
+  if (answer.rejecting)
+    choice.refusal = {Reason::RejectedSizes, answer.rejecting};
+  else if (!launch.globalSize)
+    choice.refusal = {Reason::NoGlobalSize};
   else
-    choice.refusal = refusalOfSizes(conditions, sizes);
+    choice.refusal = refusalOfArguments(conditions, record.arguments);
   return choice;
 }
 

@@ -4,6 +4,7 @@
 
 #include "variants/Transform.h"
 
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -28,6 +29,12 @@ struct TransformedKernel {
   /// The items of all conditions, in order: the canonical form of the spec.
   virtual std::string specText() const;
   virtual ~TransformedKernel();
+
+  /// Whether some condition looks at arguments. The ones that do are the last.
+  bool looksAtArguments() const {
+    return !conditions.empty() &&
+           std::prev(conditions.end())->kind == Transform::DivisibleKind;
+  }
 
   /// The first condition, in order, that rejects; null if all accept. Those
   /// after it are not asked. For the parameters see Transform.
