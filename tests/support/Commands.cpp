@@ -62,10 +62,19 @@ bool Commands::runOne(bool youngest) {
       found = std::find_if(queued.rbegin(), queued.rend(), mayRun).base() - 1;
     command = std::move(*found);
     queued.erase(found);
+    runners.push_back(std::this_thread::get_id());
   }
   if (command.work)
     command.work();
-  end(command.event, command.endStatus);
+  Callbacks due;
+  {
+    Lock guard(lock);
+    runners.erase(
+        std::find(runners.begin(), runners.end(), std::this_thread::get_id()));
+    due = markOver(*command.event, command.endStatus);
+    changed.notify_all();
+  }
+  call(due, command.endStatus);
 
   Lock guard(lock);
   --command.event->uses;
@@ -77,46 +86,52 @@ bool Commands::runOne(bool youngest) {
   return true;
 }
 
-void Commands::runUntilOver(const Event &event) {
+bool Commands::otherThreadsRun() const {
+  return std::any_of(runners.begin(), runners.end(),
+                     [](std::thread::id runner) {
+                       return runner != std::this_thread::get_id();
+                     });
+}
+
+// What another thread runs at the moment may be what the event waits for.
+void Commands::runUntilOver(const Event &event, bool alsoWaits) {
   while (true) {
     {
-      Lock guard(lock);
+      std::unique_lock<std::recursive_mutex> guard(lock);
       if (event.over())
         return;
+      if (std::none_of(queued.begin(), queued.end(), mayRun)) {
+        if (!alsoWaits && !otherThreadsRun())
+          return;
+        changed.wait(guard);
+        continue;
+      }
     }
-    if (!runFirst())
-      return;
+    (void)runFirst();
   }
 }
 
-void Commands::waitUntilOver(const Event &event) {
-  while (true) {
-    runUntilOver(event);
-    std::unique_lock<std::recursive_mutex> guard(lock);
-    if (event.over())
-      return;
-    if (std::none_of(queued.begin(), queued.end(), mayRun))
-      changed.wait(guard);
-  }
+Commands::Callbacks Commands::markOver(Event &event, cl_int status) {
+  if (event.over())
+    return {};
+  event.status = status;
+  return std::exchange(event.callbacks, {});
 }
 
-void Commands::end(const std::shared_ptr<Event> &event, cl_int status) {
-  std::vector<std::function<void(cl_int)>> callbacks;
-  {
-    Lock guard(lock);
-    if (event->over())
-      return;
-    event->status = status;
-    callbacks.swap(event->callbacks);
-    changed.notify_all();
-  }
+void Commands::call(Callbacks &callbacks, cl_int status) {
   for (auto &callback : callbacks)
     fire([callback = std::move(callback), status] { callback(status); });
 }
 
 void Commands::endUserEvent(const std::shared_ptr<Event> &event,
                             cl_int status) {
-  end(event, status);
+  Callbacks due;
+  {
+    Lock guard(lock);
+    due = markOver(*event, status);
+    changed.notify_all();
+  }
+  call(due, status);
   runAllIfPrompt();
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -48,10 +49,11 @@ public:
   bool runLast() { return runOne(true); }
 
   /// Runs commands, oldest first, until \p event is over or none may run.
-  void runUntilOver(const Event &event);
+  void runUntilOver(const Event &event) { runUntilOver(event, false); }
 
-  /// The same, and waits for other threads to run what this one cannot.
-  void waitUntilOver(const Event &event);
+  /// The same, and waits for other threads to submit or end what this one
+  /// cannot.
+  void waitUntilOver(const Event &event) { runUntilOver(event, true); }
 
   /// Ends an event that is no command's and runs what waits for it, unless
   /// commands are late.
@@ -74,8 +76,15 @@ public:
   std::vector<std::string> waiting() const;
 
 private:
+  using Callbacks = std::vector<std::function<void(cl_int)>>;
+
   bool runOne(bool youngest);
-  void end(const std::shared_ptr<Event> &event, cl_int status);
+  void runUntilOver(const Event &event, bool alsoWaits);
+  /// Hold the lock for these two.
+  Callbacks markOver(Event &event, cl_int status);
+  bool otherThreadsRun() const;
+  /// Hold no lock.
+  void call(Callbacks &callbacks, cl_int status);
   void runAllIfPrompt();
 
   std::recursive_mutex &lock;
@@ -84,6 +93,7 @@ private:
   bool late = false;
   bool holding = false;
   std::vector<Command> queued;
+  std::vector<std::thread::id> runners; ///< one for each command that runs now
   std::vector<std::function<void()>> held;
 };
 
