@@ -121,8 +121,8 @@ inline llvm::sys::Mutex &agentLock() { return *detail::theAgentLock; }
 /// what the runtime did, in the same order; not over builds and links, which
 /// take long and may need another thread of the application's. It is recursive
 /// because the runtime may call the application back, and the application us.
-/// Take no leaf lock (see README.md) around a guard; the other way round is the
-/// rule.
+/// Never open a guard while you hold a leaf lock (agent/README.md); take leaf
+/// locks within a guard.
 ///
 /// When the outermost guard of a thread ends, it destroys the states that a
 /// flush on another thread has retired meanwhile.

@@ -12,7 +12,7 @@
 
 using namespace corvane;
 
-std::atomic<bool> detail::variablesCount{true};
+std::atomic<bool> detail::variablesApply{true};
 
 // A leaf lock: held while variables are moved, and by those who look meanwhile.
 static std::mutex movingLock;
@@ -31,7 +31,7 @@ const char *corvane::installLocation() {
 }
 
 void corvane::readPrivileges() {
-  detail::variablesCount = !platform::hasForeignRights();
+  detail::variablesApply = !platform::hasForeignRights();
 }
 
 bool corvane::flushOnReleaseContext() {

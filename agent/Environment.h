@@ -13,23 +13,23 @@
 namespace corvane {
 
 namespace detail {
-extern std::atomic<bool> variablesCount;
+extern std::atomic<bool> variablesApply;
 
 /// What a thread does with the environment while it keeps others from moving
 /// variables.
 enum class EnvironmentUse { None, Looks, Moves };
 } // namespace detail
 
-/// Decides, at load, whether variables count: not in a process that has more
-/// rights than the user who started it, because that user wrote the
+/// Decides, at load, whether variables are obeyed: not in a process that has
+/// more rights than the user who started it, because that user wrote the
 /// environment.
 void readPrivileges();
 
-/// The value of a variable; null when it is not defined or does not count. The
+/// The value of a variable; null when it is not defined or not obeyed. The
 /// text belongs to the environment and lasts until the variable changes.
 inline const char *lookUp(const char *name) {
-  const bool counts = detail::variablesCount.load(std::memory_order_relaxed);
-  return counts ? std::getenv(name) : nullptr;
+  const bool apply = detail::variablesApply.load(std::memory_order_relaxed);
+  return apply ? std::getenv(name) : nullptr;
 }
 
 const char *autotuneDir();     ///< where autotuning results go

@@ -18,13 +18,11 @@ enum class LaunchTuning : cl_uint {
   /// for the application: no tuning. A variant may run in place of the kernel.
   NotNow = 0,
   /// It may be tuned, at once or later on another thread. In the second case
-  /// the
-  /// application's own run waits for a user event that the agent creates within
-  /// the call, and commands that use the same memory wait for that run. Nothing
-  /// may be tuned if that run was refused. The agent gives all references to
-  /// the
-  /// application's objects back before it completes the event: a program that
-  /// has kernels, for example, cannot be built again.
+  /// the application's own run waits for a user event that the agent creates
+  /// within the call, and commands that use the same memory wait for that run.
+  /// Nothing may be tuned if that run was refused. The agent gives all
+  /// references to the application's objects back before it completes the
+  /// event: a program that has kernels, for example, cannot be built again.
   Allowed = 1,
   /// The kernel must run as it is, on the application's queue: it was given
   /// shared virtual memory, which no variant knows of, or has a global offset.

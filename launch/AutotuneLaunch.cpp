@@ -18,7 +18,7 @@
 using namespace corvane;
 
 namespace {
-/// One tuned launch while its commands are being enqueued.
+/// One autotuned launch while its commands are being enqueued.
 class AutotuneLaunch {
 public:
   AutotuneLaunch(AgentState &agentState, KernelRecord &kernelRecord,
@@ -34,7 +34,7 @@ private:
     std::unique_ptr<TimingTicket> ticket;
   };
   std::vector<Candidate> findCandidates();
-  void list();
+  void addToHistory();
   bool runVariant(const BufferSnapshot &inputs, Candidate candidate);
   void enqueueVariant(Candidate candidate);
   cl_int runKernel(std::unique_ptr<TimingTicket> ticket);
@@ -51,7 +51,7 @@ private:
   EventChain chain;
   std::shared_ptr<LaunchRecord> timings;
   bool transfersEnqueued = false;
-  bool buffersSpoiled = false; ///< by a variant, and not restored yet
+  bool buffersChanged = false; ///< by a variant, and not restored yet
 };
 
 /// The event of the application's own run: the application's, if it asked for
@@ -89,7 +89,7 @@ AutotuneLaunch::AutotuneLaunch(AgentState &agentState,
       chain(asked.numEventsInWaitList, asked.eventWaitList),
       timings(describe(*agentState.launchRecords, kernelRecord, sizes)) {}
 
-void AutotuneLaunch::list() {
+void AutotuneLaunch::addToHistory() {
   LaunchHistory &history = *state.launchRecords;
   std::lock_guard<std::mutex> lock(history.lock);
   history.records.push_back(timings);
@@ -106,7 +106,7 @@ AutotuneLaunch::makeTicket(std::string version) const {
 
 std::vector<AutotuneLaunch::Candidate> AutotuneLaunch::findCandidates() {
   std::vector<Candidate> candidates;
-  for (const VariantChoice &choice : variantsToTune(record, launch))
+  for (const VariantChoice &choice : variantsToAutotune(record, launch))
     candidates.push_back(
         {choice, makeTicket(choice.variant->description->spec)});
   return candidates;
@@ -143,7 +143,7 @@ void AutotuneLaunch::enqueueVariant(Candidate candidate) {
 // write to a buffer that is not saved.
 bool AutotuneLaunch::runVariant(const BufferSnapshot &inputs,
                                 Candidate candidate) {
-  if (buffersSpoiled)
+  if (buffersChanged)
     return false;
   VariantKernel &variant = *candidate.choice.variant;
   if (!record.arguments.replay(variant.kernel, variant.settingsSeen)) {
@@ -156,13 +156,15 @@ bool AutotuneLaunch::runVariant(const BufferSnapshot &inputs,
   if (!inputs.save(launch.queue, chain))
     return false;
   enqueueVariant(std::move(candidate));
-  buffersSpoiled = !inputs.restore(launch.queue, chain);
+  buffersChanged = !inputs.restore(launch.queue, chain);
   return true;
 }
 
 // The application's own run comes last: when it is over, all transfers are.
 cl_int AutotuneLaunch::runKernel(std::unique_ptr<TimingTicket> ticket) {
-  record.arguments.replay(record.kernel, record.settingsSeen);
+  // It has these values already. Kept on purpose: all versions are set up by
+  // the same calls.
+  (void)record.arguments.replay(record.kernel, record.settingsSeen);
   BaselineEvent event(launch.event);
   Launch chained = launch;
   chained.numEventsInWaitList = chain.waitCount();
@@ -195,7 +197,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
   if (!candidates.empty())
     shareEvents(buffers, candidates, *ticket);
   timings->timings.reserve(candidates.size() + 1);
-  list();
+  addToHistory();
 
   unsigned tested = 0;
   for (Candidate &candidate : candidates)
@@ -204,7 +206,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
   if (log)
     *log << tested << " kernel(s)  out of " << record.variants.size()
          << " are tested in addition to the original kernel\n";
-  if (buffersSpoiled)
+  if (buffersChanged)
     (void)inputs.restore(launch.queue, chain);
   if (!transfersEnqueued)
     ticket->keptAlive.clear();
@@ -214,7 +216,7 @@ cl_int AutotuneLaunch::runVariantsAndKernel(llvm::raw_ostream *log) {
 cl_int AutotuneLaunch::runKernelAlone() {
   auto ticket = makeTicket({});
   timings->timings.reserve(1);
-  list();
+  addToHistory();
   BaselineEvent event(launch.event);
   Launch watched = launch;
   watched.event = event.slot();
@@ -228,16 +230,16 @@ cl_int AutotuneLaunch::runKernelAlone() {
   return status;
 }
 
-static cl_int tune(AgentState &state, KernelRecord &record,
-                   const Launch &launch,
-                   std::optional<cl_uint> argumentsOfKernel,
-                   llvm::raw_ostream *log) {
-  AutotuneLaunch tuning(state, record, launch, argumentsOfKernel);
+static cl_int autotune(AgentState &state, KernelRecord &record,
+                       const Launch &launch,
+                       std::optional<cl_uint> argumentsOfKernel,
+                       llvm::raw_ostream *log) {
+  AutotuneLaunch autotuned(state, record, launch, argumentsOfKernel);
   if (!record.variants.empty())
-    return tuning.runVariantsAndKernel(log);
+    return autotuned.runVariantsAndKernel(log);
   if (log)
     *log << "No Corvane's kernel available\n";
-  return tuning.runKernelAlone();
+  return autotuned.runKernelAlone();
 }
 
 cl_int corvane::launchForAutotuning(AgentState *state, const Launch &launch,
@@ -247,13 +249,14 @@ cl_int corvane::launchForAutotuning(AgentState *state, const Launch &launch,
          << " in autotuning mode\n";
   const std::optional<cl_uint> argumentsOfKernel = argumentCount(launch.kernel);
 
-  // Kept on purpose: after a flush nothing is launched, only flushed.
+  // Kept on purpose: once the results are written nothing is launched; only
+  // clFlush is called.
   cl_int status = CL_SUCCESS;
   if (state) {
     KernelRecord *record = state->kernels.find(launch.kernel);
     if (!record)
       return enqueue(launch);
-    status = tune(*state, *record, launch, argumentsOfKernel, log);
+    status = autotune(*state, *record, launch, argumentsOfKernel, log);
   }
   (void)runtime().clFlush(launch.queue);
   if (status != CL_SUCCESS)

@@ -35,7 +35,7 @@ public:
   bool save(cl_command_queue queue, EventChain &chain) const;
 
   /// Enqueues the writing of all that save has read. False if one could not be
-  /// enqueued: then these buffers must not be saved over.
+  /// enqueued: then do not save again, which would overwrite the copy.
   bool restore(cl_command_queue queue, EventChain &chain) const;
 
   const std::vector<HostCopy> &hostMemory() const { return areas; }

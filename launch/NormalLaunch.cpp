@@ -33,7 +33,8 @@ cl_int corvane::launchVariant(const KernelRecord &record,
                               const VariantChoice &choice, const Launch &launch,
                               llvm::raw_ostream *log) {
   VariantKernel &variant = *choice.variant;
-  record.arguments.replay(variant.kernel, variant.settingsSeen);
+  // Also if the runtime refuses one: that is reported, and the launch goes on.
+  (void)record.arguments.replay(variant.kernel, variant.settingsSeen);
   if (!giveGroupCounts(variant.kernel, launch, argumentCount(launch.kernel)))
     return enqueue(launch);
   if (log)

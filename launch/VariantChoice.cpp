@@ -104,8 +104,8 @@ VariantChoice corvane::chooseVariant(AgentState &state, KernelRecord &record,
                        : chooseVariant(record, launch);
 }
 
-std::vector<VariantChoice> corvane::variantsToTune(KernelRecord &record,
-                                                   const Launch &launch) {
+std::vector<VariantChoice> corvane::variantsToAutotune(KernelRecord &record,
+                                                       const Launch &launch) {
   std::vector<VariantChoice> accepting;
   if (refusalOfAll(record, launch))
     return accepting;

@@ -53,10 +53,10 @@ VariantChoice chooseVariant(AgentState &state, KernelRecord &record,
 /// The same without a profile.
 VariantChoice chooseVariant(KernelRecord &record, const Launch &launch);
 
-/// Finds the variants that a tuned launch runs: all that take the launch, in
-/// the order of the record. Hold the agent lock.
-std::vector<VariantChoice> variantsToTune(KernelRecord &record,
-                                          const Launch &launch);
+/// Finds the variants that an autotuned launch runs: all that take the launch,
+/// in the order of the record. Hold the agent lock.
+std::vector<VariantChoice> variantsToAutotune(KernelRecord &record,
+                                              const Launch &launch);
 
 /// Whether \p variant takes \p launch, with its range or the refusal. Hold the
 /// agent lock.

@@ -53,7 +53,7 @@ cl_int CL_API_CALL hooks::clBuildProgram(
   cl_int status = build();
   AfterBuild next = lookAtLogs(program, numDevices, deviceList);
   if (next == AfterBuild::BuildAgain) {
-    // Variants that spill registers are not worth timing. So the program is
+    // The compiler could not keep a variant in registers. So the program is
     // built again, and this time the compiler does not see that it is tuned.
     status = attemptWithoutAutotune(build);
     next = status == CL_SUCCESS ? AfterBuild::Collect : AfterBuild::Leave;

@@ -1,5 +1,5 @@
-// The launches of this process in autotuning mode, and how long their runs
-// took.
+// The launches of this process that are autotuned or tuned, and how long their
+// runs took.
 
 #pragma once
 

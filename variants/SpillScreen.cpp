@@ -50,10 +50,11 @@ bool screenBuildLog(char *log) {
   while (const char *start = words.next()) {
     const llvm::StringRef word = start;
     if (word == "Warning:") {
-      // "Warning: <kernel> <three words> spilling." A variant that spills
-      // registers still works, so the words of the warning are only skipped.
+      // "Warning: <kernel> <three words> spilling." This warning alone
+      // does not flag a variant: its words are only skipped.
       words.skipTo(5);
     } else if (word == "calclCompile") {
+      // "calclCompile failed to keep <kernel> in registers"
       const char *kernel = words.skipTo(4);
       if (kernel && parseVariantName(kernel))
         flagged = true;

@@ -49,7 +49,7 @@ protected:
   }
   std::vector<std::string> tuned(const Launch &launch) {
     std::vector<std::string> specs;
-    for (const VariantChoice &choice : variantsToTune(*record, launch))
+    for (const VariantChoice &choice : variantsToAutotune(*record, launch))
       specs.push_back(specOf(choice));
     return specs;
   }
