@@ -8,7 +8,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <ios>
 #include <iostream>
 #include <new>
 #include <utility>
@@ -64,13 +63,13 @@ static platform::FileHandle openDumpLog() {
 
 // Writes the length to the C++ library's own stream, where it is expected. The
 // application may have asked that stream to throw, and may have left it in any
-// state.
+// state, with a buffer of its own that throws anything.
 static void tellLength(std::size_t length) {
   platform::makeErrorStreamBinary();
   platform::useStandardError([length] {
     try {
       std::cerr << std::to_string(length) + "\n";
-    } catch (const std::ios_base::failure &) {
+    } catch (...) {
       // The length is lost, and the process goes on to end.
     }
   });

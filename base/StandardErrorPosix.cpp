@@ -5,6 +5,7 @@
 #include "base/WriteSignals.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -40,6 +41,12 @@ static std::atomic<bool> isRemembered{false};
 static std::atomic<std::uint64_t> rememberedDevice{0};
 static std::atomic<std::uint64_t> rememberedNode{0};
 
+// Numbers beyond this are not looked at.
+static constexpr int descriptorsTried = 1024;
+// By number: whether the host had the same stream there at the load already, as
+// it may have the null device or its terminal for other purposes.
+static std::array<std::atomic<bool>, descriptorsTried> wasThere{};
+
 static Identity identityOf(int descriptor) {
   struct stat status = {};
   if (fstat(descriptor, &status) != 0)
@@ -51,14 +58,27 @@ void platform::rememberStandardError() {
   const Identity now = identityOf(STDERR_FILENO);
   rememberedDevice = now.device;
   rememberedNode = now.node;
+  for (int other = STDERR_FILENO + 1; other != descriptorsTried; ++other)
+    wasThere[static_cast<std::size_t>(other)] =
+        !(now == closed) && identityOf(other) == now;
   isRemembered = true;
 }
 
-// Where a host keeps a stream that it puts back later.
+// What is written there is lost anyway, and a host may open it at any time.
+static bool isNullDevice(const Identity &stream) {
+  struct stat status = {};
+  return stat("/dev/null", &status) == 0 &&
+         stream == Identity{status.st_dev, status.st_ino};
+}
+
+// Where a host keeps a stream that it puts back later: under a number that it
+// got since the load.
 static bool isKeptElsewhere(const Identity &stream) {
-  constexpr int descriptorsTried = 1024;
+  if (isNullDevice(stream))
+    return false;
   for (int other = STDERR_FILENO + 1; other != descriptorsTried; ++other)
-    if (identityOf(other) == stream)
+    if (!wasThere[static_cast<std::size_t>(other)] &&
+        identityOf(other) == stream)
       return true;
   return false;
 }

@@ -37,13 +37,13 @@ LoadedLayer::Answer
 LoadedLayer::init(const std::vector<void *> &loaderTable) const {
   Answer answer;
   testing::internal::CaptureStderr();
-  // What the agent finds now is standard error to it for good; so it has to
-  // stay open when the capture is over.
-  EXPECT_NE(dup(STDERR_FILENO), -1);
   answer.status =
       initLayer(static_cast<cl_uint>(loaderTable.size()),
                 reinterpret_cast<const cl_icd_dispatch *>(loaderTable.data()),
                 &answer.count, &answer.table);
+  // What the agent has found is standard error to it for good; so it has to
+  // stay open when the capture is over.
+  EXPECT_NE(dup(STDERR_FILENO), -1);
   answer.said = testing::internal::GetCapturedStderr();
   return answer;
 }
@@ -91,6 +91,7 @@ bool corvane::test::isUpperHook(size_t index) {
                       AT(clGetProgramBuildInfo),
                       AT(clCreateKernelsInProgram),
                       AT(clCreateKernel),
+                      AT(clCloneKernel),
                       AT(clReleaseKernel),
                       AT(clSetKernelArgSVMPointer),
                       AT(clSetKernelExecInfo),

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <iostream>
+#include <streambuf>
 #include <string>
 
 #include <fcntl.h>
@@ -87,6 +88,31 @@ TEST(StandardError, WhoseNumberIsAFileOfTheHostsByNowGetsNothing) {
     const Reporting host;
     openAsStandardError(log + ".data");
     host.failOnce();
+  });
+  EXPECT_EQ(ended.files.at("log.txt.data"), "");
+}
+
+// A daemon has the null device in several places.
+TEST(StandardError, ThatTheHostHadTwiceGetsNothingUnderAnotherFilesNumber) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    openAsStandardError(log + ".errors");
+    const int second = dup(STDERR_FILENO);
+    const Reporting host;
+    openAsStandardError(log + ".data");
+    host.failOnce();
+    close(second);
+  });
+  EXPECT_EQ(ended.files.at("log.txt.data"), "");
+}
+
+TEST(StandardError, ThatIsTheNullDeviceIsNeverTakenForOneThatIsKept) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    openAsStandardError("/dev/null");
+    const Reporting host;
+    const int second = open("/dev/null", O_RDWR);
+    openAsStandardError(log + ".data");
+    host.failOnce();
+    close(second);
   });
   EXPECT_EQ(ended.files.at("log.txt.data"), "");
 }
@@ -171,6 +197,29 @@ TEST(StandardError, ThatCannotBeWrittenAndThrowsDoesNotStopTheEnd) {
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
     EXPECT_EQ(dup2(full, STDERR_FILENO), STDERR_FILENO);
     std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
+    const LoadedAgent agent(runtime, {{"CORVANE_DUMP_LOG", log}});
+  });
+  EXPECT_EQ(ended.diagnosticLog, "Frontend loaded\n");
+}
+
+namespace {
+/// A stream buffer of the application's that takes nothing.
+struct ThrowingBuffer : std::streambuf {
+  int_type overflow(int_type /*character*/) override { throw 1; }
+  std::streamsize xsputn(const char * /*text*/,
+                         std::streamsize /*count*/) override {
+    throw 1;
+  }
+};
+} // namespace
+
+TEST(StandardError, WhoseBufferThrowsAnythingDoesNotStopTheEnd) {
+  const Ended ended = runToItsEnd([](const std::string &log) {
+    FakeRuntime runtime;
+    assignForGood("CORVANE_DUMP_LOG", log.c_str());
+    static ThrowingBuffer buffer;
+    std::cerr.rdbuf(&buffer);
+    std::cerr.exceptions(std::ios::badbit);
     const LoadedAgent agent(runtime, {{"CORVANE_DUMP_LOG", log}});
   });
   EXPECT_EQ(ended.diagnosticLog, "Frontend loaded\n");
