@@ -31,6 +31,18 @@ static void enter(cl_kernel kernel) {
   kernels().insert(kernel, std::move(info));
 }
 
+// Most programs never use such memory, and every launch asks.
+static std::atomic<bool> anyKernelUsesSvm{false};
+
+bool corvane::layer::usesSvm(cl_kernel kernel) {
+  return anyKernelUsesSvm && kernels().read(kernel).usesSvm;
+}
+
+static void rememberSvm(cl_kernel kernel) {
+  kernels().edit(kernel, [](KernelInfo &info) { info.usesSvm = true; });
+  anyKernelUsesSvm = true;
+}
+
 // Creation.
 
 cl_kernel CL_API_CALL lower::clCreateKernel(cl_program program,
@@ -77,6 +89,18 @@ cl_kernel CL_API_CALL upper::clCreateKernel(cl_program program,
   for (cl_kernel each : kept)
     kernels().edit(each, [&](KernelInfo &info) { info.owner = owner; });
   kernels().edit(kernel, [&](KernelInfo &info) { info.kept.swap(kept); });
+  return kernel;
+}
+
+// A clone has the pointers to shared virtual memory that its source has.
+cl_kernel CL_API_CALL upper::clCloneKernel(cl_kernel source,
+                                           cl_int *errcodeRet) {
+  cl_kernel kernel = runtime().clCloneKernel(source, errcodeRet);
+  if (!kernel)
+    return kernel;
+  enter(kernel);
+  if (usesSvm(source))
+    rememberSvm(kernel);
   return kernel;
 }
 
@@ -140,18 +164,6 @@ cl_int CL_API_CALL lower::clGetKernelInfo(cl_kernel kernel, cl_kernel_info name,
 }
 
 // Shared virtual memory.
-
-// Most programs never use such memory, and every launch asks.
-static std::atomic<bool> anyKernelUsesSvm{false};
-
-bool corvane::layer::usesSvm(cl_kernel kernel) {
-  return anyKernelUsesSvm && kernels().read(kernel).usesSvm;
-}
-
-static void rememberSvm(cl_kernel kernel) {
-  kernels().edit(kernel, [](KernelInfo &info) { info.usesSvm = true; });
-  anyKernelUsesSvm = true;
-}
 
 cl_int CL_API_CALL upper::clSetKernelArgSVMPointer(cl_kernel kernel,
                                                    cl_uint index,

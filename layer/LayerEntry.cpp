@@ -2,6 +2,7 @@
 
 #include "base/ForkedChild.h"
 #include "base/Platform.h"
+#include "base/Settings.h"
 #include "layer/AgentLibrary.h"
 #include "layer/Answer.h"
 #include "layer/ForkedChildren.h"
@@ -13,7 +14,7 @@
 #include <CL/cl_layer.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <string>
 
@@ -33,6 +34,16 @@ cl_int CL_API_CALL clGetLayerInfo(cl_layer_info paramName,
   default:
     return CL_INVALID_VALUE;
   }
+}
+
+/// Whether the agent, which has started, found its results folder usable: it
+/// autotunes only if it could open its log there.
+static bool canAutotune() {
+  using namespace corvane;
+  const char *const folder = std::getenv(variable::autotune);
+  return folder && platform::openRegularFile(std::string(folder) + "/.auto.csv",
+                                             platform::FileUse::AddOnly)
+                       .file;
 }
 
 /// Lets the agent install its entries in `table`, and says what kept it from
@@ -57,7 +68,9 @@ static std::string startAgent(LayerTable &table) {
   table.upper = table.agent;
   installUpperHooks(table.upper);
   table.application = table.upper;
-  installTuningHooks(table.application, mode);
+  // An agent in normal mode gets all launches.
+  if (mode != TuningMode::Autotune || canAutotune())
+    installTuningHooks(table.application, mode);
   passChildrenThrough(table);
   return problem;
 }
@@ -108,8 +121,8 @@ cl_int CL_API_CALL clInitLayer(cl_uint numEntries,
   }
 
   // The loader's own table, given back, leaves the application as it was.
-  std::fprintf(stderr, "CorvaneLayer: %s. OpenCL runs on without it.\n",
-               problem.c_str());
+  corvane::platform::writeStandardError("CorvaneLayer: " + problem +
+                                        ". OpenCL runs on without it.\n");
   *numEntriesRet = numEntries;
   *layerDispatchRet = targetDispatch;
   return CL_SUCCESS;

@@ -84,6 +84,7 @@ void corvane::layer::installUpperHooks(Table &table) {
 
   replace(table.clCreateKernel, upper::clCreateKernel);
   replace(table.clCreateKernelsInProgram, upper::clCreateKernelsInProgram);
+  replace(table.clCloneKernel, upper::clCloneKernel);
   replace(table.clReleaseKernel, upper::clReleaseKernel);
   replace(table.clSetKernelArgSVMPointer, upper::clSetKernelArgSVMPointer);
   replace(table.clSetKernelExecInfo, upper::clSetKernelExecInfo);

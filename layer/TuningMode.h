@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "base/Platform.h"
 #include "base/Settings.h"
 
 #include <cstdlib>
@@ -18,8 +19,11 @@ enum class TuningMode {
   Tune,
 };
 
-/// Reads the environment.
+/// Reads the environment, which does not count in a process that has more
+/// rights than the user who started it.
 inline TuningMode readTuningMode() {
+  if (platform::hasForeignRights())
+    return TuningMode::None;
   if (std::getenv(variable::autotune))
     return TuningMode::Autotune;
   return std::getenv(variable::tune) ? TuningMode::Tune : TuningMode::None;

@@ -66,6 +66,8 @@ cl_int CL_API_CALL clCreateKernelsInProgram(cl_program program,
                                             cl_kernel *kernels,
                                             cl_uint *countRet);
 
+cl_kernel CL_API_CALL clCloneKernel(cl_kernel source, cl_int *errcodeRet);
+
 cl_int CL_API_CALL clReleaseKernel(cl_kernel kernel);
 
 cl_int CL_API_CALL clSetKernelArgSVMPointer(cl_kernel kernel, cl_uint index,

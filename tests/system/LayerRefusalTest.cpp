@@ -3,8 +3,16 @@
 
 #include "tests/support/TempFolder.h"
 #include "tests/system/ExampleRun.h"
+#include "tests/system/LoadedLayer.h"
 
 #include <gmock/gmock.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <vector>
+
+#include <unistd.h>
 
 using namespace corvane::test;
 using testing::AllOf;
@@ -31,6 +39,29 @@ TEST(Layer, RunsTheApplicationAloneWithoutAnAgentBesideIt) {
   const TempFolder folder;
   std::filesystem::copy_file(layerLibrary(), folder.file("layer.so"));
   expectUntouched(folder.file("layer.so"), folder.text());
+}
+
+TEST(Layer, RunsTheApplicationAloneWhenItsLineHasNoReader) {
+  const TempFolder folder;
+  std::filesystem::copy_file(layerLibrary(), folder.file("layer.so"));
+  const auto startWithoutReader = [&folder] {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe(ends.data()), 0);
+    close(ends[0]);
+    dup2(ends[1], STDERR_FILENO);
+    std::signal(SIGPIPE, SIG_DFL);
+    const LoadedLayer layer(folder.file("layer.so"));
+    constexpr cl_uint entries = sizeof(cl_icd_dispatch) / sizeof(void *);
+    const std::vector<void *> table = loaderTableOf(entries);
+    cl_uint count = 0;
+    const cl_icd_dispatch *answer = nullptr;
+    (void)layer.initLayer(
+        entries, reinterpret_cast<const cl_icd_dispatch *>(table.data()),
+        &count, &answer);
+    const void *const given = answer;
+    std::_Exit(given == table.data() ? 7 : 1);
+  };
+  EXPECT_EXIT(startWithoutReader(), testing::ExitedWithCode(7), "");
 }
 
 TEST(Layer, RunsTheApplicationAloneBesideAFileThatIsNoLibrary) {

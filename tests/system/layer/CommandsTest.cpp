@@ -161,6 +161,34 @@ TEST_F(LayeredCommands, InFlightOnItsBufferMakeALaunchRunAlone) {
   release(run);
 }
 
+TEST_F(LayeredCommands, OnUnknownMemoryMakeALaunchRunAlone) {
+  cl_kernel other = create("single");
+  set(other, createBuffer({5, 6}));
+  EXPECT_EQ(cl().clSetKernelArgSVMPointer(other, 0, this), CL_SUCCESS);
+  std::swap(kernel, other);
+  launch(beside);
+  std::swap(kernel, other);
+  launch(inOrder);
+  EXPECT_THAT(launches(), ElementsAre(HasSubstr("kernel single, "),
+                                      HasSubstr("kernel k, ")));
+  runtime.runAll();
+}
+
+// The clone's memory is that of the kernel it was made from.
+TEST_F(LayeredCommands, OfAClonedKernelOnUnknownMemoryMakeALaunchRunAlone) {
+  const cl_kernel other = create("single");
+  EXPECT_EQ(cl().clSetKernelArgSVMPointer(other, 0, this), CL_SUCCESS);
+  cl_kernel clone = cl().clCloneKernel(other, nullptr);
+  set(clone, createBuffer({5, 6}));
+  std::swap(kernel, clone);
+  launch(beside);
+  std::swap(kernel, clone);
+  launch(inOrder);
+  EXPECT_THAT(launches(), ElementsAre(HasSubstr("kernel single 2, "),
+                                      HasSubstr("kernel k, ")));
+  runtime.runAll();
+}
+
 TEST_F(LayeredCommands, ThatAreOverLeaveALaunchToBeTuned) {
   EXPECT_EQ(write(beside), CL_SUCCESS);
   runtime.runAll();

@@ -3,6 +3,9 @@
 #include "tests/system/layer/LayeredRuntime.h"
 
 #include "tests/support/FakeTable.h"
+#include "tests/support/entries/Entries.h"
+
+#include <array>
 
 #include <dlfcn.h>
 
@@ -34,6 +37,25 @@ void *LayeredRuntime::agentsExport(const char *name) const {
   return found;
 }
 
+// The scripted runtime plays neither of these two. Memory that a pointer leads
+// to takes no part in its launches, and a clone has no arguments yet.
+static cl_int CL_API_CALL takePointer(cl_kernel /*kernel*/, cl_uint /*index*/,
+                                      const void * /*pointer*/) {
+  return CL_SUCCESS;
+}
+
+static cl_kernel CL_API_CALL cloneKernel(cl_kernel source, cl_int *status) {
+  cl_program program = nullptr;
+  std::array<char, 64> name{};
+  EXPECT_EQ(fake::clGetKernelInfo(source, CL_KERNEL_PROGRAM, sizeof program,
+                                  &program, nullptr),
+            CL_SUCCESS);
+  EXPECT_EQ(fake::clGetKernelInfo(source, CL_KERNEL_FUNCTION_NAME, name.size(),
+                                  name.data(), nullptr),
+            CL_SUCCESS);
+  return fake::clCreateKernel(program, name.data(), status);
+}
+
 const cl_icd_dispatch &LayeredRuntime::load(const Variables &variables) {
   if (table)
     return *table;
@@ -45,6 +67,9 @@ const cl_icd_dispatch &LayeredRuntime::load(const Variables &variables) {
   for (const void *entry : entries)
     loaderTable.push_back(const_cast<void *>(entry));
   loaderTable.resize(sizeof(cl_icd_dispatch) / sizeof(void *));
+  auto *const newer = reinterpret_cast<cl_icd_dispatch *>(loaderTable.data());
+  newer->clSetKernelArgSVMPointer = takePointer;
+  newer->clCloneKernel = cloneKernel;
   const LoadedLayer::Answer answer = layer.init(loaderTable);
   EXPECT_EQ(answer.status, CL_SUCCESS);
   EXPECT_EQ(answer.said, "");

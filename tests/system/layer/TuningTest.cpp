@@ -280,7 +280,17 @@ TEST_F(LayeredTuning, IsNotAllowedInAProcessThatAsksForNone) {
   runtime.runAll();
 }
 
+// An agent that cannot use its folder is in normal mode.
+TEST_F(LayeredTuning, IsNotAvoidedByAutotuningWithoutAFolder) {
+  start({{"CORVANE_AUTOTUNE", folder.file("missing/out")}});
+  write(beside);
+  launch(queue);
+  EXPECT_EQ(agent->launches, 1u);
+  runtime.runAll();
+}
+
 TEST_F(LayeredTuning, GivesWayToAutotuning) {
+  std::filesystem::create_directory(folder.file("out"));
   start({{"CORVANE_TUNE", folder.file("tuned")},
          {"CORVANE_AUTOTUNE", folder.file("out")}});
   write(beside);
