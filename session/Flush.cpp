@@ -7,17 +7,20 @@
 #include "agent/ErrorStream.h"
 #include "agent/Flags.h"
 #include "base/ForkedChild.h"
+#include "base/Platform.h"
 #include "results/Files.h"
 #include "results/ResultFiles.h"
 #include "session/LogAppender.h"
 #include "session/ProfileSummary.h"
 #include "session/TuningRun.h"
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <new>
 #include <optional>
 #include <string>
+#include <thread>
 
 using namespace corvane;
 
@@ -52,15 +55,27 @@ int corvane::writeReport(ReportJob &job) {
   return 0;
 }
 
+// A thread that holds the lock writes a row, which does not take long, unless
+// the end of the process has stopped it.
+static std::unique_lock<std::mutex> lockUnlessStuck(std::mutex &mutex) {
+  std::unique_lock<std::mutex> lock(mutex, std::try_to_lock);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+  while (!lock && !platform::otherThreadsAreGone() &&
+         std::chrono::steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    (void)lock.try_lock();
+  }
+  return lock;
+}
+
 namespace {
 
-/// A history to which no more runs are added. Holds its lock, if that was free,
-/// until the waiting rows are written. A thread that holds the lock already is
-/// not waited for, because the end of the process may have stopped it.
+/// A history to which no more runs are added. Holds its lock, if that could be
+/// had, until the waiting rows are written.
 class ClosedHistory {
 public:
   explicit ClosedHistory(LaunchHistory &open)
-      : history(open), lock(open.lock, std::try_to_lock),
+      : history(open), lock(lockUnlessStuck(open.lock)),
         isOfTuning(lock && open.runFolder) {
     // Before the first request for memory: whatever fails, it is closed.
     history.open = false;

@@ -178,7 +178,7 @@ TEST_F(Flush, ClosesTheHistoryToLaterRuns) {
   EXPECT_EQ(folder.read("out/.auto.csv"), before);
 }
 
-TEST_F(Flush, DoesNotWaitForTheLockOfTheHistory) {
+TEST_F(Flush, DoesNotWaitForTheLockOfTheHistoryForEver) {
   std::promise<void> held;
   std::promise<void> done;
   std::thread holder([&] {
