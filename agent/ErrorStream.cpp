@@ -5,6 +5,7 @@
 
 #include "base/Platform.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
 #include <new>
@@ -38,6 +39,13 @@ llvm::raw_ostream &corvane::errorStream() {
 void corvane::prepareErrorStream() { errorStream(); }
 
 void corvane::writeError(llvm::StringRef line) { errorStream() << line; }
+
+std::string corvane::inOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](unsigned char c) { return c < 0x20 || c == 0x7f; }, '?');
+  return text;
+}
 
 // Whether the path is refused for the first time. Otherwise each row would
 // write the line again when its log has been replaced.

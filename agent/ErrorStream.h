@@ -26,6 +26,10 @@ void prepareErrorStream();
 /// threads never mix.
 void writeError(llvm::StringRef line);
 
+/// \p text with "?" for each control character, so that it is one line and
+/// moves no terminal's cursor, whatever it repeats of files and settings.
+std::string inOneLine(std::string text);
+
 /// Writes one line on the error stream: \p path is not a regular file and is
 /// not used. Once a process for each path; from any thread, holding any lock.
 void reportRefusedFile(const std::string &path);

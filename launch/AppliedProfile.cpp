@@ -5,18 +5,16 @@
 #include "agent/AgentState.h"
 #include "agent/Environment.h"
 #include "agent/ErrorStream.h"
-#include "base/Platform.h"
+#include "base/RegularFile.h"
 #include "programs/DeviceIdentity.h"
 #include "programs/ProgramIdentity.h"
 #include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"
 
 #include "llvm/ADT/StringExtras.h"
-#include "llvm/Support/Errc.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
 
-#include <algorithm>
 #include <utility>
 
 using namespace corvane;
@@ -41,8 +39,10 @@ AppliedProfile::identify(cl_device_id device) {
   if (added && !toldOtherDriver &&
       lookup.match(*added) == ProfileLookup::DeviceMatch::OtherDriver) {
     toldOtherDriver = true;
-    writeError("CV: " + file + " was made with another driver of a device: " +
-               "there kernels run as they are.\n");
+    writeError(inOneLine("CV: " + file +
+                         " was made with another driver of a device: there "
+                         "kernels run as they are.") +
+               "\n");
   }
   return added;
 }
@@ -101,8 +101,7 @@ VariantChoice AppliedProfile::choose(AgentState &state, KernelRecord &record,
                                      const Launch &launch) {
   VariantChoice choice;
   choice.refusal = {Refusal::Reason::NotInProfile};
-  if (record.variants.empty() || hasTooManyDimensions(launch) ||
-      !launch.globalSize || hasZeroLocalSize(launch) || hasOffset(launch)) {
+  if (record.variants.empty() || isIrregular(launch) || hasOffset(launch)) {
     record.profiled = {};
     return choice;
   }
@@ -130,42 +129,11 @@ void AppliedProfile::countLaunch(KernelRecord &record, bool byVariant) {
   *ranVariant = true;
 }
 
-static llvm::Expected<std::string> readFile(const std::string &file) {
-  const platform::OpenedFile opened =
-      platform::openRegularFile(file, platform::FileUse::Read);
-  if (opened.refused)
-    return llvm::createStringError(llvm::errc::invalid_argument,
-                                   "it is no regular file");
-  if (!opened.file)
-    return llvm::createStringError(llvm::errc::no_such_file_or_directory,
-                                   "it cannot be opened");
-  std::string text;
-  std::string piece(std::size_t(1) << 16, '\0');
-  while (const std::size_t count =
-             std::fread(piece.data(), 1, piece.size(), opened.file.get())) {
-    text.append(piece, 0, count);
-    if (text.size() > profileSizeLimit)
-      return llvm::createStringError(llvm::errc::file_too_large,
-                                     "it is too large");
-  }
-  if (std::ferror(opened.file.get()))
-    return llvm::createStringError(llvm::errc::io_error, "it cannot be read");
-  return text;
-}
-
 static llvm::Expected<Profile> readProfileFile(const std::string &file) {
-  llvm::Expected<std::string> text = readFile(file);
+  llvm::Expected<std::string> text = readRegularFile(file, profileSizeLimit);
   if (!text)
     return text.takeError();
   return readProfile(*text);
-}
-
-// The text may repeat what is in the file.
-static std::string printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](unsigned char c) { return c < 0x20 || c == 0x7f; }, '?');
-  return text;
 }
 
 std::unique_ptr<AppliedProfile>
@@ -181,9 +149,11 @@ corvane::readAppliedProfile(const std::string &loadFolder,
     file = resultPath(file, resultFile::profile);
   llvm::Expected<Profile> profile = readProfileFile(file);
   if (!profile) {
-    writeError(printable("CV: " + file + " cannot be used as a profile: " +
-                         llvm::toString(profile.takeError())) +
-               ". Kernels run as they are.\n");
+    // The error may repeat what is in the file.
+    writeError(inOneLine("CV: " + file + " cannot be used as a profile: " +
+                         llvm::toString(profile.takeError()) +
+                         ". Kernels run as they are.") +
+               "\n");
     profile = Profile();
   }
   return std::make_unique<AppliedProfile>(*profile, file, std::move(counts));

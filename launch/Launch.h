@@ -96,6 +96,13 @@ inline bool hasOffset(const Launch &launch) {
                      [](std::size_t offset) { return offset != 0; });
 }
 
+/// Whether the runtime refuses \p launch, or what it does with it is undefined.
+inline bool isIrregular(const Launch &launch) {
+  return launch.workDim == 0 || hasTooManyDimensions(launch) ||
+         !launch.globalSize || hasZeroLocalSize(launch) ||
+         (launch.numEventsInWaitList != 0 && !launch.eventWaitList);
+}
+
 /// The work-groups of \p launch; zero where the sizes do not tell.
 inline GroupCountArgument groupCounts(const Launch &launch) {
   GroupCountArgument argument;

@@ -69,13 +69,6 @@ struct WaitingJob {
 };
 } // namespace
 
-// The runtime refuses such a launch, or what it does with it is undefined.
-static bool isIrregular(const Launch &launch) {
-  return launch.workDim == 0 || hasTooManyDimensions(launch) ||
-         !launch.globalSize || hasZeroLocalSize(launch) ||
-         (launch.numEventsInWaitList != 0 && !launch.eventWaitList);
-}
-
 static bool canMeasure(const DispatchTable &calls) {
   return calls.clCreateUserEvent && calls.clSetUserEventStatus &&
          calls.clEnqueueMarkerWithWaitList && calls.clSetEventCallback &&

@@ -20,8 +20,9 @@ bool TuningRun::start() {
   std::optional<std::string> runFolder = makeRunFolder(folder, process);
   if (!runFolder) {
     isRefused = true;
-    writeError("CV: no run folder could be made in " + folder +
-               ": nothing is tuned.\n");
+    writeError(inOneLine("CV: no run folder could be made in " + folder +
+                         ": nothing is tuned.") +
+               "\n");
     return false;
   }
   log = std::make_unique<RunLog>(*runFolder, process);

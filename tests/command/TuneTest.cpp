@@ -186,7 +186,7 @@ TEST_F(Tune, PassesOverWhatIsNoRecord) {
   std::filesystem::create_directories(output() + "/runs/folder/run.jsonl");
   const Outcome outcome =
       tuned({"record", "a", recordFile("r", fasterVariant())});
-  EXPECT_THAT(outcome.err, HasSubstr("it is no regular file\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("it cannot be opened\n"));
   EXPECT_EQ(made().entries.at(0).use, "g0S4");
 }
 

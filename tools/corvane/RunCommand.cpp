@@ -4,6 +4,7 @@
 #include "tools/corvane/Process.h"
 #include "tools/corvane/TunedFolder.h"
 
+#include "base/RegularFile.h"
 #include "base/Settings.h"
 #include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"

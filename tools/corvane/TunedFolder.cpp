@@ -2,14 +2,13 @@
 
 #include "tools/corvane/TunedFolder.h"
 
+#include "base/RegularFile.h"
 #include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"
 #include "tools/corvane/Command.h"
 
 #include "llvm/ADT/SmallString.h"
-#include "llvm/Support/Errc.h"
 #include "llvm/Support/FileSystem.h"
-#include "llvm/Support/MemoryBuffer.h"
 #include "llvm/Support/Path.h"
 #include "llvm/Support/raw_ostream.h"
 
@@ -45,25 +44,6 @@ std::set<std::string> corvane::runNames(const std::string &folder) {
        !error && entry != end; entry.increment(error))
     names.insert(path::filename(entry->path()).str());
   return names;
-}
-
-llvm::Expected<std::string> corvane::readRegularFile(const std::string &file,
-                                                     std::uint64_t limit) {
-  fs::file_status status;
-  if (const std::error_code error = fs::status(file, status))
-    return llvm::errorCodeToError(error);
-  if (!fs::is_regular_file(status))
-    return llvm::createStringError(llvm::errc::invalid_argument,
-                                   "it is no regular file");
-  if (status.getSize() > limit)
-    return llvm::createStringError(llvm::errc::file_too_large,
-                                   "it is larger than %u MiB",
-                                   static_cast<unsigned>(limit >> 20));
-  // Not mapped: the file may shrink while it is read.
-  auto buffer = llvm::MemoryBuffer::getFile(file, false, false, true);
-  if (!buffer)
-    return llvm::errorCodeToError(buffer.getError());
-  return (*buffer)->getBuffer().str();
 }
 
 static void tellProblems(const std::string &file, const RunRecord &run) {

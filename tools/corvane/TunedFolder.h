@@ -28,9 +28,4 @@ std::vector<RunRecord> readRuns(const std::string &folder,
 /// the same time gets the old one or the new one, whole.
 llvm::Error writeProfile(const std::string &folder, const Profile &profile);
 
-/// The bytes of a regular file of at most \p limit bytes. Never waits, whatever
-/// has that name.
-llvm::Expected<std::string> readRegularFile(const std::string &file,
-                                            std::uint64_t limit);
-
 } // namespace corvane

@@ -2,6 +2,7 @@
 // systems.
 
 #include "base/Platform.h"
+#include "base/RegularFile.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -188,4 +189,14 @@ TEST(RegularFileOfPosix, LeavesASignalAloneThatAnotherHasSent) {
   pthread_sigmask(SIG_SETMASK, &mask, nullptr);
   EXPECT_EQ(signalsSeen, 1);
   std::signal(SIGXFSZ, before);
+}
+
+TEST(RegularFileOfPosix, IsNotReadThroughALinkOrFromAPipe) {
+  const TempFolder folder;
+  folder.write("target", "text");
+  std::filesystem::create_symlink("target", folder.path() / "link");
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  for (const char *name : {"link", "pipe"})
+    EXPECT_EQ(llvm::toString(readRegularFile(folder.file(name), 9).takeError()),
+              "it is no regular file");
 }

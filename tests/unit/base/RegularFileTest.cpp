@@ -1,5 +1,6 @@
 // Tests of how result files are opened and written.
 
+#include "base/RegularFile.h"
 #include "base/Platform.h"
 #include "tests/support/TempFolder.h"
 
@@ -86,4 +87,23 @@ TEST(RegularFile, IsNoFolderWhichIsNoReasonForALine) {
     EXPECT_FALSE(opened.file);
     EXPECT_FALSE(opened.refused);
   }
+}
+
+TEST(ReadRegularFile, GivesAllBytesUpToTheLimit) {
+  const TempFolder folder;
+  const std::string text(200000, 'x');
+  folder.write("file", text + "\r\n");
+  EXPECT_EQ(llvm::cantFail(readRegularFile(folder.file("file"), 200002)),
+            text + "\r\n");
+  EXPECT_EQ(
+      llvm::toString(readRegularFile(folder.file("file"), 200001).takeError()),
+      "it is larger than 0 MiB");
+}
+
+TEST(ReadRegularFile, TellsAFileThatIsNotThere) {
+  const TempFolder folder;
+  EXPECT_EQ(llvm::toString(readRegularFile(folder.file("file"), 9).takeError()),
+            "it cannot be opened");
+  EXPECT_NE(llvm::toString(readRegularFile(folder.text(), 9).takeError()), "")
+      << "a folder has no bytes";
 }
