@@ -7,15 +7,14 @@
 #include "results/runs/SizeFields.h"
 
 using namespace corvane;
-namespace json = llvm::json;
 
 // Calls \p readElement with the fields of each element of a list. What is wrong
 // with an element is told with its place.
 template <typename Read>
 static void readList(JsonFields &fields, const char *key, Read readElement) {
   std::size_t index = 0;
-  for (const json::Value &value : fields.list(key)) {
-    JsonFields inner(value.getAsObject());
+  for (const JsonValue &value : fields.list(key)) {
+    JsonFields inner(value.asObject());
     readElement(inner);
     if (!inner.problem().empty()) {
       fields.complain(std::string(key) + "[" + std::to_string(index) +
@@ -34,17 +33,17 @@ static ProfileDevice readDevice(JsonFields &fields) {
 template <typename Read>
 static void readByVersion(JsonFields &fields, const char *key,
                           ProfileEntry &entry, Read readValue) {
-  const json::Object *const object = fields.object(key);
+  const JsonObject *const object = fields.object(key);
   if (!object)
     return;
   for (const auto &[name, value] : *object)
-    if (!readValue(entry.versions[versionFromFile(name.str())], value))
-      fields.complain("\"" + std::string(key) + "\" of \"" + name.str() +
+    if (!readValue(entry.versions[versionFromFile(name)], value))
+      fields.complain("\"" + std::string(key) + "\" of \"" + name +
                       "\" is not what it should be");
 }
 
-static bool readCheck(ProfileVersion &version, const json::Value &value) {
-  const auto text = value.getAsString();
+static bool readCheck(ProfileVersion &version, const JsonValue &value) {
+  const std::string *const text = value.asText();
   if (!text)
     return false;
   for (Agreement check : {Agreement::Unknown, Agreement::Equal,
@@ -58,13 +57,13 @@ static bool readCheck(ProfileVersion &version, const json::Value &value) {
 
 static void readVersions(JsonFields &fields, ProfileEntry &entry) {
   readByVersion(fields, "medians", entry,
-                [](ProfileVersion &version, const json::Value &value) {
+                [](ProfileVersion &version, const JsonValue &value) {
                   const std::optional<double> median = finiteAmount(value);
                   version.median = median.value_or(0.0);
                   return median.has_value();
                 });
   readByVersion(fields, "samples", entry,
-                [](ProfileVersion &version, const json::Value &value) {
+                [](ProfileVersion &version, const JsonValue &value) {
                   const std::optional<std::uint64_t> count = wholeNumber(value);
                   version.samples = count.value_or(0);
                   return count.has_value();
@@ -75,7 +74,7 @@ static void readVersions(JsonFields &fields, ProfileEntry &entry) {
 static std::optional<RatioInterval> readInterval(JsonFields &fields) {
   if (!fields.has("interval"))
     return std::nullopt;
-  const llvm::ArrayRef<json::Value> list = fields.list("interval");
+  const llvm::ArrayRef<JsonValue> list = fields.list("interval");
   if (list.size() == 2) {
     const std::optional<double> low = finiteAmount(list[0]);
     const std::optional<double> high = finiteAmount(list[1]);
@@ -121,11 +120,11 @@ static void checkFormat(JsonFields &fields) {
 }
 
 llvm::Expected<Profile> corvane::readProfile(llvm::StringRef text) {
-  llvm::Expected<json::Value> value = parseJson(text);
+  llvm::Expected<JsonValue> value = parseJson(text);
   if (!value)
     return value.takeError();
 
-  JsonFields fields(value->getAsObject());
+  JsonFields fields(value->asObject());
   checkFormat(fields);
   Profile profile;
   if (fields.problem().empty()) {

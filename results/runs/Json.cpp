@@ -37,19 +37,18 @@ void corvane::writeTextField(json::OStream &out, StringRef key,
     out.attribute(key, json::fixUTF8(text));
 }
 
-std::optional<std::uint64_t> corvane::wholeNumber(const json::Value &value) {
-  const auto number = value.getAsUINT64();
-  return number ? std::optional(*number) : std::nullopt;
+std::optional<std::uint64_t> corvane::wholeNumber(const JsonValue &value) {
+  return value.asWhole();
 }
 
-std::optional<double> corvane::finiteAmount(const json::Value &value) {
-  const auto number = value.getAsNumber();
+std::optional<double> corvane::finiteAmount(const JsonValue &value) {
+  const auto number = value.asNumber();
   if (!number || !std::isfinite(*number) || *number < 0.0)
     return std::nullopt;
   return *number + 0.0; // which makes a negative zero a positive one
 }
 
-JsonFields::JsonFields(const json::Object *object) : fields(object) {
+JsonFields::JsonFields(const JsonObject *object) : fields(object) {
   if (!fields)
     complain("it is no object");
 }
@@ -63,20 +62,20 @@ void JsonFields::mistaken(StringRef key, const char *expected) {
   complain("\"" + key.str() + "\" is no " + expected);
 }
 
-const json::Value *JsonFields::find(StringRef key) {
-  const json::Value *const value = fields ? fields->get(key) : nullptr;
+const JsonValue *JsonFields::find(StringRef key) {
+  const JsonValue *const value = fields ? findField(*fields, key) : nullptr;
   if (!value)
     complain("\"" + key.str() + "\" is missing");
   return value;
 }
 
 bool JsonFields::has(StringRef key) const {
-  const json::Value *const value = fields ? fields->get(key) : nullptr;
-  return value && value->kind() != json::Value::Null;
+  const JsonValue *const value = fields ? findField(*fields, key) : nullptr;
+  return value && !value->isNull();
 }
 
 std::uint64_t JsonFields::whole(StringRef key, std::uint64_t max) {
-  if (const json::Value *const value = find(key)) {
+  if (const JsonValue *const value = find(key)) {
     const std::optional<std::uint64_t> number = wholeNumber(*value);
     if (number && *number <= max)
       return *number;
@@ -86,7 +85,7 @@ std::uint64_t JsonFields::whole(StringRef key, std::uint64_t max) {
 }
 
 double JsonFields::amount(StringRef key) {
-  if (const json::Value *const value = find(key)) {
+  if (const JsonValue *const value = find(key)) {
     if (const std::optional<double> number = finiteAmount(*value))
       return *number;
     mistaken(key, "number of at least 0");
@@ -95,35 +94,35 @@ double JsonFields::amount(StringRef key) {
 }
 
 std::string JsonFields::text(StringRef key) {
-  if (const json::Value *const value = find(key)) {
-    if (const auto string = value->getAsString())
-      return string->str();
+  if (const JsonValue *const value = find(key)) {
+    if (const std::string *const string = value->asText())
+      return *string;
     mistaken(key, "text");
   }
   return {};
 }
 
 bool JsonFields::flag(StringRef key) {
-  if (const json::Value *const value = find(key)) {
-    if (const auto truth = value->getAsBoolean())
+  if (const JsonValue *const value = find(key)) {
+    if (const auto truth = value->asFlag())
       return *truth;
     mistaken(key, "true or false");
   }
   return false;
 }
 
-llvm::ArrayRef<json::Value> JsonFields::list(StringRef key) {
-  if (const json::Value *const value = find(key)) {
-    if (const json::Array *const array = value->getAsArray())
-      return {array->data(), array->size()};
+llvm::ArrayRef<JsonValue> JsonFields::list(StringRef key) {
+  if (const JsonValue *const value = find(key)) {
+    if (const JsonList *const elements = value->asList())
+      return *elements;
     mistaken(key, "list");
   }
   return {};
 }
 
-const json::Object *JsonFields::object(StringRef key) {
-  if (const json::Value *const value = find(key)) {
-    if (const json::Object *const inner = value->getAsObject())
+const JsonObject *JsonFields::object(StringRef key) {
+  if (const JsonValue *const value = find(key)) {
+    if (const JsonObject *const inner = value->asObject())
       return inner;
     mistaken(key, "object");
   }

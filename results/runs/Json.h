@@ -1,9 +1,11 @@
 // Reads JSON that anyone may have edited, and writes numbers into it.
 //
-// The tree and the writer are LLVM's. Its parser is not used: it takes numbers
-// in the locale that the application has set, and the stack limits its nesting.
+// The writer is LLVM's. Its parser is not used: it takes numbers in the locale
+// that the application has set, and the stack limits its nesting.
 
 #pragma once
+
+#include "results/runs/JsonValue.h"
 
 #include "llvm/ADT/ArrayRef.h"
 #include "llvm/ADT/StringRef.h"
@@ -23,7 +25,7 @@ inline constexpr unsigned maxJsonDepth = 16;
 /// The value that \p text is, white space around it allowed. Bytes that are no
 /// UTF-8 become U+FFFD. Of keys that occur twice the last one counts. An error
 /// says what was wrong and at which byte, counted from 1.
-llvm::Expected<llvm::json::Value> parseJson(llvm::StringRef text);
+llvm::Expected<JsonValue> parseJson(llvm::StringRef text);
 
 /// Writes \p number so that it is read back as the same double, whatever the
 /// locale; infinities and NaNs, which JSON does not have, as null.
@@ -41,7 +43,7 @@ void writeTextField(llvm::json::OStream &out, llvm::StringRef key,
 class JsonFields {
 public:
   /// \p object must outlive this; null has no fields and is itself a problem.
-  explicit JsonFields(const llvm::json::Object *object);
+  explicit JsonFields(const JsonObject *object);
 
   /// A whole number from 0 to \p max.
   std::uint64_t
@@ -56,9 +58,9 @@ public:
   std::string text(llvm::StringRef key);
   bool flag(llvm::StringRef key);
   /// The elements; none when there is no such list.
-  llvm::ArrayRef<llvm::json::Value> list(llvm::StringRef key);
+  llvm::ArrayRef<JsonValue> list(llvm::StringRef key);
   /// Null when there is no such object.
-  const llvm::json::Object *object(llvm::StringRef key);
+  const JsonObject *object(llvm::StringRef key);
 
   /// Whether the field is there and not null, which is no problem either way.
   bool has(llvm::StringRef key) const;
@@ -69,17 +71,17 @@ public:
   const std::string &problem() const { return firstProblem; }
 
 private:
-  const llvm::json::Value *find(llvm::StringRef key);
+  const JsonValue *find(llvm::StringRef key);
   void mistaken(llvm::StringRef key, const char *expected);
 
-  const llvm::json::Object *fields;
+  const JsonObject *fields;
   std::string firstProblem;
 };
 
 /// \p value as a whole number from 0; none when it is something else.
-std::optional<std::uint64_t> wholeNumber(const llvm::json::Value &value);
+std::optional<std::uint64_t> wholeNumber(const JsonValue &value);
 
 /// \p value as a finite number of at least 0; none when it is something else.
-std::optional<double> finiteAmount(const llvm::json::Value &value);
+std::optional<double> finiteAmount(const JsonValue &value);
 
 } // namespace corvane

@@ -7,6 +7,7 @@
 
 #include <charconv>
 #include <system_error>
+#include <utility>
 
 using namespace corvane;
 using llvm::StringRef;
@@ -20,13 +21,13 @@ class Parser {
 public:
   explicit Parser(StringRef all) : text(all), rest(all) {}
 
-  llvm::Expected<json::Value> parse();
+  llvm::Expected<JsonValue> parse();
 
 private:
-  bool parseValue(json::Value &value, unsigned depth);
-  bool parseArray(json::Value &value, unsigned depth);
-  bool parseObject(json::Value &value, unsigned depth);
-  bool parseNumber(json::Value &value);
+  bool parseValue(JsonValue &value, unsigned depth);
+  bool parseArray(JsonValue &value, unsigned depth);
+  bool parseObject(JsonValue &value, unsigned depth);
+  bool parseNumber(JsonValue &value);
   bool parseString(std::string &string);
   bool parseEscape(std::string &string);
   bool parseCodePoint(std::string &string);
@@ -141,7 +142,7 @@ bool Parser::parseString(std::string &string) {
   return fail("a string does not end");
 }
 
-bool Parser::parseNumber(json::Value &value) {
+bool Parser::parseNumber(JsonValue &value) {
   const StringRef digits = rest.take_while([](char c) {
     return llvm::isDigit(c) || c == '-' || c == '+' || c == '.' || c == 'e' ||
            c == 'E';
@@ -154,11 +155,11 @@ bool Parser::parseNumber(json::Value &value) {
   std::uint64_t positive = 0;
   double number = 0.0;
   if (all(std::from_chars(digits.begin(), end, whole)))
-    value = whole;
+    value = JsonValue(whole);
   else if (all(std::from_chars(digits.begin(), end, positive)))
-    value = positive;
+    value = JsonValue(positive);
   else if (all(std::from_chars(digits.begin(), end, number)))
-    value = number;
+    value = JsonValue(number);
   else
     return fail("this is no number that can be held");
   rest = rest.drop_front(digits.size());
@@ -166,12 +167,12 @@ bool Parser::parseNumber(json::Value &value) {
 }
 
 // Parses a list after its "[".
-bool Parser::parseArray(json::Value &value, unsigned depth) {
-  json::Array elements;
+bool Parser::parseArray(JsonValue &value, unsigned depth) {
+  JsonList elements;
   skipSpace();
   if (!take(']')) {
     do {
-      elements.emplace_back(nullptr);
+      elements.emplace_back();
       if (!parseValue(elements.back(), depth))
         return false;
       skipSpace();
@@ -179,37 +180,37 @@ bool Parser::parseArray(json::Value &value, unsigned depth) {
     if (!take(']'))
       return fail("a list needs , or ] here");
   }
-  value = std::move(elements);
+  value = JsonValue(std::move(elements));
   return true;
 }
 
 // Parses an object after its "{".
-bool Parser::parseObject(json::Value &value, unsigned depth) {
-  json::Object fields;
+bool Parser::parseObject(JsonValue &value, unsigned depth) {
+  JsonObject fields;
   skipSpace();
   if (!take('}')) {
     do {
       skipSpace();
-      std::string key;
+      JsonField &field = fields.emplace_back();
       if (!take('"'))
         return fail("an object needs a key here");
-      if (!parseString(key))
+      if (!parseString(field.key))
         return false;
       skipSpace();
       if (!take(':'))
         return fail("a key needs : after it");
-      if (!parseValue(fields[std::move(key)], depth))
+      if (!parseValue(field.value, depth))
         return false;
       skipSpace();
     } while (take(','));
     if (!take('}'))
       return fail("an object needs , or } here");
   }
-  value = std::move(fields);
+  value = JsonValue(std::move(fields));
   return true;
 }
 
-bool Parser::parseValue(json::Value &value, unsigned depth) {
+bool Parser::parseValue(JsonValue &value, unsigned depth) {
   skipSpace();
   if (depth == 0)
     return fail("lists and objects lie too deep in each other");
@@ -221,22 +222,22 @@ bool Parser::parseValue(json::Value &value, unsigned depth) {
     std::string string;
     if (!parseString(string))
       return false;
-    value = std::move(string);
+    value = JsonValue(std::move(string));
     return true;
   }
   if (rest.consume_front("true"))
-    value = true;
+    value = JsonValue(true);
   else if (rest.consume_front("false"))
-    value = false;
+    value = JsonValue(false);
   else if (rest.consume_front("null"))
-    value = nullptr;
+    value = JsonValue();
   else
     return parseNumber(value);
   return true;
 }
 
-llvm::Expected<json::Value> Parser::parse() {
-  json::Value value = nullptr;
+llvm::Expected<JsonValue> Parser::parse() {
+  JsonValue value;
   // A scalar at the end of the deepest list takes one level as well.
   if (parseValue(value, maxJsonDepth + 1)) {
     skipSpace();
@@ -249,7 +250,7 @@ llvm::Expected<json::Value> Parser::parse() {
   return value;
 }
 
-llvm::Expected<json::Value> corvane::parseJson(StringRef text) {
+llvm::Expected<JsonValue> corvane::parseJson(StringRef text) {
   if (json::isUTF8(text))
     return Parser(text).parse();
   const std::string repaired = json::fixUTF8(text);

@@ -11,7 +11,6 @@
 #include <limits>
 
 using namespace corvane;
-namespace json = llvm::json;
 
 std::string corvane::versionFromFile(std::string name) {
   return name == baselineName ? std::string() : std::move(name);
@@ -23,10 +22,10 @@ template <typename Element>
 static std::vector<Element> readList(JsonFields &fields, llvm::StringRef key,
                                      Element (*readElement)(JsonFields &)) {
   std::vector<Element> elements;
-  const llvm::ArrayRef<json::Value> list = fields.list(key);
+  const llvm::ArrayRef<JsonValue> list = fields.list(key);
   elements.reserve(list.size());
-  for (const json::Value &value : list) {
-    JsonFields inner(value.getAsObject());
+  for (const JsonValue &value : list) {
+    JsonFields inner(value.asObject());
     elements.push_back(readElement(inner));
     if (!inner.problem().empty())
       fields.complain("in \"" + key.str() + "\": " + inner.problem());
@@ -37,9 +36,9 @@ static std::vector<Element> readList(JsonFields &fields, llvm::StringRef key,
 static std::vector<std::string> readTexts(JsonFields &fields,
                                           llvm::StringRef key) {
   std::vector<std::string> texts;
-  for (const json::Value &value : fields.list(key))
-    if (const auto text = value.getAsString())
-      texts.push_back(text->str());
+  for (const JsonValue &value : fields.list(key))
+    if (const std::string *const text = value.asText())
+      texts.push_back(*text);
     else
       fields.complain("\"" + key.str() + "\" holds something that is no text");
   return texts;
@@ -73,11 +72,10 @@ ProcessLine corvane::readProcess(JsonFields &fields) {
   line.start = fields.text("start");
   if (fields.has("rank"))
     line.rank = fields.whole("rank");
-  if (const json::Object *const settings = fields.object("settings"))
+  if (const JsonObject *const settings = fields.object("settings"))
     for (const auto &[name, value] : *settings)
-      if (const auto text = value.getAsString())
-        line.settings.emplace_back(name.str(), text->str());
-  // LLVM keeps the fields of an object in no fixed order.
+      if (const std::string *const text = value.asText())
+        line.settings.emplace_back(name, *text);
   std::sort(line.settings.begin(), line.settings.end());
   return line;
 }
@@ -177,13 +175,12 @@ CheckLine corvane::readCheck(JsonFields &fields) {
 }
 
 static std::optional<RatioInterval> readInterval(JsonFields &fields) {
-  const llvm::ArrayRef<json::Value> list = fields.list("interval");
+  const llvm::ArrayRef<JsonValue> list = fields.list("interval");
   std::optional<double> low, high;
   if (list.size() == 2) {
     low = finiteAmount(list[0]);
-    high = list[1].kind() == json::Value::Null
-               ? std::numeric_limits<double>::infinity()
-               : finiteAmount(list[1]);
+    high = list[1].isNull() ? std::numeric_limits<double>::infinity()
+                            : finiteAmount(list[1]);
   }
   if (low && high)
     return RatioInterval{*low, *high};

@@ -8,7 +8,6 @@
 
 using namespace corvane;
 using llvm::StringRef;
-namespace json = llvm::json;
 
 // The same number twice is a mistake, and the first line counts.
 template <typename Map, typename Value>
@@ -125,12 +124,12 @@ void RunReader::addLine(StringRef line) {
     return;
   }
 
-  llvm::Expected<json::Value> value = parseJson(line);
+  llvm::Expected<JsonValue> value = parseJson(line);
   if (!value) {
     complain(llvm::toString(value.takeError()));
     return;
   }
-  JsonFields fields(value->getAsObject());
+  JsonFields fields(value->asObject());
   const std::string kind = fields.text("kind");
   if (!run.process && kind != "process") {
     refused = true;

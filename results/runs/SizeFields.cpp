@@ -32,7 +32,7 @@ void corvane::writeSizes(json::OStream &out, const LaunchSizes &sizes) {
 static Sizes readList(JsonFields &fields, const char *key,
                       std::size_t &dimensions) {
   Sizes sizes{};
-  const llvm::ArrayRef<json::Value> list = fields.list(key);
+  const llvm::ArrayRef<JsonValue> list = fields.list(key);
   dimensions = list.size();
   for (std::size_t i = 0; i != std::min(list.size(), sizes.size()); ++i)
     if (const std::optional<std::uint64_t> number = wholeNumber(list[i]))
