@@ -5,7 +5,6 @@
 #include "results/runs/Decision.h"
 #include "session/LogAppender.h"
 
-#include <algorithm>
 #include <cmath>
 #include <new>
 #include <utility>
@@ -36,17 +35,18 @@ JobReport::~JobReport() {
   }
 }
 
-void JobReport::sampled(unsigned version, double microseconds, bool warmUp) {
+void JobReport::sampled(const PlannedRun &run, double microseconds) {
   SampleLine line;
   line.configuration = number;
-  line.version = versions[version];
+  line.version = versions[run.version];
   line.microseconds = microseconds;
-  line.warmUp = warmUp;
+  line.warmUp = run.purpose != PlannedRun::Purpose::Sample;
+  line.repeats = run.repeats;
   tuning->run.add(line);
-  if (warmUp)
+  if (line.warmUp)
     return;
   hasSamples = true;
-  recordTiming(*tuning->history, *rows, versions[version],
+  recordTiming(*tuning->history, *rows, versions[run.version],
                static_cast<std::uint64_t>(std::llround(microseconds * 1000.0)));
 }
 
@@ -86,23 +86,8 @@ void JobReport::forbidDifferent(const MeasuringPlan &plan) {
 
 // Samples that are too few for a decision leave the original in its place, and
 // the record open for those of other runs.
-void JobReport::decideBy(const MeasuringPlan &plan, TuningEnd end) {
-  std::vector<VersionSamples> measured;
-  for (unsigned i = 0; i != versions.size(); ++i) {
-    const VersionFate fate = plan.fate(i);
-    const bool isOut =
-        i != 0 && (!plan.isReproducible() || fate != VersionFate::Measured);
-    measured.push_back({versions[i], plan.samples(i).vec(), isOut});
-  }
-  Decision decision = decide(measured);
-  const bool nothingIsLeft =
-      std::all_of(measured.begin() + 1, measured.end(),
-                  [](const VersionSamples &version) { return version.out; });
-  if (end == TuningEnd::Measured && nothingIsLeft)
-    decision.decided = true;
-  // By the samples that there were then, whatever came after them.
-  for (unsigned i = 0; i != versions.size(); ++i)
-    decision.versions[i].dropped = plan.fate(i) == VersionFate::Slow;
+void JobReport::decideBy(const MeasuringPlan &plan) {
+  Decision decision = plan.decide();
   if (decision.decided) {
     DecisionLine line;
     line.configuration = number;
@@ -137,7 +122,7 @@ void JobReport::conclude(TuningEnd end, const MeasuringPlan &plan,
   const bool isMeasured =
       end == TuningEnd::Measured || end == TuningEnd::OutOfTime;
   if (isMeasured && plan.fate(0) != VersionFate::Failed)
-    return decideBy(plan, end);
+    return decideBy(plan);
   tuning->tell(configuration, verdicts, reasonOf(end));
   tuning->decide(configuration, std::string());
 }

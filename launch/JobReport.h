@@ -25,7 +25,7 @@ public:
 
   ~JobReport() override;
 
-  void sampled(unsigned version, double microseconds, bool warmUp) override;
+  void sampled(const PlannedRun &run, double microseconds) override;
   void checked(unsigned version, const BufferContents::Check &check) override;
   void ended(TuningEnd end, const MeasuringPlan &plan,
              TuningBudget::Duration added) override;
@@ -34,7 +34,7 @@ private:
   void conclude(TuningEnd end, const MeasuringPlan &plan,
                 TuningBudget::Duration added);
   void forbidDifferent(const MeasuringPlan &plan);
-  void decideBy(const MeasuringPlan &plan, TuningEnd end);
+  void decideBy(const MeasuringPlan &plan);
 
   const std::shared_ptr<Tuning> tuning;
   MeasuredConfiguration &configuration;

@@ -9,12 +9,19 @@
 
 using namespace corvane;
 
+static std::vector<std::string> namesOf(const TunedLaunch &launch) {
+  std::vector<std::string> names;
+  for (const MeasuredVersion &version : launch.versions)
+    names.push_back(version.name);
+  return names;
+}
+
 TuningJob::TuningJob(TunedLaunch launchToMeasure, unsigned samples,
                      Tolerance allowedDifference,
                      std::shared_ptr<TuningBudget> time,
                      std::unique_ptr<TuningListener> listenTo)
     : launch(std::move(launchToMeasure)), tolerance(allowedDifference),
-      plan(static_cast<unsigned>(launch.versions.size()) - 1, samples,
+      plan(namesOf(launch), samples,
            allowedDifference.mode != Tolerance::Mode::Off),
       budget(std::move(time)), listener(std::move(listenTo)) {}
 
@@ -117,8 +124,7 @@ bool TuningJob::makeRun(const PlannedRun &run) {
   const std::optional<double> microseconds = timeOf(waitFor);
   plan.completed(run, microseconds);
   if (microseconds)
-    listener->sampled(run.version, *microseconds,
-                      run.purpose != PlannedRun::Purpose::Sample);
+    listener->sampled(run, *microseconds);
   if (run.purpose == PlannedRun::Purpose::Reference)
     return takeReference();
   return !run.compared || checkRun(run);

@@ -76,7 +76,7 @@ enum class TuningEnd : std::uint8_t {
 class TuningListener {
 public:
   virtual ~TuningListener() = default;
-  virtual void sampled(unsigned version, double microseconds, bool warmUp) = 0;
+  virtual void sampled(const PlannedRun &run, double microseconds) = 0;
   virtual void checked(unsigned version,
                        const BufferContents::Check &check) = 0;
   /// \p added is the time by which the job has held up the application's run.

@@ -2,12 +2,16 @@
 
 #pragma once
 
+#include "results/runs/CountedSamples.h"
+#include "results/runs/Decision.h"
 #include "tuning/OutputComparison.h"
 
 #include "llvm/ADT/ArrayRef.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace corvane {
@@ -31,6 +35,9 @@ struct PlannedRun {
   unsigned version; ///< 0 is the application's kernel
   Purpose purpose;
   bool compared; ///< whether its output is to be compared with the reference
+  /// The sample of the version, from 0, that the run repeats. None: the run
+  /// makes a sample.
+  std::optional<std::size_t> repeats = std::nullopt;
 };
 
 /// The order of runs for one kernel with sizes on a device, and their times.
@@ -39,13 +46,21 @@ struct PlannedRun {
 /// runs once without counting, and the kernel once more, so that what differs
 /// from itself is known even if no candidate is left. Rounds in rotating
 /// order follow, so that no version always runs after the same other one, until
-/// every version has its samples. Outputs are compared after a version's first
-/// run and its last. Not for several threads at once.
+/// every version has its samples: the first pass. Outputs are compared after a
+/// version's first run and the last of each pass.
+///
+/// If the samples are too disturbed for a decision, further passes repeat those
+/// of the original and of the versions that may still win; sampleOf makes one
+/// time of the runs of a sample. A decision is tried after the passes 1, 3, 9
+/// and 27, and no pass begins once all runs together have taken half a minute.
+/// Not for several threads at once.
 class MeasuringPlan {
 public:
-  /// \p candidates versions beside the application's kernel, \p samples (at
-  /// least 1) for each. Nothing is compared unless \p verified.
-  MeasuringPlan(unsigned candidates, unsigned samples, bool verified);
+  /// The names of the \p versions: the application's kernel, whose name is
+  /// empty, and the candidates. \p samples (at least 1) for each. Nothing is
+  /// compared unless \p verified.
+  MeasuringPlan(std::vector<std::string> versions, unsigned samples,
+                bool verified);
 
   /// The run to make now; nothing when the plan is through. Hand in what came
   /// of it before the next.
@@ -66,29 +81,45 @@ public:
   bool alwaysEqual(unsigned version) const {
     return versions[version].alwaysEqual;
   }
-  /// Microseconds of the runs that count, in the order of running.
+  /// Microseconds of the samples that count, in their order.
   llvm::ArrayRef<double> samples(unsigned version) const {
     return versions[version].samples;
   }
 
+  /// The decision by the samples that there are, with the versions in their
+  /// order. It is for the original if no candidate is left, and none if the
+  /// best version was not compared a second time.
+  Decision decide() const;
+
 private:
   struct Version {
+    std::string name;
     VersionFate fate = VersionFate::Measured;
     bool alwaysEqual = true;
-    std::vector<double> samples;
+    unsigned comparisons = 0;
+    SampleRuns runs;
+    std::vector<double> samples; ///< by all runs
   };
   std::optional<PlannedRun> nextWarmUp();
   std::optional<PlannedRun> nextSample();
+  std::optional<PlannedRun> nextRepeat();
   bool isInPlay(unsigned version) const;
   bool hasRival() const;
-  void dropIfSlow(unsigned version);
+  void dropIfSlow(Version &version);
+  void endPass();
+  std::vector<unsigned> whoMayStillWin() const;
 
   std::vector<Version> versions; ///< 0 is the application's kernel
   const unsigned wanted;         ///< samples a version
   const bool verifies;
+  /// The original and those that may still win; all of them at first.
+  std::vector<unsigned> repeated;
+  bool isThrough = false;
+  double spent = 0.0;   ///< microseconds, by all runs
   unsigned warmUps = 0; ///< handed out
-  unsigned round = 0;
-  unsigned turn = 0; ///< within the round
+  unsigned passes = 0;  ///< that are over
+  unsigned round = 0;   ///< within the pass
+  unsigned turn = 0;    ///< within the round
 };
 
 } // namespace corvane

@@ -2,6 +2,7 @@
 
 #include "results/profile/ProfileMerge.h"
 
+#include "results/runs/CountedSamples.h"
 #include "results/runs/Decision.h"
 
 #include <algorithm>
@@ -19,10 +20,21 @@ using Key = std::tuple<ProfileDevice, std::string, std::string, LaunchSizes>;
 /// A version of a kernel of a program, on any device and for any sizes.
 using VersionKey = std::tuple<std::string, std::string, std::string>;
 
+/// The samples of a version, and the original's that were taken with them.
+struct Samples {
+  std::vector<double> times;
+  std::vector<double> originals;
+};
+
+struct Checks {
+  Agreement worst = Agreement::Unknown;
+  std::size_t count = 0;
+};
+
 struct Gathered {
-  std::map<std::string, std::vector<double>> samples; ///< by version
-  std::map<std::string, Agreement> checks;            ///< by version, the worst
-  bool decided = false;                               ///< by the process itself
+  std::map<std::string, Samples> samples; ///< by version
+  std::map<std::string, Checks> checks;   ///< by version
+  bool decided = false;                   ///< by the process itself
   std::string untunable;
   std::uint64_t launches = 0;
 };
@@ -54,11 +66,28 @@ static std::map<std::uint32_t, std::uint64_t> launchesOf(const RunRecord &run) {
       launches[part.configuration] += part.launches;
     return launches;
   }
-  // Each launch that is tuned runs the original once.
+  // That is not known: at least the launch that was measured.
   for (const auto &[number, configuration] : run.configurations)
-    for (const SampleLine &sample : configuration.samples)
-      launches[number] += sample.version.empty() ? 1 : 0;
+    launches[number] = configuration.samples.empty() ? 0 : 1;
   return launches;
+}
+
+static void append(std::vector<double> &all, const std::vector<double> &more) {
+  all.insert(all.end(), more.begin(), more.end());
+}
+
+// Each version is compared with what the original took in the same runs and by
+// as many passes, for the load may have been another one before or after.
+static void gatherSamples(Gathered &gathered,
+                          const std::map<std::string, SampleRuns> &runs) {
+  const auto original = runs.find(std::string());
+  for (const auto &[version, taken] : runs) {
+    const std::size_t passes = passesOf(taken);
+    Samples &samples = gathered.samples[version];
+    append(samples.times, samplesAfter(passes, taken));
+    if (original != runs.end())
+      append(samples.originals, samplesAfter(passes, original->second));
+  }
 }
 
 static void gather(Gathering &all, const RunRecord &run,
@@ -73,12 +102,11 @@ static void gather(Gathering &all, const RunRecord &run,
                           line.kernel,
                           line.sizes}];
 
-  for (const SampleLine &sample : configuration.samples)
-    if (!sample.warmUp)
-      gathered.samples[sample.version].push_back(sample.microseconds);
+  gatherSamples(gathered, countedRuns(configuration.samples));
   for (const CheckLine &check : configuration.checks) {
-    Agreement &worst = gathered.checks[check.version];
-    worst = std::max(worst, agreementOf(check.result));
+    Checks &checks = gathered.checks[check.version];
+    checks.worst = std::max(checks.worst, agreementOf(check.result));
+    ++checks.count;
     if (check.result == CheckResult::Different)
       all.different.insert({program, line.kernel, check.version});
   }
@@ -96,24 +124,26 @@ static Agreement checkOf(const Gathering &all, const Key &key,
   if (all.different.count({program, kernel, version}))
     return Agreement::Different;
   const auto found = gathered.checks.find(version);
-  return found == gathered.checks.end() ? Agreement::Unknown : found->second;
+  return found == gathered.checks.end() ? Agreement::Unknown
+                                        : found->second.worst;
 }
 
 // All versions that have samples or checks.
 static std::vector<VersionSamples>
 versionsOf(const Gathering &all, const Key &key, const Gathered &gathered) {
-  std::map<std::string, std::vector<double>> samples = gathered.samples;
+  std::map<std::string, Samples> samples = gathered.samples;
   for (const auto &[version, check] : gathered.checks)
     samples.try_emplace(version);
 
   const bool reproducible =
       checkOf(all, key, gathered, std::string()) != Agreement::Different;
   std::vector<VersionSamples> versions;
-  for (auto &[version, times] : samples) {
+  for (auto &[version, taken] : samples) {
     const bool out = !version.empty() &&
                      (!reproducible || checkOf(all, key, gathered, version) ==
                                            Agreement::Different);
-    versions.push_back({version, std::move(times), out});
+    versions.push_back(
+        {version, std::move(taken.times), out, std::move(taken.originals)});
   }
   return versions;
 }
@@ -126,10 +156,22 @@ static bool comesBefore(const TunedVersion &left, const TunedVersion &right) {
   return rank(left.figures) < rank(right.figures);
 }
 
+// A version is compared after its first run and once more at its last: the
+// second is missing where the process or its time for tuning ended before.
+static bool lacksACheck(const Gathered &gathered, const std::string &version) {
+  const auto checks = gathered.checks.find(version);
+  return !version.empty() && checks != gathered.checks.end() &&
+         checks->second.count < 2;
+}
+
 static TunedConfiguration tune(const Gathering &all, const Key &key,
                                const Gathered &gathered) {
   const auto &[device, program, kernel, sizes] = key;
   Decision decision = decide(versionsOf(all, key, gathered));
+  if (lacksACheck(gathered, decision.winner)) {
+    decision.decided = false;
+    decision.winner.clear();
+  }
 
   TunedConfiguration tuned;
   tuned.device = device;
@@ -150,7 +192,8 @@ static TunedConfiguration tune(const Gathering &all, const Key &key,
 
 std::optional<RatioInterval> TunedConfiguration::bestInterval() const {
   for (const TunedVersion &version : versions)
-    if (version.figures.interval)
+    if (version.figures.interval &&
+        (winner.empty() || version.figures.version == winner))
       return version.figures.interval;
   return std::nullopt;
 }

@@ -35,11 +35,11 @@ struct TunedConfiguration {
   std::vector<TunedVersion> versions;
   /// Why it was not tuned, from the first run that gives a reason; else empty.
   std::string untunable;
-  /// Of the application. Of a process that was killed, those that had samples.
+  /// Of the application; of a process that was killed, the one with samples.
   std::uint64_t launches = 0;
 
-  /// The interval of the version with the least median; none when no version
-  /// could be compared with the original.
+  /// The interval of the winner, or else of the version with the least median;
+  /// none when no version could be compared with the original.
   std::optional<RatioInterval> bestInterval() const;
 };
 

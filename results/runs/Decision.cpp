@@ -43,17 +43,23 @@ static bool isDropped(const VersionSamples &version, double originalMedian) {
          isHopeless(version.samples, originalMedian);
 }
 
-// The winner is the best of all that compete. With the allowed error shared
-// evenly among them (Bonferroni), one that is no faster wins no more often than
-// if it were alone. Each interval misses the ratio with that error at most.
+// The winner is the best of all that compete, and of all tries. With the
+// allowed error shared evenly among them (Bonferroni), one that is no faster
+// wins no more often than if it were alone. Each interval misses the ratio with
+// that error at most.
 static double tailOfEach(ArrayRef<VersionSamples> versions,
                          double originalMedian) {
   const auto competing =
       llvm::count_if(versions, [&](const VersionSamples &version) {
         return competes(version) && !isDropped(version, originalMedian);
       });
-  return errorProbability /
+  return errorProbability / mostTries /
          static_cast<double>(std::max<std::ptrdiff_t>(competing, 2));
+}
+
+static ArrayRef<double> originalsOf(const VersionSamples &version,
+                                    const VersionSamples &original) {
+  return version.originals.empty() ? original.samples : version.originals;
 }
 
 static VersionFigures figuresOf(const VersionSamples &version,
@@ -65,22 +71,29 @@ static VersionFigures figuresOf(const VersionSamples &version,
   if (competes(version)) {
     figures.dropped = isDropped(version, medianOf(original.samples));
     if (!figures.dropped)
-      figures.interval = ratioInterval(version.samples, original.samples, tail);
+      figures.interval =
+          ratioInterval(version.samples, originalsOf(version, original), tail);
   }
   return figures;
 }
 
-static bool hasLessMedian(const VersionFigures &left,
-                          const VersionFigures &right) {
-  return left.median < right.median;
-}
-
-// The one with the least median of those that have an interval; null if none.
-static const VersionFigures *findBest(ArrayRef<VersionFigures> versions) {
+// The one with the least median of those that have an interval, in proportion
+// to the original's; null if none.
+static const VersionFigures *findBest(ArrayRef<VersionSamples> versions,
+                                      const VersionSamples &original,
+                                      ArrayRef<VersionFigures> figures) {
   const VersionFigures *best = nullptr;
-  for (const VersionFigures &version : versions)
-    if (version.interval && (!best || hasLessMedian(version, *best)))
-      best = &version;
+  double least = 0.0;
+  for (std::size_t i = 0; i != versions.size(); ++i) {
+    if (!figures[i].interval)
+      continue;
+    const double ratio =
+        figures[i].median / medianOf(originalsOf(versions[i], original).vec());
+    if (best && !(ratio < least))
+      continue;
+    best = &figures[i];
+    least = ratio;
+  }
   return best;
 }
 
@@ -103,7 +116,8 @@ Decision corvane::decide(ArrayRef<VersionSamples> versions) {
     decision.versions.push_back(figuresOf(version, original, tail));
 
   decision.decided = found && hasEnough(versions, decision.versions);
-  const VersionFigures *const best = findBest(decision.versions);
+  const VersionFigures *const best =
+      findBest(versions, original, decision.versions);
   if (decision.decided && best && best->interval->high < winningRatio)
     decision.winner = best->version;
   return decision;

@@ -16,8 +16,12 @@ namespace corvane {
 inline constexpr double winningRatio = 0.98;
 
 /// How likely a configuration may be decided for a version that is no faster,
-/// however many versions it has; and how likely one interval misses the ratio.
+/// however many versions it has and however often a decision is tried; and how
+/// likely one interval misses the ratio.
 inline constexpr double errorProbability = 0.05;
+
+/// How often a decision may be tried while a configuration is measured.
+inline constexpr unsigned mostTries = 4;
 
 /// The middle one of the samples, in any order; of an even number the mean of
 /// the two in the middle. 0 without samples.
@@ -33,6 +37,9 @@ struct VersionSamples {
   std::string version; ///< empty: the original
   std::vector<double> samples;
   bool out = false; ///< not compared: a check found its output different
+  /// The samples of the original that were taken together with these. Empty:
+  /// all that the original has.
+  std::vector<double> originals = {};
 };
 
 struct Decision {
@@ -46,8 +53,9 @@ struct Decision {
 
 /// Decides between the original, which \p versions holds as any other, and the
 /// rest. Without samples of the original nothing is decided. The version with
-/// the least median, of two the first one, wins if its interval lies below
-/// winningRatio; otherwise the original does.
+/// the least median, in proportion to that of the original's samples beside it,
+/// and of two the first one, wins if its interval lies below winningRatio;
+/// otherwise the original does.
 Decision decide(llvm::ArrayRef<VersionSamples> versions);
 
 } // namespace corvane

@@ -143,6 +143,8 @@ SampleLine corvane::readSample(JsonFields &fields) {
   line.version = readVersion(fields);
   line.microseconds = fields.amount("microseconds");
   line.warmUp = optionalFlag(fields, "warmUp");
+  if (fields.has("repeats"))
+    line.repeats = fields.whole("repeats");
   return line;
 }
 

@@ -10,13 +10,14 @@
 
 namespace corvane {
 
-/// An interval from order statistics, by the precedence test, for the ratio of
-/// a version's median time to the original's: the logarithms of the two are
-/// taken to have distributions of the same shape, whatever that is.
+/// The Hodges-Lehmann interval, which belongs to the rank-sum test of Wilcoxon,
+/// Mann and Whitney, for the ratio of a version's median time to the
+/// original's: the logarithms of the two are taken to have distributions of the
+/// same shape, whatever that is.
 ///
-/// Either limit misses the ratio with a probability of at most \p tail. None
-/// when there are too few samples for that. Samples are finite and at least 0,
-/// in any order.
+/// Either limit misses the ratio with a probability of at most \p tail, which
+/// is below one half. None when there are too few samples for that. Samples are
+/// finite and at least 0, in any order.
 std::optional<RatioInterval> ratioInterval(llvm::ArrayRef<double> version,
                                            llvm::ArrayRef<double> original,
                                            double tail);

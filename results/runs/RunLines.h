@@ -96,6 +96,9 @@ struct SampleLine {
   std::string version;
   double microseconds = 0.0;
   bool warmUp = false; ///< the version's first run, which does not count
+  /// The sample that the run repeats, counted from 0 among those of the version
+  /// that count. None: the run makes a sample.
+  std::optional<std::uint64_t> repeats = std::nullopt;
 };
 
 enum class CheckResult {

@@ -103,6 +103,8 @@ static void write(json::OStream &out, const SampleLine &line) {
   writeNumberField(out, "microseconds", line.microseconds);
   if (line.warmUp)
     out.attribute("warmUp", true);
+  if (line.repeats)
+    out.attribute("repeats", json::Value(*line.repeats));
 }
 
 static const char *textOf(CheckResult result) {

@@ -107,6 +107,8 @@ void test::addConfiguration(std::vector<RunLine> &lines,
   CheckLine check;
   check.configuration = number;
   check.version = "g0S4";
+  // After the first run and after the last.
+  lines.emplace_back(check);
   lines.emplace_back(check);
 }
 

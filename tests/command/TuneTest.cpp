@@ -89,7 +89,7 @@ TEST_F(Tune, MakesTheProfileAndATable) {
   addConfiguration(lines, "copy", 20000.0, 20000.0);
   addConfiguration(lines, "sort", 3000.0, 1000.0);
   CheckLine wrong;
-  wrong.configuration = static_cast<std::uint32_t>(lines.size()) - 16;
+  wrong.configuration = static_cast<std::uint32_t>(lines.size()) - 17;
   wrong.version = "g0S4";
   wrong.result = CheckResult::Different;
   lines.emplace_back(wrong);
@@ -176,7 +176,7 @@ TEST_F(Tune, NamesTheLineOfARecordThatItCannotUse) {
   ASSERT_TRUE(folder.write("bad", folder.read("r") + "\x1b[2J\n?\n"));
   const Outcome outcome = tuned({"record", "a", folder.file("bad")});
   EXPECT_THAT(outcome.err,
-              AllOf(HasSubstr("run.jsonl, line 20: byte 1: "),
+              AllOf(HasSubstr("run.jsonl, line 21: byte 1: "),
                     HasSubstr("(and 1 more)\n"), Not(HasSubstr("\x1b"))));
   EXPECT_EQ(made().entries.at(0).use, "g0S4");
 }

@@ -46,9 +46,9 @@ static CLI::App *addTune(CLI::App &commands, TuneOptions &options) {
       ->capture_default_str();
   command
       ->add_option("--samples", options.samples,
-                   "Timed runs of each version for a decision (7)")
+                   "Samples of each version for a decision (7)")
       ->type_name("N")
-      ->check(CLI::Range(1, 1000000));
+      ->check(CLI::Range(5, 1000));
   command
       ->add_option("--verify", options.verify,
                    "How far a version's results may be from the original's: "

@@ -65,6 +65,19 @@ public:
     return *this;
   }
 
+  /// As many as a run to its end makes.
+  MadeRun &checks(const std::string &version, CheckResult result) {
+    return check(version, result).check(version, result);
+  }
+
+  /// Repeats each of seven samples once.
+  MadeRun &repeats(const std::string &version, double time) {
+    for (std::size_t i = 0; i != 7; ++i)
+      current->samples.push_back(
+          {current->line.configuration, version, time, false, i});
+    return *this;
+  }
+
   MadeRun &decided() {
     current->decision = DecisionLine();
     return *this;

@@ -91,6 +91,7 @@ inline std::vector<RunLine> exampleLines() {
           exampleConfiguration(),
           SampleLine{0, "", 12.5, true},
           SampleLine{0, "l0S2", 50.25, false},
+          SampleLine{0, "l0S2", 48.5, false, 0},
           CheckLine{0, "", CheckResult::Equal, 0, 0, "", ""},
           exampleCheck(),
           exampleDecision(),

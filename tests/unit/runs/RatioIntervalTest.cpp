@@ -10,30 +10,55 @@
 using namespace corvane;
 using Samples = std::vector<double>;
 
-// Samples of 1, 2, 4, 8 and so on times the first.
-static Samples powers(int count, double first = 1.0) {
-  Samples samples;
-  for (int i = 0; i != count; ++i)
-    samples.push_back(first * std::pow(2.0, i));
-  return samples;
-}
-
-// The rank, from 1, of the version's sample that is the dividend of the upper
-// limit; the divisor is the original's shortest.
-static int rankOfLimit(int version, int original, double tail) {
+// How many of the ratios of all pairs are at least the upper limit; 0 without
+// an interval. All ratios differ.
+static int ratiosFromLimit(int version, int original, double tail) {
+  Samples times, originals;
+  for (int i = 0; i != version; ++i)
+    times.push_back(1.0 + 0.01 * i);
+  for (int i = 0; i != original; ++i)
+    originals.push_back(std::exp(0.1 + 0.0123 * i));
   const std::optional<RatioInterval> interval =
-      ratioInterval(powers(version), powers(original), tail);
-  return interval ? 1 + static_cast<int>(std::log2(interval->high)) : 0;
+      ratioInterval(times, originals, tail);
+  if (!interval)
+    return 0;
+  int count = 0;
+  for (const double time : times)
+    for (const double other : originals)
+      count += time / other >= interval->high ? 1 : 0;
+  return count;
 }
 
-// Of all C(14, 7) = 3432 orders of seven and seven samples, C(14 - s, 7) have
-// the s-th of one side before the first of the other.
-TEST(RatioInterval, TakesTheLeastRankThatIsUnlikelyEnough) {
-  EXPECT_EQ(rankOfLimit(7, 7, 121.0 / 3432), 4);
-  EXPECT_EQ(rankOfLimit(7, 7, 119.0 / 3432), 5);
-  EXPECT_EQ(rankOfLimit(7, 7, 37.0 / 3432), 5);
-  EXPECT_EQ(rankOfLimit(7, 7, 35.0 / 3432), 6);
-  EXPECT_EQ(rankOfLimit(7, 7, 7.9 / 3432), 7);
+// Of all C(14, 7) = 3432 orders of seven and seven samples, 1, 1, 2, 3, 5 and 7
+// have 0, 1, 2, 3, 4 and 5 pairs in which the version's sample comes later.
+TEST(RatioInterval, LeavesOutAsManyRatiosAsAreUnlikely) {
+  EXPECT_EQ(ratiosFromLimit(7, 7, 0.9 / 3432), 0);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 1.1 / 3432), 1);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 2.1 / 3432), 2);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 3.9 / 3432), 2);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 4.1 / 3432), 3);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 11.9 / 3432), 4);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 19.1 / 3432), 6);
+}
+
+// The critical values of the rank-sum test, as tables give them, are one less.
+TEST(RatioInterval, HasTheCriticalValuesOfTheRankSumTest) {
+  EXPECT_EQ(ratiosFromLimit(5, 5, 0.025), 2 + 1);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 0.025), 8 + 1);
+  EXPECT_EQ(ratiosFromLimit(5, 8, 0.025), 6 + 1);
+  EXPECT_EQ(ratiosFromLimit(8, 5, 0.025), 6 + 1);
+  EXPECT_EQ(ratiosFromLimit(10, 10, 0.025), 23 + 1);
+  EXPECT_EQ(ratiosFromLimit(20, 20, 0.025), 127 + 1);
+  EXPECT_EQ(ratiosFromLimit(20, 20, 0.005), 105 + 1);
+}
+
+// Where the exact distribution ends and its approximation begins.
+TEST(RatioInterval, GoesOnWithoutAJumpForManySamples) {
+  const int fewer = ratiosFromLimit(39, 40, 0.001);
+  const int exact = ratiosFromLimit(40, 40, 0.001);
+  const int approximate = ratiosFromLimit(41, 40, 0.001);
+  EXPECT_LE(approximate - exact, exact - fewer) << "it errs to the safe side";
+  EXPECT_NEAR(approximate - exact, exact - fewer, 6);
 }
 
 TEST(RatioInterval, HasALowerLimitThatIsTheUpperOneOfTheInverse) {
@@ -41,36 +66,36 @@ TEST(RatioInterval, HasALowerLimitThatIsTheUpperOneOfTheInverse) {
   const Samples original = {20, 22, 23, 25, 26, 28, 31};
   const RatioInterval ratio = *ratioInterval(version, original, 0.025);
   const RatioInterval inverse = *ratioInterval(original, version, 0.025);
-  EXPECT_DOUBLE_EQ(ratio.high, 9.0 / 20.0);
-  EXPECT_DOUBLE_EQ(ratio.low, 5.0 / 26.0);
+  EXPECT_DOUBLE_EQ(ratio.high, 11.0 / 26.0);
+  EXPECT_DOUBLE_EQ(ratio.low, 5.0 / 22.0);
   EXPECT_DOUBLE_EQ(inverse.high, 1.0 / ratio.low);
 }
 
 TEST(RatioInterval, DoesNotDependOnTheOrderOfSamples) {
   const RatioInterval ratio = *ratioInterval(
       {9, 5, 10, 8, 11, 6, 7}, {26, 31, 20, 22, 28, 25, 23}, 0.025);
-  EXPECT_DOUBLE_EQ(ratio.high, 9.0 / 20.0);
-  EXPECT_DOUBLE_EQ(ratio.low, 5.0 / 26.0);
+  EXPECT_DOUBLE_EQ(ratio.high, 11.0 / 26.0);
+  EXPECT_DOUBLE_EQ(ratio.low, 5.0 / 22.0);
 }
 
 TEST(RatioInterval, NeedsEnoughSamples) {
-  EXPECT_EQ(rankOfLimit(0, 7, 0.025), 0);
-  EXPECT_EQ(rankOfLimit(7, 0, 0.025), 0);
-  EXPECT_EQ(rankOfLimit(3, 3, 0.025), 0); // 1 in 20
-  EXPECT_EQ(rankOfLimit(2, 7, 0.025), 0); // 1 in 36
+  EXPECT_EQ(ratiosFromLimit(0, 7, 0.025), 0);
+  EXPECT_EQ(ratiosFromLimit(7, 0, 0.025), 0);
+  EXPECT_EQ(ratiosFromLimit(3, 3, 0.025), 0); // 1 in 20
+  EXPECT_EQ(ratiosFromLimit(2, 7, 0.025), 0); // 1 in 36
   // The numbers of versions that docs/run-record.md gives.
-  EXPECT_EQ(rankOfLimit(4, 4, 0.05 / 3), 4);
-  EXPECT_EQ(rankOfLimit(4, 4, 0.05 / 4), 0);
-  EXPECT_EQ(rankOfLimit(7, 7, 0.05 / 171), 7);
-  EXPECT_EQ(rankOfLimit(7, 7, 0.05 / 172), 0);
+  EXPECT_EQ(ratiosFromLimit(4, 4, 0.05 / 4 / 2), 0);
+  EXPECT_EQ(ratiosFromLimit(5, 5, 0.05 / 4 / 3), 1);
+  EXPECT_EQ(ratiosFromLimit(5, 5, 0.05 / 4 / 4), 0);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 0.05 / 4 / 42), 1);
+  EXPECT_EQ(ratiosFromLimit(7, 7, 0.05 / 4 / 43), 0);
 }
 
-TEST(RatioInterval, AllowsForDisturbancesOfEither) {
-  const RatioInterval ratio =
-      *ratioInterval({50, 51, 49, 900, 50, 48, 700},
-                     {100, 101, 600, 103, 800, 98, 102}, 0.05 / 4);
-  EXPECT_DOUBLE_EQ(ratio.high, 51.0 / 98.0);
-  EXPECT_DOUBLE_EQ(ratio.low, 48.0 / 103.0);
+TEST(RatioInterval, AllowsForADisturbance) {
+  const RatioInterval ratio = *ratioInterval(
+      {50, 51, 49, 900, 50, 48, 52}, {100, 101, 600, 103, 100, 98, 102}, 0.025);
+  EXPECT_LT(ratio.high, 0.54);
+  EXPECT_GT(ratio.low, 0.46);
 }
 
 TEST(RatioInterval, GetsNarrowWithManySamples) {
@@ -123,7 +148,7 @@ TEST(RatioInterval, HoldsTheTrueRatioAsOftenAsItSays) {
     const RatioInterval interval = *ratioInterval(version, original, 0.025);
     held += interval.low <= 0.8 && 0.8 <= interval.high ? 1 : 0;
   }
-  // With 7 samples each limit is missed in 36 of 3432 cases.
-  EXPECT_GE(held, rounds * 97 / 100);
-  EXPECT_LT(held, rounds * 99 / 100);
+  // With 7 samples each limit is missed in 65 of 3432 cases.
+  EXPECT_GE(held, rounds * 95 / 100);
+  EXPECT_LT(held, rounds * 98 / 100);
 }

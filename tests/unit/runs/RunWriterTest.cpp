@@ -66,6 +66,10 @@ TEST(RunWriter, WritesSamples) {
             R"({"kind":"sample","configuration":7,"version":"g0S4",)"
             R"("microseconds":1e+06})"
             "\n");
+  EXPECT_EQ(lineText(SampleLine{7, "g0S4", 2.5, false, 3}),
+            R"({"kind":"sample","configuration":7,"version":"g0S4",)"
+            R"("microseconds":2.5,"repeats":3})"
+            "\n");
 }
 
 TEST(RunWriter, WritesChecks) {

@@ -86,11 +86,11 @@ protected:
 private:
   struct Listener : TuningListener {
     Listener(Told &hears, SmallUserEvent &event) : told(hears), done(event) {}
-    void sampled(unsigned version, double, bool warmUp) override {
-      if (warmUp)
+    void sampled(const PlannedRun &run, double) override {
+      if (run.purpose != PlannedRun::Purpose::Sample)
         ++told.warmUps;
       else
-        told.sampled.push_back(version);
+        told.sampled.push_back(run.version);
     }
     void checked(unsigned version,
                  const BufferContents::Check &check) override {
