@@ -105,6 +105,32 @@ def real_launch_checks(results):
         )
 
 
+def profile_checks(results):
+    name = "launch/tuned"
+    yield Check(
+        "launch of a variant with a profile: beside one without",
+        results.time("launch-profile", name) / results.time("launch-layer", name),
+        1.1, "x",
+    )
+
+
+def speedups(results):
+    """By example and launch, the speed with a profile beside that alone."""
+    path = results.folder / "examples.json"
+    measured = json.loads(path.read_text(encoding="utf-8"))
+    return {launch: times["bare"] / times["run"]
+            for launch, times in measured.items()}
+
+
+def example_checks(results):
+    found = speedups(results)
+    slowest = min(found, key=found.get)
+    yield Check(
+        f"examples, tuned and run: time beside alone; the worst: {slowest}",
+        1 / found[slowest], 1 / 0.97, "x",
+    )
+
+
 def hooked_names(results, mode, threads=1):
     return [
         name
@@ -149,5 +175,6 @@ def tuning_checks(results):
 
 def all_checks(results):
     for checks in (single_call_checks, launch_checks, real_launch_checks,
-                  growth_checks, flush_checks, tuning_checks):
+                   profile_checks, growth_checks, flush_checks, tuning_checks,
+                   example_checks):
         yield from checks(results)

@@ -4,9 +4,11 @@ Usage: print_ratios.py FOLDER, which holds the results of one run.
 """
 
 import pathlib
+import statistics
 import sys
 
-from bench_results import ALIVE, Results, all_checks, growths, runtime_case
+from bench_results import (ALIVE, Results, all_checks, growths, runtime_case,
+                           speedups)
 
 CALLS = [
     *(f"clSetKernelArg/variants:{v}/bytes:{b}" for v in (0, 1) for b in (4, 64)),
@@ -64,6 +66,22 @@ def print_real(results):
         print(f"  {name:60} {bare:8.3f} {below:8.3f}  {below / bare:5.2f}x")
 
 
+def print_profiles(results):
+    print("\nLaunches with a profile                                     "
+          "      us: without   with   ratio")
+    for name, run in results.runs("launch-profile").items():
+        without = results.time("launch-layer", name) / 1000
+        profiled = run["real_time"] / 1000
+        print(f"  {name:60} {without:8.3f} {profiled:8.3f}"
+              f"  {profiled / without:5.2f}x")
+    found = speedups(results)
+    print("Examples, tuned and run: times as fast as alone")
+    for launch, speedup in found.items():
+        print(f"  {launch:60} {speedup:5.2f}x")
+    print(f"  {'geometric mean':60} "
+          f"{statistics.geometric_mean(found.values()):5.2f}x")
+
+
 def print_results(results):
     print("\nThe results of                                10 000 rows  100 000"
           "  1 000 000   peak")
@@ -95,6 +113,7 @@ def main():
     print_calls(results)
     print_yardsticks(results)
     print_real(results)
+    print_profiles(results)
     print_results(results)
     print_checks(results)
 
