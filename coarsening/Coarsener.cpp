@@ -94,8 +94,10 @@ private:
       return;
     }
     made.insert(name);
-    text += "\n" + indented(variant.text);
-    result.variants.push_back({base, plan.text(), name, variant.analysis});
+    const std::string words = "\n" + indented(variant.text);
+    result.variants.push_back(
+        {base, plan.text(), name, variant.analysis, text.size(), words.size()});
+    text += words;
   }
 
   const clang::ASTContext &context;
@@ -110,13 +112,16 @@ private:
 /// The source, and after it the variants: where the compiler is one for which
 /// they were made, and with the source's macros out of their way.
 static std::string join(llvm::StringRef source, llvm::StringRef variants,
-                        const Preprocessed &preprocessed) {
+                        const Preprocessed &preprocessed,
+                        std::vector<MadeVariant> &made) {
   const std::string flag = "CORVANE_VARIANTS_FIT";
   std::string program = "#if " + preprocessed.condition + "\n#define " + flag +
                         "\n#endif\n#line 1\n" + source.str() + "\n\n#ifdef " +
                         flag + "\n";
   for (const std::string &macro : preprocessed.macros)
     program += "#undef " + macro + "\n";
+  for (MadeVariant &variant : made)
+    variant.begin += program.size();
   return program + variants.str() + "#endif\n";
 }
 
@@ -159,7 +164,7 @@ Coarsened coarsen(llvm::StringRef source, const BuildOptions &options,
   if (error)
     result.error = error->message;
   else if (!result.variants.empty())
-    result.program = join(source, variants, preprocessed);
+    result.program = join(source, variants, preprocessed, result.variants);
   return result;
 }
 

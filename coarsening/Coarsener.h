@@ -16,6 +16,10 @@ struct MadeVariant {
   std::string plan; ///< as it was asked for
   std::string name;
   std::string analysis; ///< what differs between lanes, for people
+  /// Where its text begins in the program, and how long it is. A program from
+  /// which it is cut out is right for the other variants.
+  size_t begin = 0;
+  size_t size = 0;
 };
 
 struct RefusedPlan {

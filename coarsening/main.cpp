@@ -1,5 +1,6 @@
 // corvane-coarsen: prints a program with variants of its kernels.
 #include "coarsening/Coarsener.h"
+#include "coarsening/ListedProgram.h"
 #include "coarsening/TextEnds.h"
 
 #include "llvm/Support/CommandLine.h"
@@ -14,7 +15,8 @@ using namespace corvane::coarsening;
 static const char usage[] =
     "usage: corvane-coarsen FILE.cl [--plans P] [--output F] [--refusals "
     "F.json]\n"
-    "                       [--analysis] [--options TEXT] [-- BUILD OPTIONS]\n"
+    "                       [--analysis | --listed] [--options TEXT]\n"
+    "                       [-- BUILD OPTIONS]\n"
     "Prints the program with variants of its kernels; - reads from the "
     "standard\n"
     "input.\n"
@@ -28,6 +30,8 @@ static const char usage[] =
     "  --analysis       prints what differs between the work-items that "
     "become\n"
     "                   one, instead of the program\n"
+    "  --listed         the program after a list of its variants; for "
+    "programs\n"
     "  --options TEXT   build options in one piece, as clBuildProgram takes "
     "them\n";
 
@@ -38,6 +42,7 @@ struct Request {
   std::string output = "-";
   std::string report; ///< empty: none
   bool analysis = false;
+  bool listed = false;
   std::vector<Plan> plans = defaultPlans();
   std::vector<std::string> options;
 };
@@ -65,6 +70,10 @@ static std::optional<Request> readRequest(llvm::ArrayRef<const char *> words) {
     }
     if (word == "--analysis") {
       request.analysis = true;
+      continue;
+    }
+    if (word == "--listed") {
+      request.listed = true;
       continue;
     }
     if (!startsWith(word, "--")) {
@@ -142,6 +151,12 @@ static std::string analysisOf(const Coarsened &result) {
   return text;
 }
 
+static std::string outputOf(const Request &request, const Coarsened &result) {
+  if (request.listed)
+    return listedProgram(result);
+  return request.analysis ? analysisOf(result) : result.program;
+}
+
 int main(int argc, char **argv) {
   const std::optional<Request> request = readRequest(
       llvm::ArrayRef<const char *>(argv + 1, static_cast<size_t>(argc - 1)));
@@ -158,7 +173,7 @@ int main(int argc, char **argv) {
   const Coarsened result =
       coarsen((*source)->getBuffer(), readBuildOptions(request->options),
               request->plans);
-  if (result.error)
+  if (result.error && !request->listed)
     llvm::errs() << "corvane-coarsen: " << request->file << ": "
                  << *result.error << "\n";
 
@@ -169,7 +184,6 @@ int main(int argc, char **argv) {
         << llvm::formatv("{0:2}\n", reportOf(result));
     written = writeFile(request->report, report);
   }
-  written &= writeFile(request->output,
-                       request->analysis ? analysisOf(result) : result.program);
-  return result.error || !written ? 1 : 0;
+  written &= writeFile(request->output, outputOf(*request, result));
+  return (result.error && !request->listed) || !written ? 1 : 0;
 }
