@@ -46,6 +46,10 @@ std::string hostName();
 /// its name.
 std::string currentFolder();
 
+/// The folder in which programs of this user keep what they can make again,
+/// absolute; empty if the system does not tell. It may not exist.
+std::string userCacheFolder();
+
 /// The separator between a directory and a name in paths for createDirectory.
 extern const char *const directorySeparator;
 

@@ -56,6 +56,16 @@ std::string platform::currentFolder() {
   return folder.string();
 }
 
+// A relative path in either variable means nothing, by the custom that they
+// come from.
+std::string platform::userCacheFolder() {
+  const char *const caches = std::getenv("XDG_CACHE_HOME");
+  if (caches && *caches == '/')
+    return caches;
+  const char *const home = std::getenv("HOME");
+  return home && *home == '/' ? std::string(home) + "/.cache" : std::string();
+}
+
 std::string platform::comparableFileName(std::string name) { return name; }
 
 void platform::cutFile(std::FILE *file, long length) {

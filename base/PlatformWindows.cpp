@@ -66,6 +66,14 @@ std::string platform::currentFolder() {
 }
 
 // Capital letters make no other name.
+std::string platform::userCacheFolder() {
+  const char *const folder = std::getenv("LOCALAPPDATA");
+  const std::string path = folder ? folder : "";
+  const bool isAbsolute =
+      path.size() > 2 && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
+  return isAbsolute ? path : std::string();
+}
+
 std::string platform::comparableFileName(std::string name) {
   return llvm::StringRef(name).lower();
 }

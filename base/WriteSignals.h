@@ -3,6 +3,7 @@
 #pragma once
 
 #include <csignal>
+#include <initializer_list>
 
 #include <ctime>
 

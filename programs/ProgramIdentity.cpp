@@ -4,16 +4,14 @@
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
+#include "base/ProgramHash.h"
 #include "programs/BuiltDevices.h"
 #include "programs/ProgramRecord.h"
 #include "programs/RuntimeText.h"
 
 #include "llvm/ADT/STLExtras.h"
-#include "llvm/ADT/StringExtras.h"
-#include "llvm/Support/SHA256.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <vector>
 
 using namespace corvane;
@@ -88,27 +86,6 @@ static std::optional<Binary> binaryOf(cl_program program, cl_device_id device) {
   return binary;
 }
 
-// The length of the options is told, so that they cannot pass for a part of
-// what comes after them.
-static std::string hashOf(llvm::StringRef kind, llvm::StringRef options,
-                          llvm::ArrayRef<std::uint8_t> content) {
-  llvm::SHA256 hash;
-  hash.update(kind);
-  hash.update(" " + std::to_string(options.size()) + "\n");
-  hash.update(options);
-  hash.update(content);
-  // Not by LLVM's own function, which ends the process where there is no
-  // memory.
-  const auto digest = hash.final();
-  std::string text;
-  for (const auto element : digest) {
-    const auto bits = static_cast<std::uint8_t>(element);
-    text += llvm::hexdigit(bits >> 4, /*LowerCase=*/true);
-    text += llvm::hexdigit(bits & 15, /*LowerCase=*/true);
-  }
-  return text;
-}
-
 static std::optional<std::string> computeHash(cl_program program,
                                               cl_device_id device) {
   const std::optional<std::string> options = optionsOf(program, device);
@@ -116,11 +93,11 @@ static std::optional<std::string> computeHash(cl_program program,
     return std::nullopt;
   const std::optional<std::string> source = sourceOf(program);
   if (source && !source->empty())
-    return hashOf("source", *options,
-                  {reinterpret_cast<const std::uint8_t *>(source->data()),
-                   source->size()});
+    return programHashText("source", *options, *source);
   if (const std::optional<Binary> binary = binaryOf(program, device))
-    return hashOf("binary", *options, {binary->bytes.get(), binary->size});
+    return programHashText(
+        "binary", *options,
+        {reinterpret_cast<const char *>(binary->bytes.get()), binary->size});
   return std::nullopt;
 }
 
