@@ -1,0 +1,122 @@
+// Tests of the file that has a program with its variants.
+
+#include "companion/VariantsFile.h"
+#include "base/ProgramHash.h"
+#include "tests/support/TempFolder.h"
+
+#include <gmock/gmock.h>
+
+using namespace corvane;
+using namespace corvane::test;
+using testing::ElementsAre;
+using testing::Field;
+
+static const std::string first = "// Variants of kernels, format 1\n";
+
+static const std::string twoVariants = first + "// variant 5 3 k_coarsed_g0S2\n"
+                                               "// variant 8 4 k_coarsed_g0S4\n"
+                                               "// program 15\n"
+                                               "HEAD\nTWOFOUREND";
+
+TEST(VariantsFile, IsWrittenAsItIsRead) {
+  const auto file = readVariants(twoVariants);
+  ASSERT_TRUE(file);
+  EXPECT_THAT(file->variants,
+              ElementsAre(Field(&ListedVariant::name, "k_coarsed_g0S2"),
+                          Field(&ListedVariant::name, "k_coarsed_g0S4")));
+  EXPECT_EQ(file->program, "HEAD\nTWOFOUREND");
+  EXPECT_EQ(variantsText(*file), twoVariants);
+}
+
+TEST(VariantsFile, TellsWhyThereAreNoVariants) {
+  const std::string text = first + "// none it prints\n// program 0\n";
+  const auto file = readVariants(text);
+  ASSERT_TRUE(file);
+  EXPECT_EQ(file->whyNone, "it prints");
+  EXPECT_EQ(file->program, "");
+  EXPECT_EQ(variantsText(*file), text);
+}
+
+TEST(VariantsFile, KeepsTheTextOfSomeVariants) {
+  for (const auto &[kept, program] :
+       std::vector<std::pair<std::set<std::string>, std::string>>{
+           {{"k_coarsed_g0S2"}, "HEAD\nTWOEND"},
+           {{"k_coarsed_g0S4"}, "HEAD\nFOUREND"},
+           {{"k_coarsed_g0S2", "k_coarsed_g0S4", "none"}, "HEAD\nTWOFOUREND"},
+           {{}, ""},
+           {{"none"}, ""}}) {
+    auto file = readVariants(twoVariants);
+    ASSERT_TRUE(file);
+    keepVariants(*file, kept);
+    EXPECT_EQ(file->program, program);
+    EXPECT_TRUE(readVariants(variantsText(*file)));
+    for (const ListedVariant &variant : file->variants)
+      EXPECT_EQ(file->program.substr(variant.begin, variant.size),
+                variant.name == "k_coarsed_g0S2" ? "TWO" : "FOUR");
+  }
+}
+
+TEST(VariantsFile, IsRefusedWhereItBreaksTheFormat) {
+  for (const std::string &text : {
+           std::string(),
+           std::string("kernel void k() {}"),
+           first,
+           first + "// variant 0 1 k_coarsed_g0S2\n",
+           first + "// program 1\n",
+           first + "// program 0\nmore",
+           first + "// program -1\n",
+           first + "// program 18446744073709551617\n",
+           first + "kernel void k() {}\n// program 0\n",
+           first + "// something else\n// program 0\n",
+           first + "// variant 0 1\n// program 1\nk",
+           first + "// variant 0 1 k\n// program 1\nk",
+           first + "// variant 0 1 k_coarsed_g0S2;k2\n// program 1\nk",
+           first + "// variant 0 2 k_coarsed_g0S2\n// program 1\nk",
+           first + "// variant 2 0 k_coarsed_g0S2\n// program 1\nk",
+           first + "// variant 1 18446744073709551615 k_coarsed_g0S2\n"
+                   "// program 2\nkk",
+           first + "// variant 18446744073709551615 1 k_coarsed_g0S2\n"
+                   "// program 2\nkk",
+           // One lies in the other, comes twice, or is out of order.
+           first + "// variant 0 2 k_coarsed_g0S2\n// variant 1 1 "
+                   "k_coarsed_g0S4\n// program 2\nkk",
+           first + "// variant 0 1 k_coarsed_g0S2\n// variant 1 1 "
+                   "k_coarsed_g0S2\n// program 2\nkk",
+           first + "// variant 1 1 k_coarsed_g0S2\n// variant 0 1 "
+                   "k_coarsed_g0S4\n// program 2\nkk",
+           // A program without variants is for no use.
+           first + "// program 1\nk",
+           first + "// included 0\n// none n\n// program 0\n",
+       })
+    EXPECT_FALSE(readVariants(text)) << text;
+}
+
+TEST(VariantsFile, HoldsOnlyForTheIncludedFilesThatItWasMadeWith) {
+  const TempFolder folder;
+  EXPECT_TRUE(folder.write("a.h", "one"));
+  VariantsFile file;
+  EXPECT_TRUE(includesAreUnchanged(file));
+  file.included = {{sha256Text({"one"}), folder.file("a.h")}};
+  EXPECT_TRUE(includesAreUnchanged(file));
+  EXPECT_TRUE(folder.write("a.h", "two"));
+  EXPECT_FALSE(includesAreUnchanged(file));
+  file.included = {{sha256Text({""}), folder.file("missing.h")}};
+  EXPECT_FALSE(includesAreUnchanged(file));
+  file.included = {{sha256Text({""}), folder.text()}};
+  EXPECT_FALSE(includesAreUnchanged(file));
+}
+
+TEST(ProgramHash, IsFitForAFileName) {
+  EXPECT_TRUE(isHashText(programHashText("source", "-DA", "kernel")));
+  EXPECT_FALSE(isHashText(""));
+  EXPECT_FALSE(isHashText(std::string(63, 'a')));
+  EXPECT_FALSE(isHashText(std::string(64, 'A')));
+  EXPECT_FALSE(isHashText("../" + std::string(61, 'a')));
+}
+
+TEST(ProgramHash, TellsOptionsFromSource) {
+  EXPECT_NE(programHashText("source", "-DA", "B"),
+            programHashText("source", "-D", "AB"));
+  EXPECT_NE(programHashText("source", "", "B"),
+            programHashText("binary", "", "B"));
+}
