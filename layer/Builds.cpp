@@ -3,6 +3,8 @@
 #include "layer/Builds.h"
 
 #include "layer/CallContext.h"
+#include "layer/Companion.h"
+#include "layer/CompanionSettings.h"
 #include "layer/HiddenKernels.h"
 #include "layer/LowerHooks.h"
 #include "layer/Notification.h"
@@ -11,6 +13,9 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
 
 using namespace corvane::layer;
 
@@ -30,6 +35,20 @@ static cl_int buildByAgent(cl_program program, cl_uint numDevices,
   return status;
 }
 
+// The runtime notifies on a thread of its own, which must not wait for another
+// build: a companion is built on a thread that may.
+static std::function<void()> whereItMayWait(std::function<void()> finish) {
+  if (!companionsAreWanted())
+    return finish;
+  return [finish = std::move(finish)] {
+    try {
+      std::thread(finish).detach();
+    } catch (const std::system_error &) {
+      finish(); // on the runtime's thread, rather than never
+    }
+  };
+}
+
 // The layer begins the build, and has the agent look at the program when the
 // runtime has notified. Nothing waits meanwhile.
 static cl_int buildNotified(cl_program program, cl_uint numDevices,
@@ -46,15 +65,15 @@ static cl_int buildNotified(cl_program program, cl_uint numDevices,
   const bool hasBegun = attempted == CL_SUCCESS;
   std::function<void()> finishLater;
   if (hasBegun)
-    finishLater = [=,
-                   late = LateBuild(numDevices, devices, options)]() mutable {
-      lookLate(program, [&] {
-        buildByAgent(program, late.deviceCount(), late.deviceList(),
-                     late.optionText(), nullptr, CL_SUCCESS, nullptr);
-      });
-      beingBuilt.reset();
-      notification->deliver(program);
-    };
+    finishLater = whereItMayWait(
+        [=, late = LateBuild(numDevices, devices, options)]() mutable {
+          lookLate(program, [&] {
+            buildByAgent(program, late.deviceCount(), late.deviceList(),
+                         late.optionText(), nullptr, CL_SUCCESS, nullptr);
+          });
+          beingBuilt.reset();
+          notification->deliver(program);
+        });
   if (!notification->hasReturned(hasBegun, std::move(finishLater)))
     return attempted;
 
@@ -100,6 +119,11 @@ void corvane::layer::forgetBuildsBeforeCollection(cl_program program) {
     forgetBuilds(program);
 }
 
+// Whether the application builds the program in this call.
+static bool isBuiltByApplication(const CallContext *call, cl_program program) {
+  return call && call->builtProgram == program;
+}
+
 // In place of the agent's first attempt to build it gets the one that the layer
 // has made. It may pass over what was built; earlier builds must not count
 // then either.
@@ -110,6 +134,8 @@ cl_int CL_API_CALL lower::clBuildProgram(cl_program program, cl_uint numDevices,
   CallContext *call = CallContext::current();
   if (const auto attempted = call ? call->takeAttempt() : std::nullopt) {
     forgetBuildsBeforeCollection(program);
+    if (*attempted == CL_SUCCESS && isBuiltByApplication(call, program))
+      bringCompanion(program, options);
     return *attempted;
   }
   const cl_int status = buildWithoutKernels([&] {
@@ -117,6 +143,8 @@ cl_int CL_API_CALL lower::clBuildProgram(cl_program program, cl_uint numDevices,
                                     notify, userData);
   });
   forgetBuildsBeforeCollection(program);
+  if (status == CL_SUCCESS && isBuiltByApplication(call, program))
+    bringCompanion(program, options);
   if (status == CL_SUCCESS && call && call->notification)
     call->notification->hear(program);
   return status;

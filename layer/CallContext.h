@@ -54,6 +54,11 @@ public:
   /// Hears of an attempt of the agent's that succeeds; null: not wanted.
   Notification *notification = nullptr;
 
+  // What the upper half tells, for the creation of a kernel.
+
+  /// The application creates a kernel, which the agent has not done yet.
+  bool createsKernel = false;
+
   // What the upper half tells, for a launch.
 
   /// The launch as the application asked for it; null in any other call.
@@ -67,6 +72,8 @@ public:
 
   /// The kernels that the agent has created, the application's among them.
   std::vector<cl_kernel> createdKernels;
+  /// The agent has asked whether it may tune the launch.
+  bool wasAsked = false;
   /// A launch has reached the runtime, whatever its kernel.
   bool hasLaunched = false;
   /// The agent has created a user event: the launch may be tuned by a thread of

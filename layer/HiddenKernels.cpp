@@ -3,6 +3,7 @@
 #include "layer/HiddenKernels.h"
 
 #include "layer/Answer.h"
+#include "layer/KnownBinaries.h"
 #include "layer/Programs.h"
 #include "layer/UpperHooks.h"
 
@@ -85,8 +86,12 @@ cl_int CL_API_CALL upper::clGetProgramInfo(cl_program program,
   const auto askRuntime = [&] {
     return runtime().clGetProgramInfo(program, name, capacity, value, length);
   };
-  if (name != CL_PROGRAM_NUM_KERNELS && name != CL_PROGRAM_KERNEL_NAMES)
-    return askRuntime();
+  if (name != CL_PROGRAM_NUM_KERNELS && name != CL_PROGRAM_KERNEL_NAMES) {
+    const cl_int status = askRuntime();
+    if (status == CL_SUCCESS && name == CL_PROGRAM_BINARIES)
+      rememberBinaries(program, value, capacity);
+    return status;
+  }
   const Names hidden = hiddenKernels(program);
   const std::optional<Names> all =
       hidden.empty() ? std::nullopt : askForNames(runtime(), program);

@@ -5,6 +5,8 @@
 #include "layer/Answer.h"
 #include "layer/Builds.h"
 #include "layer/CallContext.h"
+#include "layer/Companion.h"
+#include "layer/CompanionSettings.h"
 #include "layer/LowerHooks.h"
 #include "layer/UpperHooks.h"
 
@@ -24,10 +26,19 @@ bool corvane::layer::hasVariants(cl_kernel kernel) {
   return !kernels().read(kernel).kept.empty();
 }
 
-static void enter(cl_kernel kernel) {
+bool corvane::layer::isGenerated(cl_kernel kernel) {
+  return companionsAreWanted() && kernels().look(kernel, [](const auto &info) {
+    return info.isGenerated;
+  });
+}
+
+static void enter(cl_kernel kernel, CompanionRef companion = nullptr,
+                  bool isGenerated = false) {
   static std::atomic<std::uint64_t> lastNumber{0};
   KernelInfo info;
   info.number = ++lastNumber;
+  info.isGenerated = isGenerated;
+  info.companion = std::move(companion);
   kernels().insert(kernel, std::move(info));
 }
 
@@ -45,16 +56,42 @@ static void rememberSvm(cl_kernel kernel) {
 
 // Creation.
 
+// The application gets kernels of its program alone. Of what the agent creates
+// beside them, the generated variants are the companion's.
 cl_kernel CL_API_CALL lower::clCreateKernel(cl_program program,
                                             const char *name,
                                             cl_int *errcodeRet) {
-  cl_kernel kernel = runtime().clCreateKernel(program, name, errcodeRet);
+  CallContext *call = CallContext::current();
+  const bool isApplications = call && std::exchange(call->createsKernel, false);
+  CompanionRef companion = companionOf(program);
+  const bool isGenerated = !isApplications && companion && companion->has(name);
+  cl_kernel kernel = runtime().clCreateKernel(
+      isGenerated ? companion->parts.program : program, name, errcodeRet);
   if (!kernel)
     return kernel;
-  enter(kernel);
-  if (CallContext *call = CallContext::current())
+  enter(kernel, std::move(companion), isGenerated);
+  if (call)
     call->createdKernels.push_back(kernel);
   return kernel;
+}
+
+// Adds the companion's kernels to those of its program, if there is room for
+// all.
+static void addGenerated(const Companion &companion, cl_uint capacity,
+                         cl_kernel *created, cl_uint &count) {
+  const auto more = static_cast<cl_uint>(companion.parts.variants.size());
+  if (created && (count > capacity || more > capacity - count))
+    return;
+  if (!created) {
+    count += more;
+    return;
+  }
+  for (const std::string &name : companion.parts.variants) {
+    cl_kernel kernel = runtime().clCreateKernel(companion.parts.program,
+                                                name.c_str(), nullptr);
+    if (kernel)
+      created[count++] = kernel;
+  }
 }
 
 cl_int CL_API_CALL lower::clCreateKernelsInProgram(cl_program program,
@@ -67,6 +104,8 @@ cl_int CL_API_CALL lower::clCreateKernelsInProgram(cl_program program,
       runtime().clCreateKernelsInProgram(program, capacity, created, &count);
   if (status != CL_SUCCESS)
     return status;
+  if (const CompanionRef companion = companionOf(program))
+    addGenerated(*companion, capacity, created, count);
   if (countRet)
     *countRet = count;
   for (cl_uint i = 0; created && i < count && i < capacity; ++i)
@@ -79,6 +118,7 @@ cl_kernel CL_API_CALL upper::clCreateKernel(cl_program program,
                                             const char *name,
                                             cl_int *errcodeRet) {
   CallContext call;
+  call.createsKernel = true;
   cl_kernel kernel = agent().clCreateKernel(program, name, errcodeRet);
   if (!kernel)
     return kernel;
@@ -142,7 +182,9 @@ cl_int CL_API_CALL upper::clReleaseKernel(cl_kernel kernel) {
 
 // Answers whether the launch that this thread is in may be tuned.
 static cl_int answerTuning(const Answer &answer) {
-  const CallContext *call = CallContext::current();
+  CallContext *call = CallContext::current();
+  if (call)
+    call->wasAsked = true;
   const LaunchTuning tuning =
       call && call->launch ? call->tuning : LaunchTuning::NotNow;
   return answer.give(&tuning, sizeof tuning);

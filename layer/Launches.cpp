@@ -4,10 +4,12 @@
 
 #include "layer/Kernels.h"
 #include "layer/LowerHooks.h"
+#include "layer/TuningMode.h"
 #include "layer/UpperHooks.h"
 
 #include <algorithm>
 
+using namespace corvane;
 using namespace corvane::layer;
 
 cl_int Launch::enqueueThrough(const cl_icd_dispatch &calls) const {
@@ -55,12 +57,22 @@ cl_int CL_API_CALL upper::clEnqueueNDRangeKernel(
   if (mustRunAlone(launch))
     return launch.enqueueThrough(runtime());
   CallContext call;
+  call.launch = &launch;
   return launchThroughAgent(launch, call);
 }
 
-// Where only the application's kernel may run, it takes the place of a variant.
-// An agent that could not begin to tune does not ask, and chooses as in a
-// process that tunes nothing.
+// Whether the application's kernel takes the place of what the agent launches:
+// where nothing else may run, and where an agent that could not begin to tune
+// chooses a variant that was not measured. Such an agent does not ask.
+static bool mustBeReplaced(const CallContext &call, cl_kernel kernel) {
+  if (call.tuning == LaunchTuning::KernelOnly)
+    return true;
+  return tuningMode() == TuningMode::Tune && !call.wasAsked &&
+         isGenerated(kernel);
+}
+
+// The application knows nothing of generated variants: a failure of one must
+// not become its own.
 cl_int CL_API_CALL lower::clEnqueueNDRangeKernel(
     cl_command_queue queue, cl_kernel kernel, cl_uint workDim,
     const size_t *globalOffset, const size_t *globalSize,
@@ -68,11 +80,18 @@ cl_int CL_API_CALL lower::clEnqueueNDRangeKernel(
     cl_event *event) {
   Launch launch{queue,     kernel,    workDim,  globalOffset, globalSize,
                 localSize, waitCount, waitList, event};
-  if (CallContext *call = CallContext::current()) {
-    call->hasLaunched = true;
-    if (call->launch && call->tuning == LaunchTuning::KernelOnly)
-      launch.takeWork(*call->launch);
-  }
+  CallContext *call = CallContext::current();
+  if (!call)
+    return launch.enqueueThrough(runtime());
+  call->hasLaunched = true;
+  if (!call->launch)
+    return launch.enqueueThrough(runtime());
+  if (mustBeReplaced(*call, kernel))
+    launch.takeWork(*call->launch);
+  const cl_int status = launch.enqueueThrough(runtime());
+  if (status == CL_SUCCESS || !isGenerated(launch.kernel))
+    return status;
+  launch.takeWork(*call->launch);
   return launch.enqueueThrough(runtime());
 }
 

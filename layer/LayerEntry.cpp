@@ -5,6 +5,7 @@
 #include "base/Settings.h"
 #include "layer/AgentLibrary.h"
 #include "layer/Answer.h"
+#include "layer/CompanionSettings.h"
 #include "layer/ForkedChildren.h"
 #include "layer/LayerAgent.h"
 #include "layer/LayerHooks.h"
@@ -52,6 +53,7 @@ static std::string startAgent(LayerTable &table) {
   std::string problem;
   // The agent may move a variable once it runs.
   const TuningMode mode = tuningMode();
+  (void)companionSettings();
   const AgentLibrary library = loadAgentLibrary(problem);
   if (!problem.empty())
     return problem;

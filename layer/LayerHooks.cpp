@@ -33,6 +33,7 @@
 #include "layer/LayerHooks.h"
 
 #include "layer/CommandHooks.h"
+#include "layer/CompanionSettings.h"
 #include "layer/LowerHooks.h"
 #include "layer/TuningHooks.h"
 #include "layer/UpperHooks.h"
@@ -67,6 +68,11 @@ void corvane::layer::installLowerHooks(Table &table) {
   replace(table.clGetKernelInfo, lower::clGetKernelInfo);
   replace(table.clEnqueueNDRangeKernel, lower::clEnqueueNDRangeKernel);
   replace(table.clCreateUserEvent, lower::clCreateUserEvent);
+  if (!companionsAreWanted())
+    return;
+  replace(table.clGetProgramInfo, lower::clGetProgramInfo);
+  replace(table.clGetProgramBuildInfo, lower::clGetProgramBuildInfo);
+  replace(table.clGetKernelArgInfo, lower::clGetKernelArgInfo);
 }
 
 void corvane::layer::installUpperHooks(Table &table) {
@@ -103,6 +109,11 @@ void corvane::layer::installUpperHooks(Table &table) {
   replace(table.clGetEventProfilingInfo, upper::clGetEventProfilingInfo);
   replace(table.clCreateBufferWithProperties,
           upper::clCreateBufferWithProperties);
+  if (!companionsAreWanted())
+    return;
+  replace(table.clGetContextInfo, upper::clGetContextInfo);
+  leadPast(table.clGetKernelArgInfo, lower::clGetKernelArgInfo,
+           runtime().clGetKernelArgInfo);
 }
 
 template <auto Entry, typename Kind> static void command(Table &table) {

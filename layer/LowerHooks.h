@@ -43,6 +43,24 @@ cl_int CL_API_CALL clEnqueueNDRangeKernel(
     const size_t *localSize, cl_uint waitCount, const cl_event *waitList,
     cl_event *event);
 
+// Only where programs may have companions.
+
+cl_int CL_API_CALL clGetProgramInfo(cl_program program, cl_program_info name,
+                                    size_t capacity, void *value,
+                                    size_t *length);
+
+cl_int CL_API_CALL clGetProgramBuildInfo(cl_program program,
+                                         cl_device_id device,
+                                         cl_program_build_info name,
+                                         size_t capacity, void *value,
+                                         size_t *length);
+
+cl_int CL_API_CALL clGetKernelArgInfo(cl_kernel kernel, cl_uint index,
+                                      cl_kernel_arg_info name, size_t capacity,
+                                      void *value, size_t *length);
+
+// Of tuned launches.
+
 cl_event CL_API_CALL clCreateUserEvent(cl_context context, cl_int *errcodeRet);
 
 } // namespace corvane::layer::lower

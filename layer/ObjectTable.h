@@ -24,7 +24,8 @@ enum class Release {
 /// while commands and other objects use an object, and may do so for any length
 /// of time.
 ///
-/// Any thread may call; the lock is not held across calls to OpenCL. In a
+/// Any thread may call; the lock is not held across calls to OpenCL, nor while
+/// an entry is destroyed. In a
 /// forked child, where a thread that is gone may have locked it, the table is
 /// taken for empty: the agent passes the calls of a child on to the layer.
 template <typename Handle, typename Info> class ObjectTable {
@@ -34,10 +35,11 @@ public:
   bool insert(Handle object, Info info, cl_uint references = 1) {
     if (inForkedChild())
       return false;
+    Entry added{references, std::move(info)};
     std::lock_guard<std::mutex> guard(lock);
-    const auto result =
-        entries.insert_or_assign(object, Entry{references, std::move(info)});
-    return !result.second;
+    const auto [entry, isNew] = entries.try_emplace(object);
+    std::swap(entry->second, added); // the old one goes when the lock is free
+    return !isNew;
   }
 
   bool has(Handle object) const {
@@ -66,6 +68,16 @@ public:
     return entry == entries.end() ? Info() : entry->second.info;
   }
 
+  /// What \p look says of the information, or of an empty one for an object
+  /// that is not in the table.
+  template <typename Look> auto look(Handle object, Look look) const {
+    if (inForkedChild())
+      return look(Info());
+    std::lock_guard<std::mutex> guard(lock);
+    const auto entry = entries.find(object);
+    return entry == entries.end() ? look(Info()) : look(entry->second.info);
+  }
+
   /// Has \p edit change the information about an object that is in the table.
   template <typename Edit> void edit(Handle object, Edit edit) {
     if (inForkedChild())
@@ -81,10 +93,12 @@ public:
   template <typename IsMeant> bool erase(Handle object, IsMeant isMeant) {
     if (inForkedChild())
       return false;
+    Entry erased;
     std::lock_guard<std::mutex> guard(lock);
     const auto entry = entries.find(object);
     if (entry == entries.end() || !isMeant(entry->second.info))
       return false;
+    std::swap(entry->second, erased);
     entries.erase(entry);
     return true;
   }
@@ -103,19 +117,21 @@ public:
   Release release(Handle object) {
     if (inForkedChild())
       return Release::Unknown;
+    Entry released;
     std::lock_guard<std::mutex> guard(lock);
     const auto entry = entries.find(object);
     if (entry == entries.end())
       return Release::Unknown;
     if (--entry->second.references != 0)
       return Release::Alive;
+    std::swap(entry->second, released);
     entries.erase(entry);
     return Release::Last;
   }
 
 private:
   struct Entry {
-    cl_uint references;
+    cl_uint references = 0;
     Info info;
   };
 

@@ -2,6 +2,8 @@
 
 #include "layer/Programs.h"
 
+#include "layer/Companion.h"
+#include "layer/KnownBinaries.h"
 #include "layer/UpperHooks.h"
 
 #include <algorithm>
@@ -20,6 +22,7 @@ void corvane::layer::forgetBuilds(cl_program program) {
 }
 
 void corvane::layer::enterNewProgram(cl_program program) {
+  forgetCompanion(program);
   if (programs().insert(program, ProgramInfo()))
     forgetBuilds(program);
 }
@@ -54,9 +57,11 @@ cl_program CL_API_CALL upper::clCreateProgramWithBinary(
     cl_context context, cl_uint numDevices, const cl_device_id *devices,
     const size_t *lengths, const unsigned char **binaries, cl_int *binaryStatus,
     cl_int *errcodeRet) {
-  return entered(agent().clCreateProgramWithBinary(context, numDevices, devices,
-                                                   lengths, binaries,
-                                                   binaryStatus, errcodeRet));
+  cl_program program = entered(
+      agent().clCreateProgramWithBinary(context, numDevices, devices, lengths,
+                                        binaries, binaryStatus, errcodeRet));
+  recogniseBinaries(program, numDevices, lengths, binaries);
+  return program;
 }
 
 cl_program CL_API_CALL upper::clCreateProgramWithBuiltInKernels(

@@ -5,10 +5,17 @@
 #include "layer/LayerTable.h"
 #include "layer/ObjectTable.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
+namespace corvane {
+struct ProgramOrigin;
+}
+
 namespace corvane::layer {
+
+class Companion;
 
 /// A program that the application holds.
 struct ProgramInfo {
@@ -16,6 +23,11 @@ struct ProgramInfo {
   std::vector<std::string> hidden;
   /// Builds and links of it that the agent has not seen the end of.
   unsigned builds = 0;
+  /// Of the latest build; null if it has none.
+  std::shared_ptr<const Companion> companion;
+  bool isFromBinary = false;
+  /// What the binary was made of; null if it is not known, or is no binary.
+  std::shared_ptr<const ProgramOrigin> origin;
 };
 
 /// The programs that the application may have built. The agent keeps records

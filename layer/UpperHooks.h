@@ -56,6 +56,11 @@ cl_int CL_API_CALL clGetProgramInfo(cl_program program, cl_program_info name,
                                     size_t capacity, void *value,
                                     size_t *length);
 
+/// Only where programs may have companions.
+cl_int CL_API_CALL clGetContextInfo(cl_context context, cl_context_info name,
+                                    size_t capacity, void *value,
+                                    size_t *length);
+
 // Kernels.
 
 cl_kernel CL_API_CALL clCreateKernel(cl_program program, const char *name,
