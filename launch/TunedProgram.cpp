@@ -4,6 +4,7 @@
 
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
+#include "base/CompanionQuery.h"
 #include "programs/CreatedKernels.h"
 #include "programs/DeviceIdentity.h"
 #include "programs/ProgramIdentity.h"
@@ -78,6 +79,7 @@ static ProgramLine describe(cl_program program, cl_device_id device,
   describeKernels(programText(program, CL_PROGRAM_KERNEL_NAMES), line);
   std::string log = buildText(program, device, CL_PROGRAM_BUILD_LOG);
   line.spills = screenBuildLog(log.data());
+  line.whyNotGenerated = programText(program, whyNotGeneratedQuery);
   return line;
 }
 

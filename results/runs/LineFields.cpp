@@ -115,6 +115,7 @@ ProgramLine corvane::readProgram(JsonFields &fields) {
   line.kernels = readList(fields, "kernels", readKernelVariants);
   line.lookAlikes = readList(fields, "lookAlikes", readLookAlike);
   line.spills = fields.flag("spills");
+  line.whyNotGenerated = optionalText(fields, "notGenerated");
   return line;
 }
 

@@ -68,6 +68,8 @@ struct ProgramLine {
   std::vector<KernelVariants> kernels;
   std::vector<LookAlike> lookAlikes;
   bool spills = false; ///< the build log complains of a variant's registers
+  /// Why it has no generated variants; empty if it has, or none were wanted.
+  std::string whyNotGenerated;
 };
 
 /// What the conditions of one variant say to the sizes of a configuration.

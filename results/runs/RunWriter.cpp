@@ -75,6 +75,8 @@ static void write(json::OStream &out, const ProgramLine &line) {
       });
   });
   out.attribute("spills", line.spills);
+  if (!line.whyNotGenerated.empty())
+    writeTextField(out, "notGenerated", line.whyNotGenerated);
 }
 
 static void write(json::OStream &out, const ConfigurationLine &line) {
