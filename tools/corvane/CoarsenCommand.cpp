@@ -1,10 +1,8 @@
 // corvane coarsen: becomes corvane-coarsen, which holds the compiler.
 
 #include "tools/corvane/Command.h"
+#include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
-
-#include "llvm/Support/FileSystem.h"
-#include "llvm/Support/Path.h"
 
 using namespace corvane;
 
@@ -15,17 +13,14 @@ static void addOption(Program &words, const char *name,
 }
 
 int corvane::coarsen(const CoarsenOptions &options) {
-  const std::string self = ownProgram();
-  llvm::SmallString<256> tool(llvm::sys::path::parent_path(self));
-  llvm::sys::path::append(tool,
-                          "corvane-coarsen" + llvm::sys::path::extension(self));
-  if (!llvm::sys::fs::exists(tool)) {
-    say(tool + " is not there: build it with Clang's libraries (on Debian: "
-               "apt-get install libclang-14-dev)");
+  const std::optional<std::string> tool = findGenerator();
+  if (!tool) {
+    say("corvane-coarsen is not there: build it with Clang's "
+        "libraries (on Debian: apt-get install libclang-14-dev)");
     return CommandFailed;
   }
 
-  Program words{tool.str().str(), options.file};
+  Program words{*tool, options.file};
   addOption(words, "--plans", options.plans);
   addOption(words, "--output", options.output);
   addOption(words, "--refusals", options.refusals);
@@ -33,6 +28,6 @@ int corvane::coarsen(const CoarsenOptions &options) {
   words.insert(words.end(), options.build.begin(), options.build.end());
   const ProgramEnd end = become(words);
   if (!end.started)
-    say(tool + ": " + end.whyNot);
+    say(*tool + ": " + end.whyNot);
   return end.exitCode;
 }

@@ -29,6 +29,7 @@ struct TuneOptions {
   std::string samples; ///< empty: not given, so are the next two
   std::string verify;
   std::string seconds;
+  bool generates = true; ///< variants of programs that are built from source
 };
 
 struct RunOptions {

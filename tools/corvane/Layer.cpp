@@ -35,6 +35,15 @@ std::optional<std::string> corvane::findLayer() {
   return std::nullopt;
 }
 
+std::optional<std::string> corvane::findGenerator() {
+  const std::string self = ownProgram();
+  llvm::SmallString<256> file(path::parent_path(self));
+  path::append(file, "corvane-coarsen" + path::extension(self));
+  if (!fs::exists(file))
+    return std::nullopt;
+  return file.str().str();
+}
+
 void corvane::addLayer(const std::string &layer) {
   const auto variable = llvm::sys::Process::GetEnv(layersVariable);
   const std::string present = variable ? *variable : std::string();

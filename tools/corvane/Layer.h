@@ -11,6 +11,10 @@ namespace corvane {
 /// the folder "lib" beside its own. None if it is in neither.
 std::optional<std::string> findLayer();
 
+/// The full path of corvane-coarsen, beside this program; none if it is not
+/// there.
+std::optional<std::string> findGenerator();
+
 /// Adds \p layer to the layers that the environment names already.
 void addLayer(const std::string &layer);
 

@@ -3,6 +3,7 @@
 #include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
 #include "tools/corvane/TunedFolder.h"
+#include "tools/corvane/WinningVariants.h"
 
 #include "base/RegularFile.h"
 #include "base/Settings.h"
@@ -10,9 +11,21 @@
 #include "results/profile/ProfileFile.h"
 
 #include "llvm/Support/FileSystem.h"
+#include "llvm/Support/Path.h"
 
 using namespace corvane;
 namespace fs = llvm::sys::fs;
+
+// What was generated for the profile's programs lies beside it.
+static void setVariants(const std::string &profile) {
+  removeVariable(variable::generate);
+  removeVariable(variable::variants);
+  const std::string variants = variantsFolder(
+      fs::is_directory(profile) ? profile
+                                : llvm::sys::path::parent_path(profile).str());
+  if (fs::is_directory(variants))
+    setVariable(variable::variants, variants);
+}
 
 // The library would refuse it too, but only when the program runs already.
 static bool isUsable(const std::string &profile) {
@@ -36,6 +49,7 @@ int corvane::run(const RunOptions &options, const Program &program) {
   if (!isUsable(profile) || !requireLayer())
     return CommandFailed;
   setVariable(variable::profile, profile);
+  setVariants(profile);
   if (options.summary)
     setVariable(variable::summary, "1");
 

@@ -4,6 +4,7 @@
 #include "tools/corvane/Process.h"
 #include "tools/corvane/TuneTable.h"
 #include "tools/corvane/TunedFolder.h"
+#include "tools/corvane/WinningVariants.h"
 
 #include "base/Settings.h"
 
@@ -49,6 +50,27 @@ static void setVariables(const std::string &folder,
     setVariable(variable::tuneSeconds, options.seconds);
 }
 
+// Variants that other settings of the user's would bring in are none that this
+// command knows of.
+static void setGenerator(const std::string &folder,
+                         const TuneOptions &options) {
+  removeVariable(variable::generate);
+  removeVariable(variable::variants);
+  if (!options.generates)
+    return;
+  const std::optional<std::string> generator = findGenerator();
+  const std::string generated = generatedFolder(folder);
+  if (!generator)
+    say("no variants are generated, because corvane-coarsen is not beside this "
+        "program; those that programs carry are measured");
+  else if (const std::error_code error = fs::create_directories(generated))
+    say(generated + ": " + error.message());
+  else {
+    setVariable(variable::generate, *generator);
+    setVariable(variable::variants, generated);
+  }
+}
+
 // Why no launch of the program reached the layer. Asks the loader in a process
 // of its own, because a driver may end the process.
 static void tellWhyNothingRan(const std::string &layer) {
@@ -81,13 +103,20 @@ static bool hasVariants(const RunRecord &run) {
   });
 }
 
-static void tellOfLookAlikes(llvm::ArrayRef<RunRecord> runs) {
+// Why there was nothing to measure, by the first program that has a reason.
+static void tellWhyNoVariants(llvm::ArrayRef<RunRecord> runs) {
   for (const RunRecord &run : runs)
     for (const auto &[number, program] : run.programs)
       if (!program.lookAlikes.empty()) {
         const LookAlike &first = program.lookAlikes.front();
         say("no program had variants; " + first.name +
             " looks like one and is not: " + first.reason);
+        return;
+      }
+  for (const RunRecord &run : runs)
+    for (const auto &[number, program] : run.programs)
+      if (!program.whyNotGenerated.empty()) {
+        say("no program had variants: " + program.whyNotGenerated);
         return;
       }
   say("no program had variants: there was nothing to choose from");
@@ -113,13 +142,16 @@ static void tellHowToUse(llvm::ArrayRef<TunedConfiguration> configurations,
 static void conclude(const std::string &folder, const TuneOptions &options,
                      llvm::ArrayRef<RunRecord> runs) {
   const std::vector<TunedConfiguration> configurations = mergeRuns(runs);
-  if (llvm::Error error = writeProfile(folder, makeProfile(configurations))) {
+  const Profile profile = makeProfile(configurations);
+  // A program that runs meanwhile must find what the profile names.
+  writeWinningVariants(folder, profile);
+  if (llvm::Error error = writeProfile(folder, profile)) {
     say(folder +
         ": no profile could be written: " + llvm::toString(std::move(error)));
     return;
   }
   if (llvm::none_of(runs, hasVariants)) {
-    tellOfLookAlikes(runs);
+    tellWhyNoVariants(runs);
     return;
   }
   llvm::errs() << tuneTable(configurations);
@@ -137,6 +169,7 @@ int corvane::tune(const TuneOptions &options, const Program &program) {
   if (!layer || !prepareFolder(folder))
     return CommandFailed;
   setVariables(folder, options);
+  setGenerator(folder, options);
 
   const std::set<std::string> before = runNames(folder);
   const ProgramEnd end = runAndWait(program);

@@ -60,6 +60,8 @@ static CLI::App *addTune(CLI::App &commands, TuneOptions &options) {
                    "Time that tuning may add, in all")
       ->type_name("S")
       ->check(CLI::PositiveNumber);
+  command->add_flag("!--no-generate", options.generates,
+                    "Measure only the variants that programs carry");
   command->formatter(std::make_shared<CommandFormatter>(programWords));
   command->footer("Example: corvane tune --seconds 60 -- ./solve --size 512\n"
                   "Ends with the program's exit code.");

@@ -1,17 +1,9 @@
 // Programs tuned by corvane on a real OpenCL runtime, and run with what it
 // found.
 
-#include "results/profile/ProfileFile.h"
-#include "results/runs/RunReader.h"
-#include "tests/support/TempFolder.h"
-#include "tests/system/Subprocess.h"
-
-#include <gmock/gmock.h>
+#include "tests/system/tune/TunedFolderTest.h"
 
 #include <csignal>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -20,14 +12,13 @@ using testing::Contains;
 using testing::Each;
 using testing::Field;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
 namespace {
-using Words = std::vector<std::string>;
 
-class TunedProgram : public testing::Test {
+/// Programs with variants of their own, and no others.
+class TunedProgram : public TunedFolderTest {
 protected:
   /// The program of the tests with these words.
   static Words host(Words words) {
@@ -35,73 +26,17 @@ protected:
     return words;
   }
 
-  static Environment environment() {
-    std::filesystem::create_directories(KERNEL_CACHE_FOLDER);
-    return {{"POCL_CACHE_DIR", KERNEL_CACHE_FOLDER}};
+  ProgramRun tuned(const Words &command, Words options = {}) const {
+    options.emplace_back("--no-generate");
+    return TunedFolderTest::tuned(command, options);
   }
 
-  static ProgramRun alone(const Words &command) {
-    return runProgram(command, environment());
-  }
-
-  ProgramRun tuned(const Words &command, const Words &options = {}) const {
-    return corvane("tune", "--output", options, command);
-  }
-  ProgramRun run(const Words &command, const Words &options = {}) const {
-    return corvane("run", "--profile", options, command);
-  }
-
-  /// Tunes and runs a kernel, which must say what it says alone.
-  void expectSameResults(const std::string &kernel, const Words &options = {}) {
-    const ProgramRun bare = alone(host({kernel}));
-    EXPECT_EQ(bare.exitCode, 0) << bare.err;
-    EXPECT_FALSE(bare.out.empty());
-    const ProgramRun whileTuned = tuned(host({kernel}), options);
-    EXPECT_EQ(whileTuned.exitCode, 0) << whileTuned.err;
-    EXPECT_EQ(whileTuned.out, bare.out) << whileTuned.err;
-    const ProgramRun withProfile = run(host({kernel}));
-    EXPECT_EQ(withProfile.exitCode, 0) << withProfile.err;
-    EXPECT_EQ(withProfile.out, bare.out) << withProfile.err;
-  }
-
-  Profile profile() const {
-    llvm::Expected<Profile> read = readProfile(folder.read("profile.json"));
-    if (read)
-      return *read;
-    ADD_FAILURE() << llvm::toString(read.takeError());
-    return {};
-  }
-
-  /// What the profile's entries use; "original" for none.
-  std::vector<std::string> uses() const {
-    std::vector<std::string> all;
-    for (const ProfileEntry &entry : profile().entries)
-      all.push_back(entry.use.value_or("original"));
-    return all;
-  }
-
-  std::vector<RunRecord> records() const {
-    std::vector<RunRecord> all;
-    for (const auto &entry :
-         std::filesystem::directory_iterator(folder.path() / "runs")) {
-      all.push_back(readRun(readBytes(entry.path() / "run.jsonl")));
-      EXPECT_EQ(all.back().problemCount, 0U) << entry.path();
-    }
-    return all;
-  }
-
-  TempFolder folder;
-
-private:
-  ProgramRun corvane(const char *command, const char *folderOption,
-                     const Words &options, const Words &program) const {
-    Words words = {CORVANE_FILE, command, folderOption, folder.text()};
-    words.insert(words.end(), options.begin(), options.end());
-    words.push_back("--");
-    words.insert(words.end(), program.begin(), program.end());
-    return runProgram(words, environment());
+  void expectSameResults(const std::string &kernel, Words options = {}) const {
+    options.emplace_back("--no-generate");
+    TunedFolderTest::expectSameResults(host({kernel}), options);
   }
 };
+
 } // namespace
 
 TEST_F(TunedProgram, UsesAVariantThatIsFaster) {
