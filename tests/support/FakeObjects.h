@@ -35,7 +35,8 @@ struct Queue : Object {
 };
 
 struct Program : Object {
-  std::string source;  ///< empty: made of something else
+  cl_context context = nullptr; ///< null: the test made the program
+  std::string source;           ///< empty: made of something else
   std::string options; ///< of the latest build
   std::vector<Build> builds{Build{}};
   std::size_t buildCount = 0; ///< so far

@@ -50,6 +50,7 @@ std::string test::joined(const std::vector<std::string> &words) {
 
 std::string test::programInfoName(cl_program_info name) {
   switch (name) {
+    NAME(CL_PROGRAM_CONTEXT)
     NAME(CL_PROGRAM_NUM_DEVICES)
     NAME(CL_PROGRAM_DEVICES)
     NAME(CL_PROGRAM_NUM_KERNELS)

@@ -24,6 +24,13 @@ static std::vector<cl_device_id> devicesOf(World &world,
   return devices;
 }
 
+static cl_build_status buildStatusOf(const Program &program) {
+  if (!program.latest())
+    return CL_BUILD_NONE;
+  return program.latest()->status == CL_SUCCESS ? CL_BUILD_SUCCESS
+                                                : CL_BUILD_ERROR;
+}
+
 static cl_int tell(World &world, const Program &program, cl_program_info what,
                    fake::Wanted wanted) {
   const bool aboutKernels =
@@ -34,6 +41,10 @@ static cl_int tell(World &world, const Program &program, cl_program_info what,
   switch (what) {
   case CL_PROGRAM_SOURCE:
     return fake::answer(wanted, program.source);
+  case CL_PROGRAM_CONTEXT:
+    return program.context
+               ? fake::answerValue(wanted, cl_context{program.context})
+               : CL_INVALID_VALUE;
   case CL_PROGRAM_REFERENCE_COUNT:
     return answerValue(wanted, cl_uint{program.references});
   case CL_PROGRAM_NUM_DEVICES:
@@ -93,6 +104,8 @@ cl_int CL_API_CALL fake::clGetProgramBuildInfo(cl_program handle,
     return CL_INVALID_PROGRAM;
   if (what == CL_PROGRAM_BUILD_OPTIONS)
     return answer({capacity, value, size}, program->options);
+  if (what == CL_PROGRAM_BUILD_STATUS)
+    return fake::answerValue({capacity, value, size}, buildStatusOf(*program));
   if (what != CL_PROGRAM_BUILD_LOG)
     return CL_INVALID_VALUE;
   const cl_int status =

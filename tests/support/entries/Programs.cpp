@@ -44,7 +44,9 @@ cl_program CL_API_CALL fake::clCreateProgramWithSource(cl_context context,
   }
   Lock guard(world.lock);
   setStatus(status, CL_SUCCESS);
-  return handleOf(*nextOf(world, world.nextFromSource));
+  const auto program = nextOf(world, world.nextFromSource);
+  program->context = context;
+  return handleOf(*program);
 }
 
 cl_int CL_API_CALL fake::clRetainProgram(cl_program program) {

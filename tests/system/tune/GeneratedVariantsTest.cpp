@@ -189,3 +189,21 @@ TEST_F(GeneratedVariants, OfABinaryThatWasNeverSeenAreNone) {
   ASSERT_THAT(records(), SizeIs(1));
   EXPECT_EQ(records()[0].programs.begin()->second.whyNotGenerated, reason);
 }
+
+// Autotuning runs all variants that there are, which its report then names.
+TEST_F(GeneratedVariants, AreNotThereWhileTheProcessAutotunes) {
+  EXPECT_EQ(tuned(host({"scaled"})).exitCode, 0);
+  ASSERT_THAT(filesIn("variants"), SizeIs(1));
+  Environment variables = environment();
+  variables["OPENCL_LAYERS"] = LAYER_FILE;
+  variables["CORVANE_AUTOTUNE"] = folder.file("results");
+  variables["CORVANE_PROFILE"] = folder.text();
+  variables["CORVANE_VARIANTS"] = folder.file("variants");
+  variables["CORVANE_TUNE"] = folder.text();
+  variables["CORVANE_GENERATE"] = "/bin/false";
+  const ProgramRun ran = runProgram(host({"scaled"}), variables);
+  EXPECT_EQ(ran.out, alone(host({"scaled"})).out);
+  const std::string rows = folder.read("results/.auto.csv");
+  EXPECT_THAT(rows, HasSubstr("baseline"));
+  EXPECT_THAT(rows, Not(HasSubstr("g0S")));
+}
