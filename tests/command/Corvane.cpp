@@ -17,7 +17,8 @@ CorvaneTest::CorvaneTest() {
   for (const char *name :
        {"CORVANE_AUTOTUNE", "CORVANE_TUNE", "CORVANE_PROFILE",
         "CORVANE_SAMPLES", "CORVANE_VERIFY", "CORVANE_TUNE_SECONDS",
-        "CORVANE_SUMMARY", "OPENCL_LAYERS"})
+        "CORVANE_SUMMARY", "CORVANE_GENERATE", "CORVANE_VARIANTS",
+        "OPENCL_LAYERS"})
     variables.emplace_back(name, nullptr);
 }
 
@@ -65,8 +66,8 @@ CorvaneTest::corvane(std::vector<std::string> arguments) const {
 
 CorvaneTest::Outcome
 CorvaneTest::tuned(const std::vector<std::string> &arguments) const {
-  std::vector<std::string> all = {"tune", "--output", output(), "--",
-                                  APPLICATION_FILE};
+  std::vector<std::string> all = {
+      "tune", "--output", output(), "--no-generate", "--", APPLICATION_FILE};
   all.insert(all.end(), arguments.begin(), arguments.end());
   return corvane(all);
 }

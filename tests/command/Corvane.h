@@ -36,7 +36,7 @@ protected:
   Outcome corvane(std::vector<std::string> arguments) const;
 
   /// Runs "corvane tune" with the test's folder as its output, on the
-  /// application with \p arguments.
+  /// application with \p arguments. No variants are generated.
   Outcome tuned(const std::vector<std::string> &arguments) const;
 
   /// Defines a variable for the length of the test.

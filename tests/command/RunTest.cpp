@@ -38,6 +38,21 @@ TEST_F(Run, SetsTheVariables) {
                              "\nno CORVANE_TUNE\nno CORVANE_SUMMARY\n");
 }
 
+TEST_F(Run, NamesTheGeneratedVariantsOfTheTunedFolder) {
+  define("CORVANE_GENERATE", "/opt/other");
+  define("CORVANE_VARIANTS", "/opt/others");
+  EXPECT_EQ(ran({"print", "CORVANE_VARIANTS", "print", "CORVANE_GENERATE"}).out,
+            "no CORVANE_VARIANTS\nno CORVANE_GENERATE\n");
+  std::filesystem::create_directories(output() + "/variants");
+  const std::string expected =
+      "CORVANE_VARIANTS=" + written(output()) + "/variants\n";
+  EXPECT_EQ(ran({"print", "CORVANE_VARIANTS"}).out, expected);
+  EXPECT_EQ(corvane({"run", "--profile", output() + "/profile.json", "--",
+                     APPLICATION_FILE, "print", "CORVANE_VARIANTS"})
+                .out,
+            expected);
+}
+
 TEST_F(Run, AsksForASummary) {
   EXPECT_EQ(corvane({"run", "--summary", "--profile", output(), "--",
                      APPLICATION_FILE, "print", "CORVANE_SUMMARY"})

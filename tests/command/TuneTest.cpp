@@ -82,6 +82,101 @@ TEST_F(Tune, NamesTheFolderFromTheRoot) {
   EXPECT_TRUE(folder.has("corvane-tuned"));
 }
 
+#ifdef COARSENER_FILE
+TEST_F(Tune, HasVariantsGeneratedUnlessItIsToldNotTo) {
+  const std::vector<std::string> application = {"--",    APPLICATION_FILE,
+                                                "print", "CORVANE_GENERATE",
+                                                "print", "CORVANE_VARIANTS"};
+  std::vector<std::string> words = {"tune", "--output", output()};
+  words.insert(words.end(), application.begin(), application.end());
+  EXPECT_EQ(corvane(words).out, "CORVANE_GENERATE=" + written(COARSENER_FILE) +
+                                    "\nCORVANE_VARIANTS=" + written(output()) +
+                                    "/generated\n");
+  define("CORVANE_GENERATE", "/opt/other");
+  define("CORVANE_VARIANTS", "/opt/others");
+  words.insert(words.begin() + 1, "--no-generate");
+  EXPECT_EQ(corvane(words).out, "no CORVANE_GENERATE\nno CORVANE_VARIANTS\n");
+}
+#endif
+
+TEST_F(Tune, TellsThatTheGeneratorIsMissing) {
+  const std::filesystem::path corvaneFile = CORVANE_FILE;
+  const std::filesystem::path layerFile = LAYER_FILE;
+  const std::string lonely = (folder.path() / corvaneFile.filename()).string();
+  std::filesystem::copy_file(corvaneFile, lonely);
+  std::filesystem::copy_file(layerFile, folder.path() / layerFile.filename());
+  const Outcome outcome =
+      runProgram({lonely, "tune", "--output", output(), "--", APPLICATION_FILE,
+                  "print", "CORVANE_GENERATE"});
+  EXPECT_EQ(outcome.out, "no CORVANE_GENERATE\n");
+  EXPECT_THAT(outcome.err,
+              StartsWith("corvane: no variants are generated, because "
+                         "corvane-coarsen is not beside this program; those "
+                         "that programs carry are measured\n"));
+}
+
+namespace {
+/// Runs of a program for which variants were generated.
+class TuneWithGenerated : public Tune {
+protected:
+  TuneWithGenerated() {
+    std::filesystem::create_directories(output() + "/generated");
+    writeGenerated(hash + ".cl");
+  }
+
+  void writeGenerated(const std::string &name) const {
+    EXPECT_TRUE(writeBytes(output() + "/generated/" + name,
+                           "// Variants of kernels, format 1\n"
+                           "// variant 4 4 scale_coarsed_g0S4\n"
+                           "// variant 8 4 scale_coarsed_g0S8\n"
+                           "// variant 12 4 other_coarsed_g0S4\n"
+                           "// program 20\n"
+                           "top\nsca\nsc8\noth\nend\n"));
+  }
+
+  std::string recordWith(const std::string &programHash) const {
+    std::vector<RunLine> lines = fasterVariant();
+    std::get<ProgramLine>(lines[2]).hash = programHash;
+    return recordFile("r", lines);
+  }
+
+  const std::string hash = std::string(64, 'a');
+};
+} // namespace
+
+TEST_F(TuneWithGenerated, KeepsTheTextOfTheWinners) {
+  tuned({"record", "a", recordWith(hash)});
+  EXPECT_EQ(folder.read("tuned/variants/" + hash + ".cl"),
+            "// Variants of kernels, format 1\n"
+            "// variant 4 4 scale_coarsed_g0S4\n"
+            "// program 12\n"
+            "top\nsca\nend\n");
+}
+
+TEST_F(TuneWithGenerated, RemovesTheTextOfWhatWinsNoMore) {
+  std::filesystem::create_directories(output() + "/variants");
+  EXPECT_TRUE(writeBytes(output() + "/variants/" + hash + ".cl", "old"));
+  std::vector<RunLine> lines = startOfRun({{"scale", {"g0S4"}}});
+  std::get<ProgramLine>(lines[2]).hash = hash;
+  addConfiguration(lines, "scale", 100.0, 100.0);
+  tuned({"record", "a", recordFile("r", lines)});
+  EXPECT_FALSE(folder.has("tuned/variants/" + hash + ".cl"));
+}
+
+TEST_F(TuneWithGenerated, WritesNothingForAProgramWhoseHashIsNone) {
+  writeGenerated("name.cl");
+  tuned({"record", "a", recordWith("name"), "record", "b",
+         recordWith("../generated/" + hash)});
+  EXPECT_FALSE(folder.has("tuned/variants"));
+}
+
+TEST_F(TuneWithGenerated, WritesNothingWhereWhatWasGeneratedIsDamaged) {
+  EXPECT_TRUE(writeBytes(output() + "/generated/" + hash + ".cl",
+                         "// Variants of kernels, format 1\n"));
+  tuned({"record", "a", recordWith(hash)});
+  EXPECT_FALSE(folder.has("tuned/variants"));
+}
+
 TEST_F(Tune, MakesTheProfileAndATable) {
   std::vector<RunLine> lines =
       startOfRun({{"scale", {"g0S4"}}, {"copy", {"g0S4"}}, {"sort", {"g0S4"}}});
@@ -200,6 +295,13 @@ TEST_F(Tune, TellsWhenThereIsNothingToChooseFrom) {
   EXPECT_EQ(tuned({"record", "b", recordFile("r", lines)}).err,
             "corvane: no program had variants; scale_coarsed_g4 looks like one "
             "and is not: did you mean g0S4?\n");
+}
+
+TEST_F(Tune, TellsWhyNoVariantsWereGenerated) {
+  std::vector<RunLine> lines = startOfRun({{"scale", {}}});
+  std::get<ProgramLine>(lines[2]).whyNotGenerated = "it has no source";
+  EXPECT_EQ(tuned({"record", "a", recordFile("r", lines)}).err,
+            "corvane: no program had variants: it has no source\n");
 }
 
 TEST_F(Tune, TellsAVariableThatIsInItsWay) {
