@@ -18,8 +18,8 @@ public:
     forEachNode(function.getBody(),
                 [this](const clang::Stmt &node) { recordUses(node); });
     forEachNode(function.getBody(), [this](const clang::Stmt &node) {
-      if (const auto *sum = llvm::dyn_cast<clang::BinaryOperator>(&node))
-        match(*sum);
+      if (const auto *expr = llvm::dyn_cast<clang::Expr>(&node))
+        match(*expr);
     });
     // If the variable is used nowhere else, the call in it is not either.
     for (const auto &[variable, uses] : spentUses)
@@ -89,18 +89,60 @@ private:
     return use ? std::optional(Leaf{*use, call, variable}) : std::nullopt;
   }
 
-  void match(const clang::BinaryOperator &sum) {
-    if (sum.getOpcode() != clang::BO_Add || !sum.getType()->isIntegerType())
-      return;
+  /// An expression that multiplies two others and adds a third.
+  struct ProductSum {
+    const clang::Expr *first;
+    const clang::Expr *second;
+    const clang::Expr *added;
+  };
+
+  /// The arguments of a call of OpenCL's function \p name.
+  static llvm::ArrayRef<const clang::Expr *>
+  argumentsOf(const clang::Expr &expr, llvm::StringRef name) {
+    const auto *call = llvm::dyn_cast<clang::CallExpr>(&expr);
+    const clang::FunctionDecl *called =
+        call ? call->getDirectCallee() : nullptr;
+    if (!called || called->hasBody() || !called->getIdentifier() ||
+        called->getName() != name)
+      return {};
+    return {call->getArgs(), call->getNumArgs()};
+  }
+
+  /// The factors of a product, or nothing.
+  static llvm::SmallVector<const clang::Expr *, 2>
+  factorsOf(const clang::Expr &expr) {
+    const auto *product = llvm::dyn_cast<clang::BinaryOperator>(&expr);
+    if (product && product->getOpcode() == clang::BO_Mul)
+      return {product->getLHS(), product->getRHS()};
+    const auto arguments = argumentsOf(expr, "mul24");
+    return {arguments.begin(), arguments.end()};
+  }
+
+  /// Every way to see an expression as such a sum.
+  llvm::SmallVector<ProductSum, 2> sumsIn(const clang::Expr &expr) const {
+    llvm::SmallVector<ProductSum, 2> sums;
+    if (const auto all = argumentsOf(expr, "mad24"); all.size() == 3)
+      sums.push_back({all[0], all[1], all[2]});
+    const auto *sum = llvm::dyn_cast<clang::BinaryOperator>(&expr);
+    if (!sum || sum->getOpcode() != clang::BO_Add)
+      return sums;
     for (const bool turned : {false, true}) {
-      const clang::Expr &left = turned ? *sum.getRHS() : *sum.getLHS();
-      const clang::Expr &right = turned ? *sum.getLHS() : *sum.getRHS();
-      const auto *product = llvm::dyn_cast<clang::BinaryOperator>(bare(left));
-      if (!product || product->getOpcode() != clang::BO_Mul)
-        continue;
-      std::optional<Leaf> group = leafOf(*product->getLHS());
-      std::optional<Leaf> size = leafOf(*product->getRHS());
-      const std::optional<Leaf> local = leafOf(right);
+      const clang::Expr &left = turned ? *sum->getRHS() : *sum->getLHS();
+      const clang::Expr &right = turned ? *sum->getLHS() : *sum->getRHS();
+      const auto factors = factorsOf(*bare(left));
+      if (factors.size() == 2)
+        sums.push_back({factors[0], factors[1], &right});
+    }
+    return sums;
+  }
+
+  void match(const clang::Expr &expr) {
+    if (!expr.getType()->isIntegerType())
+      return;
+    for (const ProductSum &sum : sumsIn(expr)) {
+      std::optional<Leaf> group = leafOf(*sum.first);
+      std::optional<Leaf> size = leafOf(*sum.second);
+      const std::optional<Leaf> local = leafOf(*sum.added);
       if (!group || !size || !local)
         continue;
       if (group->use.kind != BuiltinKind::GroupId)
@@ -110,7 +152,7 @@ private:
           local->use.kind != BuiltinKind::LocalId ||
           group->use.dim != size->use.dim || group->use.dim != local->use.dim)
         continue;
-      result.forms[&sum] = group->use.dim;
+      result.forms[&expr] = group->use.dim;
       for (const Leaf &leaf : {*group, *size, *local})
         if (leaf.variable)
           ++spentUses[leaf.variable];

@@ -133,6 +133,17 @@ TEST(Variance, SeesTheGlobalIdInGroupsAndSizes) {
             "differs: g\n");
 }
 
+TEST(Variance, SeesTheGlobalIdInProductsOf24Bits) {
+  EXPECT_EQ(analysis("kernel void k(global int *a) {\n"
+                     "int i = mad24((int)get_group_id(0),\n"
+                     "(int)get_local_size(0), (int)get_local_id(0));\n"
+                     "int j = (int)get_local_id(0) +\n"
+                     "mul24((int)get_local_size(0), (int)get_group_id(0));\n"
+                     "a[i] = j; }",
+                     "adjacent:g0S2"),
+            "differs: i\ndiffers: j\n");
+}
+
 TEST(Variance, SeesNoGlobalIdWhereAPartIsUsedAloneAsWell) {
   const auto result =
       coarsened("kernel void k(global int *a) { int l = get_local_id(0);\n"

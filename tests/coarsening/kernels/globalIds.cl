@@ -20,3 +20,15 @@ uint where(uint extra) {
 __kernel void helped(__global const int *in, __global int *out) {
   out[where(0)] = in[where(3) & 1023] + get_num_groups(0);
 }
+//! kernel multiplied
+//! arguments buffer int 1024, buffer int 1024
+//! launch 1024 / 64
+//! launch 1008 / 16
+//! launch 768 / 32 + 256
+__kernel void multiplied(__global const int *in, __global int *out) {
+  const int at = mad24((int)get_group_id(0), (int)get_local_size(0),
+                       (int)get_local_id(0));
+  const int lid = get_local_id(0);
+  const uint same = mul24(get_local_size(0), get_group_id(0)) + lid;
+  out[at] += in[same];
+}
