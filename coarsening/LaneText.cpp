@@ -161,12 +161,31 @@ void LaneText::dropRestrict(Span span, std::vector<Edit> &edits) const {
   }
 }
 
+/// Local memory is declared first, before the kernel's constants that may give
+/// its size.
+void LaneText::foldSizes(const clang::VarDecl &variable,
+                         std::vector<Edit> &edits) const {
+  const clang::TypeSourceInfo *written = variable.getTypeSourceInfo();
+  if (!written || !isLocal(variable))
+    return;
+  auto array = written->getTypeLoc().getAsAdjusted<clang::ArrayTypeLoc>();
+  for (; array;
+       array = array.getElementLoc().getAsAdjusted<clang::ArrayTypeLoc>()) {
+    const clang::Expr *size = array.getSizeExpr();
+    clang::Expr::EvalResult value;
+    if (size && size->EvaluateAsInt(value, text.context()))
+      edits.push_back({text.spanOf(*size),
+                       std::to_string(value.Val.getInt().getZExtValue())});
+  }
+}
+
 void LaneText::editDeclaration(const clang::DeclStmt &declaration,
                                const Voice &voice, std::vector<Edit> &edits) {
   for (const clang::Decl *declared : declaration.decls()) {
     const auto *variable = llvm::dyn_cast<clang::VarDecl>(declared);
     if (!variable)
       continue;
+    foldSizes(*variable, edits);
     const std::string name = nameOf(*variable, voice);
     if (name == variable->getName())
       continue;
@@ -325,6 +344,7 @@ std::string LaneText::declare(const Declaration &declaration,
                               const Voice &voice) {
   const clang::VarDecl &variable = *declarator.variable;
   std::vector<Edit> edits;
+  foldSizes(variable, edits);
   const std::string name = nameOf(variable, voice);
   const Span span = text.spanOfName(variable.getLocation(), variable.getName());
   if (name != variable.getName()) {

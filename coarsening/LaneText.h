@@ -115,6 +115,8 @@ private:
   std::string idText(const IdUse &use, const Voice &voice);
   std::string need(const IdUse &use, const Voice &voice);
   void dropRestrict(Span span, std::vector<Edit> &edits) const;
+  void foldSizes(const clang::VarDecl &variable,
+                 std::vector<Edit> &edits) const;
   Span declaratorOf(const clang::VarDecl &variable) const;
 
   const ProgramText &text;
