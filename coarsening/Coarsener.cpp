@@ -1,6 +1,7 @@
 // Runs all stages for one program, and puts the variants after its source.
 #include "coarsening/Coarsener.h"
 
+#include "coarsening/EarlyReturns.h"
 #include "coarsening/Inline.h"
 #include "coarsening/KernelText.h"
 #include "coarsening/Preprocess.h"
@@ -128,25 +129,31 @@ static std::string join(llvm::StringRef source, llvm::StringRef variants,
 /// Calls inside calls are put in from the inside, one level at a time.
 constexpr unsigned deepestCalls = 8;
 
+/// The program in a form that gives better variants, or nothing if it is.
+static std::optional<std::string> rewritten(const clang::ASTContext &context) {
+  std::optional<std::string> text = inlineBarriers(context);
+  return text ? text : withoutEarlyReturns(context);
+}
+
 /// Makes the variants of a preprocessed program; their text is the result.
 static std::string makeVariants(std::string text, const BuildOptions &options,
                                 llvm::ArrayRef<Plan> plans, Coarsened &result,
                                 std::optional<ProgramError> &error) {
   std::string variants;
   for (unsigned depth = 0; depth <= deepestCalls && !error; ++depth) {
-    std::optional<std::string> inlined;
+    std::optional<std::string> better;
     error = parseProgram(text, options, [&](clang::ASTContext &context) {
       if (depth < deepestCalls)
-        inlined = inlineBarriers(context);
-      if (inlined)
+        better = rewritten(context);
+      if (better)
         return;
       Run run(context, result);
       run.make(plans);
       variants = std::move(run.text);
     });
-    if (!inlined)
+    if (!better)
       break;
-    text = std::move(*inlined);
+    text = std::move(*better);
   }
   return variants;
 }

@@ -164,19 +164,20 @@ static const char groupBarrier[] =
     "barrier(CLK_LOCAL_MEM_FENCE | CLK_GLOBAL_MEM_FENCE);\n";
 
 /// Asks for each lane whether it takes the guarded region, and chooses between
-/// the jammed one and copies.
+/// the jammed one, a jammed `else` and copies.
 std::string
 JamWriter::guarded(const Guard &guard, const clang::IfStmt &branch,
                    const std::string &together,
                    llvm::function_ref<std::string(const Voice &)> alone) {
   const bool ends = onlyReturns(branch);
   const std::string flag = "on" + std::to_string(guardCount++) + "_";
-  std::string asked, all;
+  std::string asked, all, none;
   for (unsigned lane = 0; lane < plan.lanes(); ++lane) {
     const std::string name = lanes.newNames().numbered(flag, lane);
     asked += "const bool " + name + " = " + (ends ? "!(" : "(") +
              lanes.expression(*branch.getCond(), Voice::of(lane)) + ");\n";
     all += (lane == 0 ? "" : " && ") + name;
+    none += (lane == 0 ? "" : " || ") + name;
   }
   std::string words = "{\n" + asked;
   // At a barrier a whole work-group takes the same way, and the lanes of a
@@ -190,6 +191,8 @@ JamWriter::guarded(const Guard &guard, const clang::IfStmt &branch,
       words += "else {\n" + jam(*other) + "}\n";
     return words + "}\n";
   }
+  if (other)
+    words += "else if (!(" + none + ")) {\n" + jam(*other) + "}\n";
   words += "else {\n";
   for (unsigned lane = 0; lane < plan.lanes(); ++lane) {
     Voice voice = Voice::of(lane);

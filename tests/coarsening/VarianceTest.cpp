@@ -78,10 +78,20 @@ TEST(Variance, CopiesEverythingAfterSomeHaveReturned) {
   EXPECT_EQ(analysis("kernel void k(global int *a, int n) {\n"
                      "int i = get_global_id(0);\n"
                      "a[i] = 1;\n"
-                     "if (a[i] > n) { a[i] = 2; return; }\n"
+                     "if (a[i] > n) { if (a[i] > 7) return; a[i] = 2; }\n"
                      "a[i] = 3; }",
                      "g0S2"),
             "differs: i\ncopied to the end: from line 4\n");
+}
+
+TEST(Variance, SeesAGuardInABranchThatWorksAndReturns) {
+  EXPECT_EQ(analysis("kernel void k(global int *a, int n) {\n"
+                     "int i = get_global_id(0);\n"
+                     "a[i] = 1;\n"
+                     "if (a[i] > n) { a[i] = 2; return; }\n"
+                     "a[i] = 3; }",
+                     "g0S2"),
+            "differs: i\nguard: line 4\n");
 }
 
 TEST(Variance, SharesLocalMemoryThatIsTheSameInEveryGroup) {

@@ -29,6 +29,7 @@ __kernel void multiplied(__global const int *in, __global int *out) {
   const int at = mad24((int)get_group_id(0), (int)get_local_size(0),
                        (int)get_local_id(0));
   const int lid = get_local_id(0);
-  const uint same = mul24(get_local_size(0), get_group_id(0)) + lid;
+  const int same =
+      mul24((int)get_local_size(0), (int)get_group_id(0)) + lid;
   out[at] += in[same];
 }
