@@ -63,6 +63,9 @@ cl_uint companionsIn(cl_context context);
 /// wanted. Takes as long as the generator and a second build do.
 void bringCompanion(cl_program program, const char *options) noexcept;
 
+/// Says of \p program, which was just linked, that there are no variants of it.
+void forgoCompanion(cl_program program) noexcept;
+
 /// What the program was made of, if it is a binary that the layer knows; else
 /// null. Asks nothing of the runtime.
 std::shared_ptr<const ProgramOrigin> originOf(cl_program program);

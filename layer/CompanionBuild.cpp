@@ -259,3 +259,15 @@ void corvane::layer::bringCompanion(cl_program program,
     // Then the kernels run as they are.
   }
 }
+
+void corvane::layer::forgoCompanion(cl_program program) noexcept {
+  if (!companionsAreWanted() || !program)
+    return;
+  try {
+    CompanionParts parts;
+    parts.whyNone = "it was linked from compiled programs";
+    setCompanion(program, std::make_shared<const Companion>(std::move(parts)));
+  } catch (const std::bad_alloc &) {
+    // Then no reason is told.
+  }
+}

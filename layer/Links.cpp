@@ -2,6 +2,7 @@
 
 #include "layer/Builds.h"
 #include "layer/CallContext.h"
+#include "layer/Companion.h"
 #include "layer/HiddenKernels.h"
 #include "layer/LowerHooks.h"
 #include "layer/Notification.h"
@@ -58,6 +59,7 @@ static cl_program linkNotified(cl_context context, cl_uint numDevices,
   std::function<void()> finishLater;
   if (attempted) {
     enterNewProgram(attempted);
+    forgoCompanion(attempted);
     beingBuilt = std::make_shared<BeingBuilt>(attempted);
     finishLater = [=,
                    late = LateBuild(numDevices, devices, options)]() mutable {
@@ -114,6 +116,7 @@ cl_program CL_API_CALL lower::clLinkProgram(
   if (!program)
     return program;
   enterNewProgram(program);
+  forgoCompanion(program);
   if (call && call->notification)
     call->notification->hear(program);
   return program;

@@ -190,6 +190,15 @@ TEST_F(GeneratedVariants, OfABinaryThatWasNeverSeenAreNone) {
   EXPECT_EQ(records()[0].programs.begin()->second.whyNotGenerated, reason);
 }
 
+TEST_F(GeneratedVariants, OfALinkedProgramAreNone) {
+  const std::string bare = alone(host({"linked"})).out;
+  const ProgramRun ran = tuned(host({"linked"}));
+  EXPECT_EQ(ran.out, bare);
+  ASSERT_THAT(records(), SizeIs(1));
+  EXPECT_EQ(records()[0].programs.begin()->second.whyNotGenerated,
+            "it was linked from compiled programs");
+}
+
 // Autotuning runs all variants that there are, which its report then names.
 TEST_F(GeneratedVariants, AreNotThereWhileTheProcessAutotunes) {
   EXPECT_EQ(tuned(host({"scaled"})).exitCode, 0);

@@ -239,6 +239,20 @@ static void notified() {
   launchKernel(session, makeKernel(program, "scaled"), "notified");
 }
 
+static void linked() {
+  const Session session;
+  const Program compiled = makeProgram(session.context());
+  check(clCompileProgram(compiled.get(), 0, nullptr, "", 0, nullptr, nullptr,
+                         nullptr, nullptr),
+        "clCompileProgram");
+  const cl_program input = compiled.get();
+  cl_int status = CL_SUCCESS;
+  const Program program(clLinkProgram(session.context(), 0, nullptr, "", 1,
+                                      &input, nullptr, nullptr, &status));
+  check(status, "clLinkProgram");
+  launchKernel(session, makeKernel(program, "scaled"), "linked");
+}
+
 static void store(const char *file) {
   const Session session;
   const Program program = makeProgram(session.context());
@@ -287,6 +301,7 @@ int main(int argumentCount, char **arguments) {
       {"contexts", contexts},
       {"threads", threads},
       {"notified", notified},
+      {"linked", linked},
       {"store", [=] { store(file); }},
       {"load", [=] { load(file); }},
   };
