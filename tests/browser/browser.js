@@ -42,12 +42,15 @@ function listen(page) {
   return complaints;
 }
 
+/// A browser with an empty profile.
+const launchBrowser = () => chromium.launch(
+  { executablePath: findChromium(), chromiumSandbox: false, args: flags });
+
 class Report {
   /// Starts a browser with an empty profile and opens the report in it.
   static async open() {
     const report = new Report();
-    report.browser = await chromium.launch(
-      { executablePath: findChromium(), chromiumSandbox: false, args: flags });
+    report.browser = await launchBrowser();
     report.page = await report.browser.newPage(
       { viewport: { width: 1440, height: 900 } });
     report.complaints = listen(report.page);
@@ -83,4 +86,4 @@ class Report {
   async close() { await this.browser.close(); }
 }
 
-module.exports = { Report };
+module.exports = { Report, launchBrowser, listen };
