@@ -81,6 +81,13 @@ std::string CorvaneTest::recordFile(const std::string &name,
   return folder.file(name);
 }
 
+std::string CorvaneTest::tunedFolder(const std::string &name,
+                                     const std::vector<RunLine> &lines) const {
+  std::filesystem::create_directories(folder.path() / name / "runs" / "a");
+  recordFile(name + "/runs/a/run.jsonl", lines);
+  return folder.file(name);
+}
+
 std::vector<RunLine> test::startOfRun(std::vector<KernelVariants> kernels) {
   DeviceLine device;
   device.name = "device";

@@ -48,6 +48,11 @@ protected:
   std::string recordFile(const std::string &name,
                          const std::vector<RunLine> &lines) const;
 
+  /// Makes a tuned folder with the record of one run called "a"; returns its
+  /// path.
+  std::string tunedFolder(const std::string &name,
+                          const std::vector<RunLine> &lines) const;
+
   std::string output() const { return folder.file("tuned"); }
   std::string profile() const { return folder.read("tuned/profile.json"); }
 

@@ -31,6 +31,18 @@ TEST_F(CorvaneHelp, ShowsEachCommandWithAnExample) {
               AllOf(HasSubstr("--plans"), HasSubstr("--output"),
                     HasSubstr("--refusals"),
                     HasSubstr("Example: corvane coarsen")));
+  EXPECT_THAT(corvane({"report", "--help"}).out,
+              AllOf(HasSubstr("--output"), HasSubstr("--json"),
+                    HasSubstr("--csv"), HasSubstr("--t4"),
+                    HasSubstr("Example: corvane report")));
+  EXPECT_THAT(corvane({"explain", "--help"}).out,
+              HasSubstr("Example: corvane explain"));
+  EXPECT_THAT(
+      corvane({"merge", "--help"}).out,
+      AllOf(HasSubstr("--output"), HasSubstr("Example: corvane merge")));
+  EXPECT_THAT(
+      corvane({"diff", "--help"}).out,
+      AllOf(HasSubstr("--fail-on-slower"), HasSubstr("Example: corvane diff")));
 }
 
 TEST_F(CorvaneHelp, TellsTheVersion) {
@@ -51,7 +63,15 @@ TEST_F(CorvaneHelp, RefusesArgumentsInOneLine) {
         {"tune", "--"},
         {"run"},
         {"coarsen"},
-        {"coarsen", "a.cl", "b.cl"}}) {
+        {"coarsen", "a.cl", "b.cl"},
+        {"report", ".", "--", "x"},
+        {"explain", "a", "b", "c"},
+        {"merge", "a"},
+        {"merge", "-o", "a"},
+        {"diff", "a"},
+        {"diff", "a", "b", "--fail-on-slower", "much"},
+        {"diff", "a", "b", "--fail-on-slower", "-5%"},
+        {"diff", "a", "b", "--fail-on-slower", "%"}}) {
     const Outcome outcome = corvane(arguments);
     EXPECT_EQ(outcome.exitCode, 125);
     EXPECT_EQ(outcome.out, "");

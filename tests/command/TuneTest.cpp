@@ -28,6 +28,11 @@ protected:
     ADD_FAILURE() << llvm::toString(read.takeError());
     return {};
   }
+
+  /// The last line of what is said when a report was written.
+  std::string reportLine() const {
+    return "corvane: the report is in " + written(output()) + "/report.html\n";
+  }
 };
 } // namespace
 
@@ -198,7 +203,7 @@ copy    1024 / 64  original  20.00 ms            no difference
 sort    1024 / 64  original   3.00 ms            nothing to choose from  1 of 1 variants different
 scale   1024 / 64  g0S4      100.0 us   50.0 us  2.00x (2.00x to 2.00x)  equal
 corvane: less than 1 % of kernel time saved; to use it: corvane run --profile )" +
-                                    output() + " -- PROGRAM\n");
+                                    output() + " -- PROGRAM\n" + reportLine());
   const Profile read = made();
   ASSERT_EQ(read.entries.size(), 3U);
   EXPECT_EQ(read.entries[0].kernel, "copy");
@@ -213,7 +218,14 @@ TEST_F(Tune, TellsHowMuchItSavesAndHowToUseIt) {
   EXPECT_THAT(outcome.err,
               EndsWith("corvane: 50 % of kernel time saved; to use it: corvane "
                        "run --profile " +
-                       output() + " -- PROGRAM\n"));
+                       output() + " -- PROGRAM\n" + reportLine()));
+}
+
+TEST_F(Tune, LeavesAReportWithTheCommand) {
+  tuned({"record", "a", recordFile("r", fasterVariant()), "say", "two words"});
+  EXPECT_THAT(folder.read("tuned/report.html"),
+              AllOf(StartsWith("<!DOCTYPE html>"), HasSubstr("\"scale\""),
+                    HasSubstr("\"two words\"")));
 }
 
 TEST_F(Tune, TellsWhenItSavesNothing) {
@@ -221,7 +233,7 @@ TEST_F(Tune, TellsWhenItSavesNothing) {
   addConfiguration(lines, "scale", 100.0, 100.0);
   EXPECT_THAT(tuned({"record", "a", recordFile("r", lines)}).err,
               EndsWith("corvane: no kernel time saved; the profile is in " +
-                       output() + "\n"));
+                       output() + "\n" + reportLine()));
 }
 
 TEST_F(Tune, TellsProgramsAndDevicesApart) {
@@ -240,7 +252,7 @@ TEST_F(Tune, CutsALongTable) {
   for (int i = 0; i != 60; ++i)
     addConfiguration(lines, "k" + std::to_string(i), 100.0, 50.0);
   const std::string err = tuned({"record", "a", recordFile("r", lines)}).err;
-  EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1 + 50 + 1 + 1);
+  EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1 + 50 + 1 + 1 + 1);
   EXPECT_THAT(err, HasSubstr("\nand 10 more\n"));
 }
 
@@ -289,12 +301,14 @@ TEST_F(Tune, TellsWhenThereIsNothingToChooseFrom) {
   std::vector<RunLine> lines = startOfRun({{"scale", {}}});
   EXPECT_EQ(tuned({"record", "a", recordFile("r", lines)}).err,
             "corvane: no program had variants: there was nothing to choose "
-            "from\n");
+            "from\n" +
+                reportLine());
   std::get<ProgramLine>(lines[2]).lookAlikes = {
       {"scale_coarsed_g4", "did you mean g0S4?"}};
   EXPECT_EQ(tuned({"record", "b", recordFile("r", lines)}).err,
             "corvane: no program had variants; scale_coarsed_g4 looks like one "
-            "and is not: did you mean g0S4?\n");
+            "and is not: did you mean g0S4?\n" +
+                reportLine());
 }
 
 TEST_F(Tune, TellsWhyNoVariantsWereGenerated) {

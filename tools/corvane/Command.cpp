@@ -8,9 +8,16 @@ using namespace corvane;
 
 std::string corvane::printable(llvm::StringRef text) {
   std::string shown = text.str();
-  for (char &character : shown)
-    if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F)
+  unsigned char before = 0;
+  for (char &character : shown) {
+    const auto code = static_cast<unsigned char>(character);
+    // The second half of the control characters takes two bytes in UTF-8.
+    const bool isControl =
+        code < 0x20 || code == 0x7F || (before == 0xC2 && code < 0xA0);
+    before = code;
+    if (isControl)
       character = '?';
+  }
   return shown;
 }
 

@@ -5,6 +5,7 @@
 #include "llvm/ADT/StringRef.h"
 #include "llvm/ADT/Twine.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ using Program = std::vector<std::string>;
 /// Exit codes of this program's own, the same as a shell's. All others are
 /// those of the program that it ran: 128 + n if that ended by signal n.
 enum ExitCode : int {
+  FoundProblem = 1,    ///< the command found what it was to look for
   CommandFailed = 125, ///< the command could not do its work
   NotExecutable = 126, ///< the program was found and cannot be run
   NotFound = 127,      ///< the program was not found
@@ -45,10 +47,38 @@ struct CoarsenOptions {
   std::vector<std::string> build; ///< options for the build of the program
 };
 
+struct ReportOptions {
+  std::vector<std::string> folders = {defaultFolder};
+  std::string output; ///< empty: not given, so are the next three
+  std::string json;
+  std::string csv;
+  std::string t4;
+};
+
+struct ExplainOptions {
+  std::string folder = defaultFolder;
+  std::string kernel; ///< empty: all
+};
+
+struct MergeOptions {
+  std::string output;
+  std::vector<std::string> folders;
+};
+
+struct DiffOptions {
+  std::string before;
+  std::string after;
+  std::optional<double> failOnSlower; ///< as a part: 0.05 is 5 %
+};
+
 /// Each does one command and returns the exit code. \p program is not empty.
 int tune(const TuneOptions &options, const Program &program);
 int run(const RunOptions &options, const Program &program);
 int coarsen(const CoarsenOptions &options);
+int report(const ReportOptions &options);
+int explain(const ExplainOptions &options);
+int merge(const MergeOptions &options);
+int diff(const DiffOptions &options);
 
 /// Writes one line to standard error, which begins with "corvane".
 void say(const llvm::Twine &line);

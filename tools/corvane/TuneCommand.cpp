@@ -1,7 +1,10 @@
 // corvane tune: runs the program, then makes the profile from its records.
 
+#include "results/overview/Words.h"
 #include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
+#include "tools/corvane/Report.h"
+#include "tools/corvane/ResultFolders.h"
 #include "tools/corvane/TuneTable.h"
 #include "tools/corvane/TunedFolder.h"
 #include "tools/corvane/WinningVariants.h"
@@ -15,10 +18,11 @@
 #include "llvm/Support/raw_ostream.h"
 
 #include <algorithm>
-#include <cmath>
+#include <iterator>
 
 using namespace corvane;
 namespace fs = llvm::sys::fs;
+namespace path = llvm::sys::path;
 
 // Makes the folder if need be, and makes a file in it: nothing else shows
 // whether it can be written to.
@@ -122,27 +126,23 @@ static void tellWhyNoVariants(llvm::ArrayRef<RunRecord> runs) {
   say("no program had variants: there was nothing to choose from");
 }
 
-static void tellHowToUse(llvm::ArrayRef<TunedConfiguration> configurations,
-                         const TuneOptions &options) {
+static void tellHowToUse(const Overview &overview, const TuneOptions &options) {
   const std::string command =
       options.folder == defaultFolder
           ? "corvane run -- PROGRAM"
           : "corvane run --profile " + options.folder + " -- PROGRAM";
-  const double saved = partSaved(configurations).value_or(0.0);
+  const double saved = overview.partSaved().value_or(0.0);
   if (!(saved > 0.0)) {
     say("no kernel time saved; the profile is in " + options.folder);
     return;
   }
-  const long percent = std::lround(100.0 * saved);
-  say((percent == 0 ? "less than 1" : std::to_string(percent)) +
-      " % of kernel time saved; to use it: " + command);
+  say(percentText(saved) + " of kernel time saved; to use it: " + command);
 }
 
 // Makes the profile of the runs, and tells the user what came of them.
 static void conclude(const std::string &folder, const TuneOptions &options,
-                     llvm::ArrayRef<RunRecord> runs) {
-  const std::vector<TunedConfiguration> configurations = mergeRuns(runs);
-  const Profile profile = makeProfile(configurations);
+                     const RunSet &runs) {
+  const Profile profile = makeProfile(mergeRuns(runs.records));
   // A program that runs meanwhile must find what the profile names.
   writeWinningVariants(folder, profile);
   if (llvm::Error error = writeProfile(folder, profile)) {
@@ -150,12 +150,17 @@ static void conclude(const std::string &folder, const TuneOptions &options,
         ": no profile could be written: " + llvm::toString(std::move(error)));
     return;
   }
-  if (llvm::none_of(runs, hasVariants)) {
-    tellWhyNoVariants(runs);
-    return;
+  const Overview overview = makeOverview(runs);
+  if (llvm::any_of(runs.records, hasVariants)) {
+    llvm::errs() << tuneTable(overview);
+    tellHowToUse(overview, options);
+  } else {
+    tellWhyNoVariants(runs.records);
   }
-  llvm::errs() << tuneTable(configurations);
-  tellHowToUse(configurations, options);
+  llvm::SmallString<256> page(folder);
+  path::append(page, reportFile);
+  if (writeReport(page.str().str(), overview))
+    say("the report is in " + page.str());
 }
 
 int corvane::tune(const TuneOptions &options, const Program &program) {
@@ -178,10 +183,15 @@ int corvane::tune(const TuneOptions &options, const Program &program) {
     return end.exitCode;
   }
   const std::set<std::string> after = runNames(folder);
-  if (std::includes(before.begin(), before.end(), after.begin(), after.end()))
+  std::vector<std::string> added;
+  std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                      std::back_inserter(added));
+  if (added.empty())
     tellWhyNothingRan(*layer);
-  const std::vector<RunRecord> runs = readRuns(folder, after);
-  if (!runs.empty())
+  rememberCommand(folder, added, program);
+  RunSet runs;
+  addRuns(runs, folder);
+  if (!runs.records.empty())
     conclude(folder, options, runs);
   return end.exitCode;
 }

@@ -6,11 +6,11 @@
 #include "results/ResultFiles.h"
 #include "results/profile/ProfileFile.h"
 #include "tools/corvane/Command.h"
+#include "tools/corvane/OutputText.h"
 
 #include "llvm/ADT/SmallString.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
-#include "llvm/Support/raw_ostream.h"
 
 using namespace corvane;
 namespace fs = llvm::sys::fs;
@@ -76,20 +76,5 @@ std::vector<RunRecord> corvane::readRuns(const std::string &folder,
 
 llvm::Error corvane::writeProfile(const std::string &folder,
                                   const Profile &profile) {
-  int descriptor = -1;
-  llvm::SmallString<256> temporary;
-  if (const std::error_code error = fs::createUniqueFile(
-          joined(folder, "profile-%%%%%%%%.tmp"), descriptor, temporary))
-    return llvm::errorCodeToError(error);
-
-  llvm::raw_fd_ostream out(descriptor, true);
-  out << profileText(profile);
-  out.close();
-  std::error_code error = out.error();
-  out.clear_error();
-  if (!error)
-    error = fs::rename(temporary, joined(folder, resultFile::profile));
-  if (error)
-    fs::remove(temporary);
-  return llvm::errorCodeToError(error);
+  return replaceFile(joined(folder, resultFile::profile), profileText(profile));
 }

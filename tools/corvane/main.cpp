@@ -1,11 +1,9 @@
 // Reads the command line, shows help, and calls a command.
 
-#include "tools/corvane/Command.h"
+#include "tools/corvane/CommandLine.h"
 #include "tools/corvane/Process.h"
 
 #include "tuning/Tolerance.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <memory>
@@ -30,136 +28,153 @@ const char programWords[] = "-- PROGRAM ARGUMENTS...";
 
 } // namespace
 
+void corvane::endUsageWith(CLI::App &command, std::string words) {
+  command.formatter(std::make_shared<CommandFormatter>(std::move(words)));
+}
+
 static std::string checkTolerance(const std::string &text) {
   return parseTolerance(text)
              ? std::string()
              : "needs exact, off or a number between 0 and 1 such as 1e-5";
 }
 
-static CLI::App *addTune(CLI::App &commands, TuneOptions &options) {
+static void addTune(CLI::App &commands, Actions &actions) {
+  const auto options = std::make_shared<TuneOptions>();
   CLI::App *const command = commands.add_subcommand(
       "tune", "Run a program and find the fastest versions of its kernels");
   command
-      ->add_option("--output", options.folder,
+      ->add_option("--output", options->folder,
                    "Folder for runs and profile, earlier ones included")
       ->type_name("DIR")
       ->capture_default_str();
   command
-      ->add_option("--samples", options.samples,
+      ->add_option("--samples", options->samples,
                    "Samples of each version for a decision (7)")
       ->type_name("N")
       ->check(CLI::Range(5, 1000));
   command
-      ->add_option("--verify", options.verify,
+      ->add_option("--verify", options->verify,
                    "How far a version's results may be from the original's: "
                    "exact (the default), a part such as 1e-5, or off")
       ->type_name("V")
       ->check(checkTolerance);
   command
-      ->add_option("--seconds", options.seconds,
+      ->add_option("--seconds", options->seconds,
                    "Time that tuning may add, in all")
       ->type_name("S")
       ->check(CLI::PositiveNumber);
-  command->add_flag("!--no-generate", options.generates,
+  command->add_flag("!--no-generate", options->generates,
                     "Measure only the variants that programs carry");
-  command->formatter(std::make_shared<CommandFormatter>(programWords));
+  endUsageWith(*command, programWords);
   command->footer("Example: corvane tune --seconds 60 -- ./solve --size 512\n"
                   "Ends with the program's exit code.");
-  return command;
+  actions[command] = {Action::Program, [options](const auto &program) {
+                        return tune(*options, program);
+                      }};
 }
 
-static CLI::App *addRun(CLI::App &commands, RunOptions &options) {
+static void addRun(CLI::App &commands, Actions &actions) {
+  const auto options = std::make_shared<RunOptions>();
   CLI::App *const command = commands.add_subcommand(
       "run", "Run a program with the versions that tuning has found");
   command
-      ->add_option("--profile", options.folder,
+      ->add_option("--profile", options->folder,
                    "Tuned folder, or a profile in it")
       ->type_name("DIR")
       ->capture_default_str();
-  command->add_flag("--summary", options.summary,
+  command->add_flag("--summary", options->summary,
                     "One line at the end: how many launches ran a variant");
-  command->formatter(std::make_shared<CommandFormatter>(programWords));
+  endUsageWith(*command, programWords);
   command->footer("Example: corvane run -- ./solve --size 512");
-  return command;
+  actions[command] = {Action::Program, [options](const auto &program) {
+                        return run(*options, program);
+                      }};
 }
 
-static CLI::App *addCoarsen(CLI::App &commands, CoarsenOptions &options) {
+static void addCoarsen(CLI::App &commands, Actions &actions) {
+  const auto options = std::make_shared<CoarsenOptions>();
   CLI::App *const command = commands.add_subcommand(
       "coarsen", "Print an OpenCL source with variants of its kernels");
   command
-      ->add_option("FILE", options.file,
+      ->add_option("FILE", options->file,
                    "OpenCL C source; - is the standard input")
       ->type_name("")
       ->required();
   command
-      ->add_option("--plans", options.plans,
+      ->add_option("--plans", options->plans,
                    "Which variants: default, all, or a list with commas such "
                    "as g0S4,l0S2,block:g0S2 (docs/coarsening.md)")
       ->type_name("P");
   command
-      ->add_option("--output", options.output,
+      ->add_option("--output", options->output,
                    "File to write to, in place of the standard output")
       ->type_name("F");
   command
-      ->add_option("--refusals", options.refusals,
+      ->add_option("--refusals", options->refusals,
                    "JSON file that tells what was made, what was not, and why")
       ->type_name("F.json");
-  command->formatter(std::make_shared<CommandFormatter>(
-      "FILE.cl [-- OPTIONS FOR ITS BUILD...]"));
+  endUsageWith(*command, "FILE.cl [-- OPTIONS FOR ITS BUILD...]");
   command->footer("Example: corvane coarsen blur.cl --output blur-variants.cl "
                   "-- -D RADIUS=3");
-  return command;
+  actions[command] = {Action::Optional, [options](const auto &build) {
+                        options->build = build;
+                        return coarsen(*options);
+                      }};
 }
 
 // What CLI11 found wrong, or the help that was asked for.
-static int explain(const CLI::App &commands, const CLI::ParseError &error) {
+static int tellOf(const CLI::App &commands, const CLI::ParseError &error) {
   if (error.get_exit_code() == 0)
     return commands.exit(error);
   say(error.what());
   return CommandFailed;
 }
 
+// Calls the command that was named.
+static int perform(const CLI::App &commands, const Actions &actions,
+                   const WordsAfter &words) {
+  const CLI::App *const named = commands.get_subcommands().front();
+  const Action &action = actions.at(named);
+  if (action.words == Action::Program && words.empty()) {
+    say("which program? Put it after --, as in: corvane " + named->get_name() +
+        " -- ./program");
+    return CommandFailed;
+  }
+  if (action.words == Action::None && !words.empty()) {
+    say("nothing may follow -- with corvane " + named->get_name());
+    return CommandFailed;
+  }
+  return action.run(words);
+}
+
 static int dispatch(const std::vector<std::string> &arguments) {
   CLI::App commands("Finds the fastest versions of a program's OpenCL kernels "
                     "and uses them.",
                     "corvane");
-  TuneOptions tuneOptions;
-  RunOptions runOptions;
-  CoarsenOptions coarsenOptions;
   commands.set_version_flag("--version", "corvane " CORVANE_VERSION);
   commands.require_subcommand(1);
   commands.footer("corvane COMMAND --help tells more of a command.");
-  CLI::App *const tuneCommand = addTune(commands, tuneOptions);
-  CLI::App *const runCommand = addRun(commands, runOptions);
-
-  const CLI::App *const coarsenCommand = addCoarsen(commands, coarsenOptions);
+  Actions actions;
+  addTune(commands, actions);
+  addRun(commands, actions);
+  addResultCommands(commands, actions);
+  addCoarsen(commands, actions);
 
   // What follows the first "--" is for the program or for its build, whatever
   // it looks like.
   const auto separator =
       std::find(arguments.begin(), arguments.end(), std::string("--"));
-  const std::vector<std::string> others(
-      separator == arguments.end() ? separator : separator + 1,
-      arguments.end());
+  const WordsAfter others(separator == arguments.end() ? separator
+                                                       : separator + 1,
+                          arguments.end());
   std::vector<std::string> ours(arguments.begin(), separator);
   std::reverse(ours.begin(), ours.end()); // as CLI11 takes them
   try {
     commands.parse(ours);
   } catch (const CLI::ParseError &error) {
-    return explain(commands, error);
+    return tellOf(commands, error);
   }
-  if (coarsenCommand->parsed()) {
-    coarsenOptions.build = others;
-    return coarsen(coarsenOptions);
-  }
-  if (others.empty()) {
-    say("which program? Put it after --, as in: corvane " +
-        commands.get_subcommands().front()->get_name() + " -- ./program");
-    return CommandFailed;
-  }
-  if (tuneCommand->parsed())
-    return tune(tuneOptions, others);
-  return runCommand->parsed() ? run(runOptions, others) : CommandFailed;
+  return perform(commands, actions, others);
 }
 
 int main(int count, char **values) {
