@@ -3,7 +3,8 @@
 #include "MadeOverview.h"
 
 #include "results/overview/Exports.h"
-#include "results/runs/Json.h"
+
+#include "llvm/Support/JSON.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +17,7 @@ static json::Value jsonOf(const Overview &overview) {
   std::string text;
   llvm::raw_string_ostream out(text);
   writeOverviewJson(out, overview);
-  llvm::Expected<json::Value> value = parseJson(out.str());
+  llvm::Expected<json::Value> value = json::parse(out.str());
   if (value)
     return std::move(*value);
   ADD_FAILURE() << llvm::toString(value.takeError());
@@ -32,34 +33,34 @@ static std::string csvOf(const Overview &overview) {
 
 TEST(OverviewJson, HasEverything) {
   const json::Value value = jsonOf(overviewOf({eventfulRun()}));
-  JsonFields all(value.getAsObject());
-  EXPECT_EQ(all.text("format"), "corvane-report");
-  EXPECT_EQ(all.whole("version"), 1U);
-  EXPECT_EQ(all.amount("time"), 1000.0);
-  EXPECT_EQ(all.amount("timeWithWinners"), 500.0);
-  ASSERT_EQ(all.list("runs").size(), 1U);
-  JsonFields run(all.list("runs")[0].getAsObject());
-  EXPECT_EQ(run.list("command").size(), 2U);
-  EXPECT_TRUE(run.flag("ended"));
-  JsonFields configuration(all.list("configurations")[0].getAsObject());
-  EXPECT_EQ(configuration.text("kernel"), "scale");
-  EXPECT_EQ(configuration.text("winner"), "g0S2");
-  EXPECT_EQ(configuration.text("outcome"), "faster");
-  ASSERT_EQ(configuration.list("versions").size(), 6U);
-  JsonFields wrong(configuration.list("versions")[1].getAsObject());
-  EXPECT_EQ(wrong.text("version"), "l0S2");
-  EXPECT_EQ(wrong.text("verdict"), "wrong results");
-  EXPECT_EQ(wrong.list("samples").size(), 1U);
-  EXPECT_NE(wrong.object("difference"), nullptr);
-  EXPECT_EQ(all.problem() + configuration.problem() + wrong.problem(), "");
+  const json::Object &all = *value.getAsObject();
+  EXPECT_EQ(all.getString("format"), llvm::StringRef("corvane-report"));
+  EXPECT_EQ(all.getInteger("version"), 1);
+  EXPECT_EQ(all.getNumber("time"), 1000.0);
+  EXPECT_EQ(all.getNumber("timeWithWinners"), 500.0);
+  ASSERT_EQ(all.getArray("runs")->size(), 1U);
+  const json::Object &run = *all.getArray("runs")->front().getAsObject();
+  EXPECT_EQ(run.getArray("command")->size(), 2U);
+  EXPECT_EQ(run.getBoolean("ended"), true);
+  const json::Object &configuration =
+      *all.getArray("configurations")->front().getAsObject();
+  EXPECT_EQ(configuration.getString("kernel"), llvm::StringRef("scale"));
+  EXPECT_EQ(configuration.getString("winner"), llvm::StringRef("g0S2"));
+  EXPECT_EQ(configuration.getString("outcome"), llvm::StringRef("faster"));
+  const json::Array &versions = *configuration.getArray("versions");
+  ASSERT_EQ(versions.size(), 6U);
+  const json::Object &wrong = *versions[1].getAsObject();
+  EXPECT_EQ(wrong.getString("version"), llvm::StringRef("l0S2"));
+  EXPECT_EQ(wrong.getString("verdict"), llvm::StringRef("wrong results"));
+  EXPECT_EQ(wrong.getArray("samples")->size(), 1U);
+  EXPECT_NE(wrong.getObject("difference"), nullptr);
 }
 
 TEST(OverviewJson, IsWholeForNothing) {
   const json::Value value = jsonOf(overviewOf({}));
-  JsonFields all(value.getAsObject());
-  EXPECT_EQ(all.list("configurations").size(), 0U);
-  EXPECT_NE(all.text("remark"), "");
-  EXPECT_EQ(all.problem(), "");
+  const json::Object &all = *value.getAsObject();
+  EXPECT_TRUE(all.getArray("configurations")->empty());
+  EXPECT_TRUE(all.getString("remark"));
 }
 
 TEST(OverviewCsv, HasARowForEachVersion) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "results/overview/Overview.h"
-#include "tests/unit/profile/Runs.h"
+#include "tests/unit/Runs.h"
 
 #include <initializer_list>
 

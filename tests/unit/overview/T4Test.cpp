@@ -4,7 +4,8 @@
 #include "MadeOverview.h"
 
 #include "results/overview/Exports.h"
-#include "results/runs/Json.h"
+
+#include "llvm/Support/JSON.h"
 
 #include <gmock/gmock.h>
 
@@ -87,7 +88,7 @@ static json::Value t4Of(const Overview &overview) {
   std::string text;
   llvm::raw_string_ostream out(text);
   writeOverviewT4(out, overview);
-  llvm::Expected<json::Value> value = parseJson(out.str());
+  llvm::Expected<json::Value> value = json::parse(out.str());
   if (value)
     return std::move(*value);
   ADD_FAILURE() << llvm::toString(value.takeError());

@@ -2,7 +2,7 @@
 
 #include "results/profile/ProfileLookup.h"
 
-#include "Runs.h"
+#include "tests/unit/Runs.h"
 
 #include <gmock/gmock.h>
 

@@ -2,7 +2,7 @@
 
 #include "results/profile/ProfileMerge.h"
 
-#include "Runs.h"
+#include "tests/unit/Runs.h"
 
 #include <gmock/gmock.h>
 
