@@ -46,6 +46,7 @@ public:
 
 private:
   void complain(const std::string &what);
+  void addLaunches(std::uint32_t configuration, std::uint64_t launches);
 };
 
 } // namespace
@@ -54,6 +55,13 @@ void LogTaker::complain(const std::string &what) {
   if (record.problems.size() < RunReader::maxProblems)
     record.problems.push_back({0, what});
   ++record.problemCount;
+}
+
+void LogTaker::addLaunches(std::uint32_t configuration,
+                           std::uint64_t launches) {
+  record.end->launches += launches;
+  record.end->tunedLaunches += launches;
+  record.end->byVersion.push_back({configuration, std::string(), launches});
 }
 
 void LogTaker::add(const ConfigResults &config) {
@@ -67,6 +75,10 @@ void LogTaker::add(const ConfigResults &config) {
   configuration.line.configuration = number;
   configuration.line.kernel = config.launchKey.kernel;
   configuration.line.sizes = *sizes;
+  // Each launch ran every version once.
+  const auto original = config.versions.find(baselineName);
+  if (original != config.versions.end())
+    addLaunches(number, original->second.size());
   for (const auto &[name, samples] : config.versions) {
     const std::string version = versionFromFile(name);
     if (!version.empty())
@@ -83,6 +95,7 @@ void LogTaker::add(const ConfigResults &config) {
 RunRecord corvane::recordOfLog(llvm::ArrayRef<ConfigResults> configurations) {
   LogTaker log;
   log.record.process.emplace();
+  log.record.end.emplace();
   log.record.devices[0];
   ProgramLine &program = log.record.programs[0];
   for (const ConfigResults &config : configurations)

@@ -12,7 +12,7 @@ build_packages=(
 # What the tests run besides.
 # shellcheck disable=SC2034
 test_packages=(pocl-opencl-icd clinfo clfft-client python3 binutils chromium locales
-  opencl-clhpp-headers)
+  opencl-clhpp-headers oclgrind)
 # Many machines have these two from elsewhere, which Debian's would disturb.
 command -v node >/dev/null || test_packages+=(nodejs)
 command -v npm >/dev/null || test_packages+=(npm)

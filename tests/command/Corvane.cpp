@@ -18,7 +18,7 @@ CorvaneTest::CorvaneTest() {
        {"CORVANE_AUTOTUNE", "CORVANE_TUNE", "CORVANE_PROFILE",
         "CORVANE_SAMPLES", "CORVANE_VERIFY", "CORVANE_TUNE_SECONDS",
         "CORVANE_SUMMARY", "CORVANE_GENERATE", "CORVANE_VARIANTS",
-        "OPENCL_LAYERS"})
+        "OPENCL_LAYERS", "PYOPENCL_NO_CACHE"})
     variables.emplace_back(name, nullptr);
 }
 
@@ -118,6 +118,13 @@ void test::addConfiguration(std::vector<RunLine> &lines,
   // After the first run and after the last.
   lines.emplace_back(check);
   lines.emplace_back(check);
+}
+
+EndLine test::endAfterLaunches(std::uint64_t launches) {
+  EndLine line;
+  line.launches = launches;
+  line.byVersion = {{3, "", launches}};
+  return line;
 }
 
 std::vector<RunLine> test::fasterVariant() {

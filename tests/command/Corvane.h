@@ -68,6 +68,10 @@ private:
   std::list<EnvGuard> variables;
 };
 
+/// The end of a record whose first configuration is number 3, with so many
+/// launches of it.
+EndLine endAfterLaunches(std::uint64_t launches);
+
 /// A run on one device of a program with the kernel "scale", whose variant is
 /// faster: 50 to 100 microseconds, seven times.
 std::vector<RunLine> fasterVariant();

@@ -14,7 +14,9 @@ class Explain : public CorvaneTest {};
 } // namespace
 
 TEST_F(Explain, SaysWhichVersionRunsAndWhy) {
-  const std::string place = tunedFolder("t", fasterVariant());
+  std::vector<RunLine> lines = fasterVariant();
+  lines.emplace_back(endAfterLaunches(7));
+  const std::string place = tunedFolder("t", lines);
   const Outcome outcome = corvane({"explain", place});
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(outcome.err, "");
@@ -26,7 +28,7 @@ scale (program 0123abcd)
   variants found: 1
     g0S4: each work-item does 4 columns
   1024 / 64 on device, 7 launches: uses g0S4; faster
-    original, 100.0 us, 7 samples
+    original, 100.0 us, 7 samples, ran in 7 launches
     g0S4, 50.0 us, 7 samples: 2.00x (2.00x to 2.00x): the fastest
 )");
 }

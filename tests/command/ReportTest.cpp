@@ -2,7 +2,7 @@
 
 #include "tests/command/Corvane.h"
 
-#include "results/runs/Json.h"
+#include "llvm/Support/JSON.h"
 
 using namespace corvane;
 using namespace corvane::test;
@@ -21,18 +21,17 @@ protected:
     places.insert(places.end(), {"--json", "-"});
     const Outcome outcome = corvane(places);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err;
-    llvm::Expected<llvm::json::Value> value = parseJson(outcome.out);
+    llvm::Expected<llvm::json::Value> value = llvm::json::parse(outcome.out);
     if (!value) {
       ADD_FAILURE() << llvm::toString(value.takeError());
       return 0;
     }
     std::uint64_t count = 0;
-    JsonFields all(value->getAsObject());
-    for (const llvm::json::Value &each : all.list("configurations")) {
-      JsonFields configuration(each.getAsObject());
-      for (const llvm::json::Value &version : configuration.list("versions"))
-        count += JsonFields(version.getAsObject()).list("samples").size();
-    }
+    for (const llvm::json::Value &configuration :
+         *value->getAsObject()->getArray("configurations"))
+      for (const llvm::json::Value &version :
+           *configuration.getAsObject()->getArray("versions"))
+        count += version.getAsObject()->getArray("samples")->size();
     return count;
   }
 
@@ -50,7 +49,9 @@ protected:
 } // namespace
 
 TEST_F(Report, WritesAPageBesideTheResults) {
-  const std::string place = tunedFolder("t", fasterVariant());
+  std::vector<RunLine> lines = fasterVariant();
+  lines.emplace_back(endAfterLaunches(7));
+  const std::string place = tunedFolder("t", lines);
   const Outcome outcome = corvane({"report", place});
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_EQ(outcome.out, "");

@@ -31,7 +31,7 @@ protected:
 
   /// The last line of what is said when a report was written.
   std::string reportLine() const {
-    return "corvane: the report is in " + written(output()) + "/report.html\n";
+    return "corvane: the report is in " + output() + "/report.html\n";
   }
 };
 } // namespace
@@ -234,6 +234,18 @@ TEST_F(Tune, TellsWhenItSavesNothing) {
   EXPECT_THAT(tuned({"record", "a", recordFile("r", lines)}).err,
               EndsWith("corvane: no kernel time saved; the profile is in " +
                        output() + "\n" + reportLine()));
+}
+
+TEST_F(Tune, TellsWhatToDoAboutProgramsFromBinaries) {
+  std::vector<RunLine> lines = startOfRun({{"scale", {"g0S4"}}});
+  ConfigurationLine configuration;
+  configuration.kernel = "scale";
+  configuration.untunable = "the program has no source to look at";
+  lines.emplace_back(configuration);
+  EXPECT_THAT(tuned({"record", "a", recordFile("r", lines)}).err,
+              HasSubstr("\ncorvane: programs from binaries cannot be tuned; "
+                        "PyOpenCL makes them unless PYOPENCL_NO_CACHE=1 is "
+                        "set\n"));
 }
 
 TEST_F(Tune, TellsProgramsAndDevicesApart) {

@@ -32,6 +32,7 @@ struct TuneOptions {
   std::string verify;
   std::string seconds;
   bool generates = true; ///< variants of programs that are built from source
+  bool quiet = false; ///< no progress, also on a terminal
 };
 
 struct RunOptions {
@@ -71,6 +72,10 @@ struct DiffOptions {
   std::optional<double> failOnSlower; ///< as a part: 0.05 is 5 %
 };
 
+struct DoctorOptions {
+  std::string folder = defaultFolder;
+};
+
 /// Each does one command and returns the exit code. \p program is not empty.
 int tune(const TuneOptions &options, const Program &program);
 int run(const RunOptions &options, const Program &program);
@@ -79,6 +84,9 @@ int report(const ReportOptions &options);
 int explain(const ExplainOptions &options);
 int merge(const MergeOptions &options);
 int diff(const DiffOptions &options);
+int check(const Program &program);
+/// \p program may be empty.
+int doctor(const DoctorOptions &options, const Program &program);
 
 /// Writes one line to standard error, which begins with "corvane".
 void say(const llvm::Twine &line);

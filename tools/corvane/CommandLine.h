@@ -25,6 +25,7 @@ using Actions = std::map<const CLI::App *, Action>;
 
 /// Each adds commands to \p commands, and what they do to \p actions.
 void addResultCommands(CLI::App &commands, Actions &actions);
+void addDiagnosisCommands(CLI::App &commands, Actions &actions);
 
 /// Makes a command's help say that its arguments end with \p words.
 void endUsageWith(CLI::App &command, std::string words);

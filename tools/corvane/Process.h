@@ -35,6 +35,9 @@ std::vector<std::string> argumentsOf(int count, char **values);
 void setVariable(const std::string &name, const std::string &value);
 void removeVariable(const std::string &name);
 
+/// The names of all variables that are defined.
+std::vector<std::string> variableNames();
+
 /// What an OpenCL loader does for layers.
 enum class LoaderAnswer {
   TakesLayers,

@@ -25,6 +25,15 @@ void corvane::removeVariable(const std::string &name) {
   ::unsetenv(name.c_str());
 }
 
+std::vector<std::string> corvane::variableNames() {
+  std::vector<std::string> names;
+  for (char **entry = environ; entry && *entry; ++entry) {
+    const std::string text = *entry;
+    names.push_back(text.substr(0, text.find('=')));
+  }
+  return names;
+}
+
 std::string corvane::ownProgram() {
   return llvm::sys::fs::getMainExecutable(
       "corvane", reinterpret_cast<void *>(&corvane::ownProgram));

@@ -31,6 +31,21 @@ static std::string narrow(const wchar_t *text) {
   return converted;
 }
 
+std::vector<std::string> corvane::variableNames() {
+  std::vector<std::string> names;
+  wchar_t *const block = GetEnvironmentStringsW();
+  for (const wchar_t *entry = block; entry && *entry;
+       entry += std::char_traits<wchar_t>::length(entry) + 1) {
+    const std::string text = narrow(entry);
+    // The current folders of drives have names that begin with "=".
+    if (text[0] != '=')
+      names.push_back(text.substr(0, text.find('=')));
+  }
+  if (block)
+    FreeEnvironmentStringsW(block);
+  return names;
+}
+
 std::string corvane::ownProgram() {
   std::wstring path(32768, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(),

@@ -4,9 +4,9 @@
 
 #include "results/ResultFiles.h"
 #include "results/overview/LogRecord.h"
-#include "results/runs/Json.h"
 #include "tools/corvane/Command.h"
 #include "tools/corvane/OutputText.h"
+#include "tools/corvane/ShallowJson.h"
 #include "tools/corvane/StepProgress.h"
 #include "tools/corvane/TunedFolder.h"
 
@@ -43,12 +43,8 @@ static std::vector<std::string> commandOf(const std::string &runFolder) {
     llvm::consumeError(text.takeError());
     return words;
   }
-  llvm::Expected<json::Value> value = parseJson(*text);
-  if (!value) {
-    llvm::consumeError(value.takeError());
-    return words;
-  }
-  if (const json::Array *const list = value->getAsArray())
+  const std::optional<json::Value> value = parseShallowJson(*text);
+  if (const json::Array *const list = value ? value->getAsArray() : nullptr)
     for (const json::Value &word : *list)
       if (const auto string = word.getAsString())
         words.push_back(string->str());

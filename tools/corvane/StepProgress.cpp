@@ -2,19 +2,18 @@
 
 #include "tools/corvane/StepProgress.h"
 
-#include "llvm/Support/Process.h"
-#include "llvm/Support/raw_ostream.h"
+#include "tools/corvane/Terminal.h"
 
 using namespace corvane;
 
 StepProgress::StepProgress(std::string what, std::size_t stepCount)
     : text(std::move(what)), count(stepCount),
-      isTerminal(llvm::sys::Process::StandardErrIsDisplayed()),
+      isTerminal(errorTerminal().has_value()),
       nextDraw(Clock::now() + std::chrono::seconds(1)) {}
 
 StepProgress::~StepProgress() {
   if (isDrawn)
-    llvm::errs() << "\r\033[K";
+    writeToTerminal("\r\033[K");
 }
 
 void StepProgress::step() {
@@ -24,6 +23,6 @@ void StepProgress::step() {
     return;
   nextDraw = now + std::chrono::milliseconds(200);
   isDrawn = true;
-  llvm::errs() << "\rcorvane: " + text + " " + std::to_string(done) + " of " +
-                      std::to_string(count) + "\033[K";
+  writeToTerminal("\rcorvane: " + text + " " + std::to_string(done) + " of " +
+                  std::to_string(count) + "\033[K");
 }

@@ -1,10 +1,12 @@
 // corvane tune: runs the program, then makes the profile from its records.
 
+#include "results/NumberText.h"
 #include "results/overview/Words.h"
 #include "tools/corvane/Layer.h"
 #include "tools/corvane/Process.h"
 #include "tools/corvane/Report.h"
 #include "tools/corvane/ResultFolders.h"
+#include "tools/corvane/TuneProgress.h"
 #include "tools/corvane/TuneTable.h"
 #include "tools/corvane/TunedFolder.h"
 #include "tools/corvane/WinningVariants.h"
@@ -126,6 +128,15 @@ static void tellWhyNoVariants(llvm::ArrayRef<RunRecord> runs) {
   say("no program had variants: there was nothing to choose from");
 }
 
+// Programs from binaries are what most users of PyOpenCL wonder about.
+static void tellOfBinaries(const Overview &overview) {
+  if (llvm::any_of(overview.configurations, [](const auto &configuration) {
+        return llvm::StringRef(configuration.untunable).contains("no source");
+      }))
+    say("programs from binaries cannot be tuned; PyOpenCL makes them unless "
+        "PYOPENCL_NO_CACHE=1 is set");
+}
+
 static void tellHowToUse(const Overview &overview, const TuneOptions &options) {
   const std::string command =
       options.folder == defaultFolder
@@ -133,6 +144,7 @@ static void tellHowToUse(const Overview &overview, const TuneOptions &options) {
           : "corvane run --profile " + options.folder + " -- PROGRAM";
   const double saved = overview.partSaved().value_or(0.0);
   if (!(saved > 0.0)) {
+    tellOfBinaries(overview);
     say("no kernel time saved; the profile is in " + options.folder);
     return;
   }
@@ -160,7 +172,25 @@ static void conclude(const std::string &folder, const TuneOptions &options,
   llvm::SmallString<256> page(folder);
   path::append(page, reportFile);
   if (writeReport(page.str().str(), overview))
-    say("the report is in " + page.str());
+    say("the report is in " + options.folder + "/" + reportFile);
+}
+
+// The seconds that tuning may add; none: any number.
+static std::optional<double> budgetOf(const TuneOptions &options) {
+  const auto variable = llvm::sys::Process::GetEnv(variable::tuneSeconds);
+  const double seconds = leadingNumber(
+      options.seconds.empty() ? (variable ? *variable : "") : options.seconds);
+  return seconds > 0.0 ? std::optional<double>(seconds) : std::nullopt;
+}
+
+static ProgramEnd runWithProgress(const Program &program,
+                                  const TuneOptions &options,
+                                  const std::string &folder,
+                                  const std::set<std::string> &before) {
+  std::optional<TuneProgress> progress;
+  if (!options.quiet)
+    progress.emplace(folder, before, budgetOf(options));
+  return runAndWait(program);
 }
 
 int corvane::tune(const TuneOptions &options, const Program &program) {
@@ -177,7 +207,7 @@ int corvane::tune(const TuneOptions &options, const Program &program) {
   setGenerator(folder, options);
 
   const std::set<std::string> before = runNames(folder);
-  const ProgramEnd end = runAndWait(program);
+  const ProgramEnd end = runWithProgress(program, options, folder, before);
   if (!end.started) {
     say(program[0] + ": " + end.whyNot);
     return end.exitCode;

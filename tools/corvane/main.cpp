@@ -1,6 +1,7 @@
 // Reads the command line, shows help, and calls a command.
 
 #include "tools/corvane/CommandLine.h"
+#include "tools/corvane/OpenClProbe.h"
 #include "tools/corvane/Process.h"
 
 #include "tuning/Tolerance.h"
@@ -65,6 +66,8 @@ static void addTune(CLI::App &commands, Actions &actions) {
       ->check(CLI::PositiveNumber);
   command->add_flag("!--no-generate", options->generates,
                     "Measure only the variants that programs carry");
+  command->add_flag("--quiet", options->quiet,
+                    "No progress on the terminal while the program runs");
   endUsageWith(*command, programWords);
   command->footer("Example: corvane tune --seconds 60 -- ./solve --size 512\n"
                   "Ends with the program's exit code.");
@@ -158,6 +161,7 @@ static int dispatch(const std::vector<std::string> &arguments) {
   addTune(commands, actions);
   addRun(commands, actions);
   addResultCommands(commands, actions);
+  addDiagnosisCommands(commands, actions);
   addCoarsen(commands, actions);
 
   // What follows the first "--" is for the program or for its build, whatever
@@ -181,5 +185,8 @@ int main(int count, char **values) {
   const std::vector<std::string> arguments = argumentsOf(count, values);
   if (arguments.size() == 2 && arguments[0] == probeArgument)
     return static_cast<int>(askLoader(arguments[1]));
+  if (arguments.size() == 5 && arguments[0] == describeArgument)
+    return describeOpenCl(
+        {arguments[1], arguments[2], arguments[3], arguments[4]});
   return dispatch(arguments);
 }

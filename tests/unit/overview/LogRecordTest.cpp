@@ -25,6 +25,8 @@ TEST(LogRecord, HasTheSamplesOfTheLog) {
   EXPECT_EQ(configuration.samples[0].version, "");
   EXPECT_EQ(configuration.samples[0].microseconds, 3.0);
   EXPECT_EQ(configuration.samples[2].version, "g0S4");
+  ASSERT_TRUE(record.end);
+  EXPECT_EQ(record.end->launches, 2U);
   ASSERT_THAT(record.programs.at(0).kernels, SizeIs(1));
   EXPECT_THAT(record.programs.at(0).kernels[0].variants,
               testing::ElementsAre("g0S4"));
