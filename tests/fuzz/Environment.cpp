@@ -30,10 +30,17 @@ static constexpr const char *names[] = {
     variable::autotuneShadow,
     variable::dumpLog,
     variable::corvane,
-    variable::bypassVectorizationSafetyCheck};
+    variable::bypassVectorizationSafetyCheck,
+    variable::tune,
+    variable::profile,
+    variable::samples,
+    variable::verify,
+    variable::tuneSeconds,
+    variable::summary};
 
 static bool isDirectory(const char *name) {
-  return name == variable::autotune || name == variable::autotuneShadow;
+  return name == variable::autotune || name == variable::autotuneShadow ||
+         name == variable::tune || name == variable::profile;
 }
 
 // "-": undefined; "+": too long for any path; anything else: the text itself.

@@ -146,6 +146,23 @@ TEST(MeasuringPlan, DropsNoVersionByOneSampleOfTheOriginal) {
   EXPECT_EQ(plan.fate(1), VersionFate::Measured);
 }
 
+TEST(MeasuringPlan, DropsNoVersionWhileTheOriginalHasOneTimeOnly) {
+  MeasuringPlan plan(versions(1), 5, false);
+  Play play{{5, 4}};
+  play.hasTime = [count = 0](const PlannedRun &run) mutable {
+    return run.version != 0 || run.purpose != PlannedRun::Purpose::Sample ||
+           ++count > 2;
+  };
+  play.disturbance = [count = 0](const PlannedRun &run) mutable {
+    return run.version == 1 && run.purpose == PlannedRun::Purpose::Sample &&
+                   ++count <= 2
+               ? 3.0
+               : 1.0;
+  };
+  play.through(plan);
+  EXPECT_EQ(plan.fate(1), VersionFate::Measured);
+}
+
 TEST(MeasuringPlan, ComparesTheOriginalWithItselfAfterTheLastCandidate) {
   MeasuringPlan plan(versions(1), 5, true);
   Play play{{5, 4}};
