@@ -69,6 +69,26 @@ TEST(Decide, WaitsForEnoughSamples) {
   EXPECT_EQ(decision.winner, "");
 }
 
+// However clear the samples look: docs/run-record.md has these numbers.
+TEST(Decide, NeedsMoreSamplesTheMoreVersionsThereAre) {
+  const auto isDecided = [](int samples, int candidates) {
+    std::vector<VersionSamples> versions;
+    for (int i = 0; i <= candidates; ++i)
+      versions.push_back({i == 0 ? "" : "g0S" + std::to_string(i),
+                          std::vector<double>(samples, i == 0 ? 100 : 50)});
+    for (VersionSamples &each : versions)
+      for (int i = 0; i != samples; ++i)
+        each.samples[i] += 0.01 * i;
+    return decide(versions).decided;
+  };
+  EXPECT_FALSE(isDecided(4, 1));
+  EXPECT_TRUE(isDecided(5, 1));
+  EXPECT_TRUE(isDecided(5, 3));
+  EXPECT_FALSE(isDecided(5, 4));
+  EXPECT_TRUE(isDecided(7, 42));
+  EXPECT_FALSE(isDecided(7, 43));
+}
+
 TEST(Decide, WaitsForTheOriginal) {
   EXPECT_FALSE(decide({version("a", {1, 1, 1, 1, 1})}).decided);
   EXPECT_FALSE(decide({version("", {}), version("a", {1, 1})}).decided);

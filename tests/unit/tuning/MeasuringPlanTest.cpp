@@ -232,6 +232,10 @@ TEST(MeasuringPlan, RepeatsSamplesThatWereDisturbed) {
   const std::vector<std::string> runs = play.through(plan);
   EXPECT_THAT(runs, SizeIs(3 + 10 + 20));
   EXPECT_EQ(countOf(runs, "1+"), 8);
+  EXPECT_THAT(std::vector<std::string>(runs.begin() + 13, runs.begin() + 17),
+              testing::AnyOf(ElementsAre("0+", "1+", "1+", "0+"),
+                             ElementsAre("1+", "0+", "0+", "1+")))
+      << "in rotating order";
   EXPECT_EQ(countOf(runs, "1+c"), 2) << "at the end of each pass";
   EXPECT_THAT(plan.samples(1), Each(testing::DoubleEq(80)));
   EXPECT_EQ(plan.decide().winner, "g0S1");
@@ -256,6 +260,26 @@ TEST(MeasuringPlan, MakesOneTimeOfTheRunsOfASample) {
   EXPECT_THAT(plan.samples(1),
               Each(testing::DoubleEq(std::sqrt(72.0 * 128.0))));
   EXPECT_THAT(plan.samples(0), SizeIs(5));
+}
+
+// The version's time was known in five of its fourteen runs.
+TEST(MeasuringPlan, RepeatsNoSampleThatIsNotThere) {
+  MeasuringPlan plan(versions(1), 7, true);
+  Play play{{100, 80}};
+  play.hasTime = [count = 0](const PlannedRun &run) mutable {
+    return run.version != 1 || run.purpose != Purpose::Sample || run.repeats ||
+           ++count > 9;
+  };
+  play.disturbance = [count = 0](const PlannedRun &run) mutable {
+    return run.version == 0 && run.purpose == Purpose::Sample && !run.repeats &&
+                   ++count % 2 == 0
+               ? 0.5
+               : 1.0;
+  };
+  const std::vector<std::string> runs = play.through(plan);
+  EXPECT_THAT(plan.samples(1), SizeIs(5));
+  EXPECT_THAT(runs, Contains("1+"));
+  EXPECT_EQ((countOf(runs, "1+") + countOf(runs, "1+c")) % 5, 0);
 }
 
 // The noise of the second version is such that it might win; the third is
