@@ -225,11 +225,13 @@ TEST(MergeRuns, CountsLaunches) {
                                .configuration("k", sizes)
                                .warmUp("", 100)
                                .samples("", 100, 5)
-                               .samples("g0S4", 100, 4);
+                               .samples("g0S4", 100, 4)
+                               .configuration("b", sizes);
   const std::vector<TunedConfiguration> tuned = mergeRuns({whole, killed});
-  ASSERT_THAT(tuned, SizeIs(2));
+  ASSERT_THAT(tuned, SizeIs(3));
   EXPECT_EQ(tuned[0].launches, 40U);
-  EXPECT_EQ(tuned[1].launches, 5U + 1U);
+  EXPECT_EQ(tuned[1].launches, 0U) << "it was killed before it measured";
+  EXPECT_EQ(tuned[2].launches, 5U + 1U);
 }
 
 TEST(MergeRuns, HasNothingToSayOfNothing) {

@@ -210,6 +210,13 @@ TEST_F(TuningJobTest, CountsNoRunWithoutCounters) {
   expectNoTrace();
 }
 
+TEST_F(TuningJobTest, CountsNoRunWhoseCountersStandStill) {
+  variant.nanoseconds = 0;
+  run();
+  EXPECT_THAT(told.sampled, Each(0U));
+  expectNoTrace();
+}
+
 TEST_F(TuningJobTest, ComparesNothingWhereTheOriginalChangesNothing) {
   original.body = nullptr;
   variant.body = nullptr;
