@@ -4,7 +4,6 @@
 
 #include "results/profile/Profile.h"
 
-#include "llvm/ADT/StringMap.h"
 #include "llvm/ADT/StringRef.h"
 
 #include <map>
@@ -69,7 +68,9 @@ public:
 
 private:
   std::vector<ProfileDevice> devices;
-  llvm::StringMap<KernelChoices> choices; ///< by device, program and kernel
+  /// By device, program and kernel. Not LLVM's map, which ends the process
+  /// where memory is refused.
+  std::map<std::string, KernelChoices> choices;
 };
 
 } // namespace corvane
