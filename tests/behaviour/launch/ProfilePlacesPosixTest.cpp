@@ -20,6 +20,7 @@ struct InPlaceOfAProfile : WithProfile {
     ErrorCapture capture;
     app = std::make_unique<Application>(Variables{{variable::profile, place}});
     const std::string said = capture.text();
+    app.reset();
     const std::string begin = "CV: " + file + " cannot be used as a profile: ";
     const std::string end = ". Kernels run as they are.\n";
     if (said.size() < begin.size() + end.size() || said.find(begin) != 0)

@@ -41,13 +41,6 @@ TEST_F(ProfiledProgram, IsTheOneWithTheSameOptionsAlsoWhenItIsBuiltAgain) {
   }
 }
 
-TEST_F(ProfiledProgram, IsKnownAfterTheApplicationHasReleasedIt) {
-  use(sizes(256), "g0S4");
-  start();
-  EXPECT_EQ(app->cl.clReleaseProgram(app->program), CL_SUCCESS);
-  EXPECT_EQ(run({256}), "k_coarsed_g0S4");
-}
-
 TEST_F(ProfiledProgram, IsAskedForOnlyOnce) {
   use(sizes(256), "g0S4");
   start();
@@ -72,19 +65,6 @@ TEST_F(ProfiledProgram, IsNoneWhereTheRuntimeDoesNotSayWhatItIs) {
     EXPECT_EQ(capture.text(), "");
     app.reset();
   }
-}
-
-TEST_F(ProfiledProgram,
-       RunsTheKernelWhereTheRuntimeRefusesTheVariantsArguments) {
-  use(sizes(256), "g0S4");
-  start({"g0S4"}, {{variable::summary, "1"}});
-  app->runtime.answer("clGetKernelInfo", CL_OUT_OF_RESOURCES);
-  ErrorCapture capture;
-  run({256});
-  app->runtime.answer("clGetKernelInfo", CL_SUCCESS);
-  app->agent.unload();
-  EXPECT_THAT(capture.text(), HasSubstr("CV: 0 of 1 configurations ran"))
-      << "counted is what ran";
 }
 
 TEST_F(ProfiledProgram, GoesByTheVariableAsItWasAtTheLoad) {
