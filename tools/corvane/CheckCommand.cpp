@@ -1,6 +1,7 @@
 // corvane check: runs every variant in a simulator that watches memory, and
 // compares its results with the kernel's.
 
+#include "base/RegularFile.h"
 #include "base/Settings.h"
 #include "results/RawTimingLog.h"
 #include "results/ResultFiles.h"

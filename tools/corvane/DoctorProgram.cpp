@@ -1,6 +1,7 @@
 // Runs a program with the layer and looks at the record and at the libraries
 // that it has loaded.
 
+#include "base/RegularFile.h"
 #include "base/Settings.h"
 #include "results/overview/Reasons.h"
 #include "results/overview/Words.h"

@@ -1,5 +1,6 @@
 // corvane merge: puts the results of several folders into a new one.
 
+#include "base/RegularFile.h"
 #include "results/Files.h"
 #include "results/RawTimingLog.h"
 #include "results/ResultFiles.h"

@@ -2,6 +2,7 @@
 
 #include "tools/corvane/OpenClProbe.h"
 
+#include "base/RegularFile.h"
 #include "tools/corvane/Process.h"
 #include "tools/corvane/ShallowJson.h"
 #include "tools/corvane/TunedFolder.h"

@@ -2,6 +2,7 @@
 
 #include "tools/corvane/ResultFolders.h"
 
+#include "base/RegularFile.h"
 #include "results/ResultFiles.h"
 #include "results/overview/LogRecord.h"
 #include "tools/corvane/Command.h"

@@ -35,7 +35,7 @@ TEST(OverviewJson, HasEverything) {
   const json::Value value = jsonOf(overviewOf({eventfulRun()}));
   const json::Object &all = *value.getAsObject();
   EXPECT_EQ(all.getString("format"), llvm::StringRef("corvane-report"));
-  EXPECT_EQ(all.getInteger("version"), 1);
+  EXPECT_EQ(all.getInteger("version"), std::int64_t(1));
   EXPECT_EQ(all.getNumber("time"), 1000.0);
   EXPECT_EQ(all.getNumber("timeWithWinners"), 500.0);
   ASSERT_EQ(all.getArray("runs")->size(), 1U);
