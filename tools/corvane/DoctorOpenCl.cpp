@@ -17,8 +17,8 @@ static void examineLoader(Findings &findings, const ProbedOpenCl &probed) {
                   "let no other libOpenCL come first in the search path");
   else if (!probed.agentStarted)
     findings.fail("the layer has not started the agent library",
-                  "keep both libraries in one folder; the line above on "
-                  "standard error says more");
+                  "keep both libraries in one folder; what the layer "
+                  "wrote on standard error says more");
   else
     findings.ok("the loader takes the layer, and the layer has started the "
                 "agent");

@@ -156,7 +156,7 @@ void corvane::examineFolder(Findings &findings, const std::string &folder) {
       std::to_string(space->available / mebibyte) + " MiB free";
   if (space->available < little)
     findings.warn("results can be written to " + folder + ", but with " + free,
-                  "make room, or name another folder with --output");
+                  "free some of it, or name another folder with --output");
   else
     findings.ok("results can be written to " + folder + ", " + free);
 }

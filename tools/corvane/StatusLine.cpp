@@ -18,7 +18,7 @@ static std::string scrollRows(unsigned last) {
   return "\033[1;" + std::to_string(last) + "r";
 }
 
-// The step down makes room if the cursor is in the last row. It keeps the
+// The step down scrolls if the cursor is in the last row. It keeps the
 // column, as the program may have written half a line.
 static std::string keepLastRow(unsigned rows) {
   return std::string("\033D") + saveCursor + scrollRows(rows - 1) +
