@@ -2,6 +2,7 @@
 
 #include "tools/corvane/Library.h"
 
+#include "llvm/ADT/StringRef.h"
 #include "llvm/Support/ConvertUTF.h"
 
 #include <windows.h>
