@@ -50,10 +50,13 @@ static void explainConfiguration(llvm::raw_ostream &out,
     explainVersion(out, configuration, version);
 }
 
-static void explainVariants(llvm::raw_ostream &out,
+static void explainVariants(llvm::raw_ostream &out, const ProgramLine &program,
                             const KernelVariants &kernel) {
   if (kernel.variants.empty()) {
-    out << "  no variants were found\n";
+    out << "  no variants were found";
+    if (!program.whyNotGenerated.empty())
+      out << ", and none were generated: " << program.whyNotGenerated;
+    out << '\n';
     return;
   }
   out << "  variants found: " << kernel.variants.size() << '\n';
@@ -98,7 +101,7 @@ bool corvane::explain(llvm::raw_ostream &out, const Overview &overview,
             << ")";
       out << '\n';
       any = true;
-      explainVariants(out, each);
+      explainVariants(out, program, each);
       explainLookAlikes(out, program, each.kernel);
       for (const OverviewConfiguration &configuration : overview.configurations)
         if (configuration.program == i && configuration.kernel == each.kernel)

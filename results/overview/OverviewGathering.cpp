@@ -3,6 +3,7 @@
 
 #include "results/overview/Overview.h"
 
+#include "results/runs/CountedSamples.h"
 #include "results/runs/Decision.h"
 
 #include "llvm/ADT/STLExtras.h"
@@ -74,6 +75,8 @@ void Gathering::addProgram(const ProgramLine &line) {
   addMissing(known.lookAlikes, line.lookAlikes,
              [](const auto &a, const auto &b) { return a.name == b.name; });
   known.spills = known.spills || line.spills;
+  if (known.whyNotGenerated.empty())
+    known.whyNotGenerated = line.whyNotGenerated;
 }
 
 void Gathering::addVersions(const RunConfiguration &configuration,
@@ -83,9 +86,9 @@ void Gathering::addVersions(const RunConfiguration &configuration,
     if (version.refusal.empty())
       version.refusal = verdict.refusal;
   }
-  for (const SampleLine &sample : configuration.samples)
-    if (!sample.warmUp)
-      versions[sample.version].samples.push_back(sample.microseconds);
+  for (const auto &[name, samples] : countedRuns(configuration.samples))
+    for (const std::vector<double> &runs : samples)
+      versions[name].samples.push_back(sampleOf(runs));
   for (const CheckLine &check : configuration.checks) {
     std::optional<CheckLine> &worst = versions[check.version].difference;
     if (check.result != CheckResult::Equal &&

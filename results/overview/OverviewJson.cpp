@@ -78,6 +78,8 @@ static void write(json::OStream &out, const OverviewProgram &program) {
   writeTextField(out, "hash", line.hash);
   writeTextField(out, "options", line.options);
   out.attribute("spills", line.spills);
+  if (!line.whyNotGenerated.empty())
+    writeTextField(out, "notGenerated", line.whyNotGenerated);
   out.attributeArray("kernels", [&] {
     for (const KernelVariants &kernel : line.kernels)
       out.object([&] { write(out, kernel); });

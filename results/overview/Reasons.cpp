@@ -116,6 +116,14 @@ static const LookAlike *findLookAlike(const Overview &overview) {
   return nullptr;
 }
 
+// Of the first program that has a reason; null if none has.
+static const std::string *whyNoneGenerated(const Overview &overview) {
+  for (const OverviewProgram &program : overview.programs)
+    if (!program.line.whyNotGenerated.empty())
+      return &program.line.whyNotGenerated;
+  return nullptr;
+}
+
 static bool hasVariants(const OverviewProgram &program) {
   return llvm::any_of(program.line.kernels, [](const KernelVariants &kernel) {
     return !kernel.variants.empty();
@@ -141,6 +149,8 @@ std::string corvane::remarkOn(const Overview &overview) {
     if (const LookAlike *const kernel = findLookAlike(overview))
       text +=
           "; " + kernel->name + " looks like one and is not: " + kernel->reason;
+    else if (const std::string *const reason = whyNoneGenerated(overview))
+      text += "; none were generated: " + *reason;
     return text + ".";
   }
   if (overview.configurations.empty())

@@ -370,6 +370,7 @@ function programs() {
       program.options ? make("code", {}, plain(program.options)) : ""),
     make("ul", { class: "plain" }, ...program.kernels.map((kernel) => make("li", {}, plain(kernelText(kernel)))),
       ...program.lookAlikes.map(({ name, reason }) => make("li", {}, plain(`${name} looks like a variant and is not: ${reason}`)))),
+    program.notGenerated ? make("p", {}, plain(`No variants were generated: ${program.notGenerated}`)) : null,
     program.spills ? make("p", {}, "The build log says that a variant spills registers.") : null))];
 }
 

@@ -114,6 +114,15 @@ TEST(Overview, CountsTheSamplesOfAllRunsTogether) {
   EXPECT_THAT(versionIn(overview, "").samples, SizeIs(6));
 }
 
+TEST(Overview, HasOneTimeForASampleAndTheRunsThatRepeatIt) {
+  RunRecord run =
+      MadeRun().configuration("k", oneDimension(64)).samples("", 100.0, 2);
+  SampleLine again{0, "", 400.0, false};
+  again.repeats = 0;
+  run.configurations[0].samples.push_back(again);
+  EXPECT_THAT(versionIn(overviewOf({run}), "").samples, SizeIs(2));
+}
+
 TEST(Overview, KeepsDevicesAndProgramsApart) {
   const auto run = [](const char *driver, const char *hash) {
     return MadeRun(driver, hash)
@@ -135,6 +144,10 @@ TEST(Overview, HasOneTrueSentenceForNothing) {
   RunRecord run = MadeRun();
   EXPECT_EQ(remarkOn(overviewOf({run})),
             "No program had variants: there was nothing to choose from.");
+  run.programs[0].whyNotGenerated = "it has no source";
+  EXPECT_EQ(remarkOn(overviewOf({run})),
+            "No program had variants: there was nothing to choose from; none "
+            "were generated: it has no source.");
   run.programs[0].lookAlikes = {{"k_coarsed_g4", "an item lacks a number"}};
   EXPECT_EQ(remarkOn(overviewOf({run})),
             "No program had variants: there was nothing to choose from; "
