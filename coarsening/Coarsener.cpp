@@ -66,12 +66,14 @@ public:
       : context(ast), result(into), taken(functionsOf(ast)),
         names(unusedLetters(ProgramText(ast).all())) {}
 
+  /// The first plan of every kernel comes before the second one of any: in a
+  /// long program all kernels get some variants rather than some kernels all.
   void make(llvm::ArrayRef<Plan> plans) {
-    for (const clang::FunctionDecl *kernel : kernelsOf(context)) {
-      std::set<std::string> made;
-      for (const Plan &plan : plans)
-        make(*kernel, plan, made);
-    }
+    const std::vector<const clang::FunctionDecl *> kernels = kernelsOf(context);
+    std::map<const clang::FunctionDecl *, std::set<std::string>> made;
+    for (const Plan &plan : plans)
+      for (const clang::FunctionDecl *kernel : kernels)
+        make(*kernel, plan, made[kernel]);
   }
 
   std::string text;

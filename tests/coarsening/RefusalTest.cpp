@@ -167,6 +167,21 @@ TEST(RefusedPlans, NameWhatIsTooLarge) {
               ElementsAre("too-large"));
 }
 
+TEST(RefusedPlans, OfALongProgramLeaveEachKernelOne) {
+  std::string work;
+  for (int i = 0; i < 1300; ++i)
+    work += "a[get_global_id(0)] += 1;\n";
+  const auto result =
+      coarsened("kernel void k1(global int *a) {" + work +
+                    "}\nkernel void k2(global int *a) {" + work + "}",
+                "g0S2,g0S4");
+  EXPECT_THAT(outcomes(result),
+              ElementsAre("made", "made", "too-large", "too-large"));
+  ASSERT_EQ(result.variants.size(), 2U);
+  EXPECT_EQ(result.variants[0].kernel, "k1");
+  EXPECT_EQ(result.variants[1].kernel, "k2");
+}
+
 TEST(RefusedPlans, OfOnePlanLeaveTheOthers) {
   EXPECT_THAT(outcomes(coarsened("kernel void k(global int *a) {\n"
                                  "a[get_global_id(0)] = get_local_id(0); }",
