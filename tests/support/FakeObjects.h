@@ -37,7 +37,7 @@ struct Queue : Object {
 struct Program : Object {
   cl_context context = nullptr; ///< null: the test made the program
   std::string source;           ///< empty: made of something else
-  std::string options; ///< of the latest build
+  std::string options;          ///< of the latest build
   std::vector<Build> builds{Build{}};
   std::size_t buildCount = 0; ///< so far
   unsigned deviceCount = 1;

@@ -32,7 +32,7 @@ struct TuneOptions {
   std::string verify;
   std::string seconds;
   bool generates = true; ///< variants of programs that are built from source
-  bool quiet = false; ///< no progress, also on a terminal
+  bool quiet = false;    ///< no progress, also on a terminal
 };
 
 struct RunOptions {
