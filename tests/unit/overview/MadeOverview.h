@@ -25,6 +25,7 @@ inline RunRecord eventfulRun() {
       .check("", CheckResult::Equal)
       .samples("g0S2", 50.0)
       .check("g0S2", CheckResult::Equal)
+      .check("g0S2", CheckResult::Equal)
       .samples("g0S4", 100.0)
       .check("g0S4", CheckResult::WithinBound)
       .samples("l0S2", 20.0, 1);
