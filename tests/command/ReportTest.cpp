@@ -4,6 +4,8 @@
 
 #include "llvm/Support/JSON.h"
 
+#include <algorithm>
+
 using namespace corvane;
 using namespace corvane::test;
 using testing::AllOf;
@@ -108,8 +110,10 @@ TEST_F(Report, UsesWhatIsWholeOfARecord) {
   ASSERT_TRUE(folder.write("t/runs/a/run.jsonl",
                            text + "nonsense\n" + text.substr(0, 40)));
   const Outcome outcome = corvane({"report", place});
+  const auto lines = std::count(text.begin(), text.end(), '\n');
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_THAT(outcome.err, HasSubstr("run.jsonl, line 20: byte 1: "));
+  EXPECT_THAT(outcome.err, HasSubstr("run.jsonl, line " +
+                                     std::to_string(lines + 1) + ": byte 1: "));
   EXPECT_EQ(samplesIn({place}), 14U);
 }
 

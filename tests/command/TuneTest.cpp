@@ -326,8 +326,9 @@ TEST_F(Tune, TellsWhenThereIsNothingToChooseFrom) {
 TEST_F(Tune, TellsWhyNoVariantsWereGenerated) {
   std::vector<RunLine> lines = startOfRun({{"scale", {}}});
   std::get<ProgramLine>(lines[2]).whyNotGenerated = "it has no source";
-  EXPECT_EQ(tuned({"record", "a", recordFile("r", lines)}).err,
-            "corvane: no program had variants: it has no source\n");
+  EXPECT_THAT(
+      tuned({"record", "a", recordFile("r", lines)}).err,
+      StartsWith("corvane: no program had variants: it has no source\n"));
 }
 
 TEST_F(Tune, TellsAVariableThatIsInItsWay) {
