@@ -27,9 +27,11 @@ class Record {
       variants: [...new Set(variants)].map((spec) => ({ spec, refusal: refusals[spec] })) });
     for (const [version, times] of Object.entries(samples)) {
       for (const microseconds of times) this.add("sample", { configuration: number, version, microseconds });
-      this.add("check", wrong[version]
-        ? { configuration: number, version, result: "different", ...wrong[version] }
-        : { configuration: number, version, result: "equal" });
+      if (wrong[version])
+        this.add("check", { configuration: number, version, result: "different", ...wrong[version] });
+      // After the first run and at the last.
+      else for (const result of ["equal", "equal"])
+        this.add("check", { configuration: number, version, result });
     }
     this.launches.push({ configuration: number, version: "baseline", launches });
     return this;
