@@ -5,6 +5,7 @@
 using namespace corvane;
 using namespace corvane::test;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
@@ -25,7 +26,8 @@ TEST_F(Doctor, BeginsEachLineWithWhatItMeans) {
   EXPECT_THAT(outcome.out, StartsWith("ok    corvane " CORVANE_VERSION "\n"));
   std::istringstream lines(outcome.out);
   for (std::string line; std::getline(lines, line);)
-    EXPECT_THAT(line, ContainsRegex("^(ok    |warn  |fail  )"));
+    EXPECT_THAT(line, AnyOf(StartsWith("ok    "), StartsWith("warn  "),
+                            StartsWith("fail  ")));
   EXPECT_EQ(outcome.exitCode,
             outcome.out.find("\nfail") == std::string::npos ? 0 : 1);
 }

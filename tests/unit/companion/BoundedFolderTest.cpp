@@ -82,6 +82,12 @@ TEST(BoundedFolder, ThatCannotBeMadeKeepsNothing) {
   EXPECT_EQ(folder.read("file"), "text");
 }
 
+#ifdef _WIN32
+static constexpr bool onWindows = true;
+#else
+static constexpr bool onWindows = false;
+#endif
+
 TEST(BoundedFolder, MayBeUsedByManyAtATime) {
   const TempFolder folder;
   std::vector<std::thread> threads;
@@ -90,9 +96,12 @@ TEST(BoundedFolder, MayBeUsedByManyAtATime) {
       const BoundedFolder kept(folder.text(), 100000);
       for (int i = 0; i != 50; ++i) {
         kept.keep("shared", std::string(1000, 'a'));
-        EXPECT_THAT(
-            kept.find("shared", 5000),
-            Optional(AnyOf(std::string(1000, 'a'), std::string(2000, 'b'))));
+        const auto found = kept.find("shared", 5000);
+        // Windows lets nobody open a file while another one takes its place.
+        if (found || !onWindows) {
+          EXPECT_THAT(found, Optional(AnyOf(std::string(1000, 'a'),
+                                            std::string(2000, 'b'))));
+        }
         kept.keep("shared", std::string(2000, 'b'));
       }
     });
