@@ -3,6 +3,7 @@
 #include "companion/WholeFile.h"
 
 #include "base/Platform.h"
+#include "base/RegularFile.h"
 
 #include <atomic>
 #include <chrono>
@@ -15,21 +16,11 @@ namespace fs = std::filesystem;
 
 std::optional<std::string> corvane::readWholeFile(const std::string &path,
                                                   std::size_t most) {
-  const platform::OpenedFile opened =
-      platform::openRegularFile(path, platform::FileUse::Read);
-  if (!opened.file)
-    return std::nullopt;
-  std::string bytes;
-  std::string piece(std::size_t{1} << 16, '\0');
-  while (const std::size_t count =
-             std::fread(piece.data(), 1, piece.size(), opened.file.get())) {
-    bytes.append(piece, 0, count);
-    if (bytes.size() > most)
-      return std::nullopt;
-  }
-  if (std::ferror(opened.file.get()))
-    return std::nullopt;
-  return bytes;
+  llvm::Expected<std::string> bytes = readRegularFile(path, most);
+  if (bytes)
+    return std::move(*bytes);
+  llvm::consumeError(bytes.takeError());
+  return std::nullopt;
 }
 
 // No other file has it: not of this process, and hardly of another one.

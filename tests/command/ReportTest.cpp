@@ -117,6 +117,16 @@ TEST_F(Report, UsesWhatIsWholeOfARecord) {
   EXPECT_EQ(samplesIn({place}), 14U);
 }
 
+TEST_F(Report, SaysWhatItCannotUseOfASingleRecord) {
+  const std::string file =
+      tunedFolder("t", fasterVariant()) + "/runs/a/run.jsonl";
+  ASSERT_TRUE(
+      folder.write("t/runs/a/run.jsonl", readBytes(file) + "nonsense\n"));
+  EXPECT_THAT(
+      corvane({"report", file, "--output", folder.file("page.html")}).err,
+      HasSubstr(": byte 1: "));
+}
+
 TEST_F(Report, PassesOverForeignFilesInTheRuns) {
   const std::string place = tunedFolder("t", fasterVariant());
   std::filesystem::create_directories(folder.path() / "t/runs/b/run.jsonl");

@@ -15,7 +15,6 @@
 #include "tools/corvane/SimulatorLog.h"
 #include "tools/corvane/TunedFolder.h"
 
-#include "llvm/ADT/SmallString.h"
 #include "llvm/ADT/StringRef.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
@@ -30,13 +29,6 @@ namespace path = llvm::sys::path;
 
 static constexpr std::uint64_t mostText = std::uint64_t(256) << 20;
 static constexpr const char *driversVariable = "OCL_ICD_VENDORS";
-
-static std::string joined(const std::string &folder, const llvm::Twine &a,
-                          const llvm::Twine &b) {
-  llvm::SmallString<256> text(folder);
-  path::append(text, a, b);
-  return text.str().str();
-}
 
 // The simulator as a driver for a loader: beside the program oclgrind, as its
 // packages put it. Empty if it is not there.

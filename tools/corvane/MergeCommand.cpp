@@ -13,7 +13,6 @@
 #include "tools/corvane/StepProgress.h"
 #include "tools/corvane/TunedFolder.h"
 
-#include "llvm/ADT/SmallString.h"
 #include "llvm/ADT/StringExtras.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
@@ -21,16 +20,6 @@
 using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
-
-static constexpr std::uint64_t recordLimit = std::uint64_t(1) << 30;
-
-static std::string joined(const std::string &folder, const llvm::Twine &a,
-                          const llvm::Twine &b = "",
-                          const llvm::Twine &c = "") {
-  llvm::SmallString<256> text(folder);
-  path::append(text, a, b, c);
-  return text.str().str();
-}
 
 namespace {
 

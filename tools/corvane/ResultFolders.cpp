@@ -11,7 +11,6 @@
 #include "tools/corvane/StepProgress.h"
 #include "tools/corvane/TunedFolder.h"
 
-#include "llvm/ADT/SmallString.h"
 #include "llvm/Support/FileSystem.h"
 #include "llvm/Support/Path.h"
 
@@ -21,15 +20,6 @@ namespace path = llvm::sys::path;
 namespace json = llvm::json;
 
 static constexpr std::uint64_t commandLimit = std::uint64_t(1) << 20;
-static constexpr std::uint64_t recordLimit = std::uint64_t(1) << 30;
-
-static std::string joined(const std::string &folder, const llvm::Twine &a,
-                          const llvm::Twine &b = "",
-                          const llvm::Twine &c = "") {
-  llvm::SmallString<256> text(folder);
-  path::append(text, a, b, c);
-  return text.str().str();
-}
 
 static std::string nameOf(const std::string &place) {
   return path::filename(absoluteFolder(place)).str();
@@ -81,14 +71,11 @@ void corvane::addRuns(RunSet &runs, const std::string &folder) {
 
 static bool addRecord(RunSet &runs, const std::string &file,
                       const std::string &name) {
-  llvm::Expected<std::string> text = readRegularFile(file, recordLimit);
-  if (!text) {
-    say(file + ": " + llvm::toString(text.takeError()));
-    return false;
-  }
-  runs.add({name, commandOf(path::parent_path(file).str()), false},
-           readRun(*text));
-  return true;
+  std::optional<RunRecord> record = readRecord(file);
+  if (record)
+    runs.add({name, commandOf(path::parent_path(file).str()), false},
+             std::move(*record));
+  return record.has_value();
 }
 
 static bool addLog(RunSet &runs, const std::string &file,

@@ -16,12 +16,8 @@ using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
 
-// Enough for a record of millions of samples.
-static constexpr std::uint64_t recordLimit = std::uint64_t(1) << 30;
-
-static std::string joined(const std::string &folder, const llvm::Twine &a,
-                          const llvm::Twine &b = "",
-                          const llvm::Twine &c = "") {
+std::string corvane::joined(const std::string &folder, const llvm::Twine &a,
+                            const llvm::Twine &b, const llvm::Twine &c) {
   llvm::SmallString<256> text(folder);
   path::append(text, a, b, c);
   return text.str().str();
@@ -57,20 +53,24 @@ static void tellProblems(const std::string &file, const RunRecord &run) {
   say(text);
 }
 
+std::optional<RunRecord> corvane::readRecord(const std::string &file) {
+  llvm::Expected<std::string> text = readRegularFile(file, recordLimit);
+  if (!text) {
+    say(file + ": " + llvm::toString(text.takeError()));
+    return std::nullopt;
+  }
+  RunRecord run = readRun(*text);
+  tellProblems(file, run);
+  return run;
+}
+
 std::vector<RunRecord> corvane::readRuns(const std::string &folder,
                                          const std::set<std::string> &names) {
   std::vector<RunRecord> runs;
-  for (const std::string &name : names) {
-    const std::string file =
-        joined(folder, resultFile::runFolder, name, resultFile::runRecord);
-    llvm::Expected<std::string> text = readRegularFile(file, recordLimit);
-    if (!text) {
-      say(file + ": " + llvm::toString(text.takeError()));
-      continue;
-    }
-    runs.push_back(readRun(*text));
-    tellProblems(file, runs.back());
-  }
+  for (const std::string &name : names)
+    if (std::optional<RunRecord> run = readRecord(
+            joined(folder, resultFile::runFolder, name, resultFile::runRecord)))
+      runs.push_back(std::move(*run));
   return runs;
 }
 
