@@ -1,4 +1,5 @@
-"""Prints what became of each preset's tests, and fails if any of them failed.
+"""Prints which tests failed, with the end of what they printed, and what became
+of each preset's tests as a table. Fails if any of them failed.
 
 Usage: results_table.py BUILD [PRESET STATUS MINUTES]...
 
@@ -10,23 +11,42 @@ import sys
 import xml.etree.ElementTree as xml
 from pathlib import Path
 
+# The most failed tests whose output is shown, and the most lines of each.
+MOST_OUTPUTS = 10
+MOST_LINES = 25
 HEAD = ["preset", "passed", "failed", "skipped", "minutes"]
 
 
-def counts(results):
-    """How many tests passed, failed and were skipped; None without results."""
+def read_suite(results):
+    """The root of CTest's results; None if there are none."""
     try:
-        suite = xml.parse(results).getroot()
-        tests, failed, skipped, disabled = (
-            int(suite.get(name, 0))
-            for name in ("tests", "failures", "skipped", "disabled"))
-    except (OSError, ValueError, xml.ParseError):
+        return xml.parse(results).getroot()
+    except (OSError, xml.ParseError):
         return None
+
+
+def counts(suite):
+    """How many tests passed, failed and were skipped."""
+    tests, failed, skipped, disabled = (
+        int(suite.get(name, 0))
+        for name in ("tests", "failures", "skipped", "disabled"))
     return tests - failed - skipped - disabled, failed, skipped + disabled
 
 
-def row(build, preset, status, minutes):
-    found = counts(build / f"{preset}.results.xml")
+def print_failures(preset, suite):
+    """The names of all tests that failed, and the end of what each printed."""
+    failed = [test for test in suite.iter("testcase")
+              if test.get("status") == "fail"]
+    for number, test in enumerate(failed):
+        print(f"{preset}: {test.get('name')} failed after {float(test.get('time')):.1f} s")
+        if number < MOST_OUTPUTS:
+            lines = (test.findtext("system-out") or "").rstrip().splitlines()
+            for line in lines[-MOST_LINES:]:
+                print(f"    {line}")
+
+
+def row(suite, preset, status, minutes):
+    found = None if suite is None else counts(suite)
     cells = [preset, *map(str, found or ("-", "-", "-")), minutes]
     if status == "0":
         return cells
@@ -37,7 +57,12 @@ def row(build, preset, status, minutes):
 def main():
     build, words = Path(sys.argv[1]), sys.argv[2:]
     runs = [words[i:i + 3] for i in range(0, len(words), 3)]
-    table = [HEAD] + [row(build, *run) for run in runs]
+    table = [HEAD]
+    for run in runs:
+        suite = read_suite(build / f"{run[0]}.results.xml")
+        if suite is not None:
+            print_failures(run[0], suite)
+        table.append(row(suite, *run))
     widths = [max(len(line[i]) for line in table) for i in range(len(HEAD))]
     for line in table:
         cells = [line[0].ljust(widths[0])]
