@@ -21,10 +21,12 @@ using Words = std::vector<std::string>;
 /// Tunes and runs programs of these tests by corvane.
 class TunedFolderTest : public testing::Test {
 protected:
-  /// The variables that every program gets.
+  /// The variables that every program gets. The layer that is named first is
+  /// the last one before the runtime.
   virtual Environment environment() const {
     std::filesystem::create_directories(KERNEL_CACHE_FOLDER);
-    return {{"POCL_CACHE_DIR", KERNEL_CACHE_FOLDER}};
+    return {{"POCL_CACHE_DIR", KERNEL_CACHE_FOLDER},
+            {"OPENCL_LAYERS", STEADY_CLOCK_FILE}};
   }
 
   ProgramRun alone(const Words &command) const {

@@ -42,6 +42,9 @@ protected:
 TEST_F(TunedProgram, UsesAVariantThatIsFaster) {
   expectSameResults("good");
   EXPECT_THAT(uses(), AllOf(SizeIs(2), Each("g0S2")));
+  const ProfileEntry entry = profile().entries.front();
+  EXPECT_EQ(entry.versions.at("").median, entry.sizes.global[0]);
+  EXPECT_EQ(entry.versions.at("g0S2").median, entry.sizes.global[0] / 2);
   const RunRecord record = records().front();
   ASSERT_TRUE(record.end);
   EXPECT_EQ(record.end->launches, 6U);

@@ -46,7 +46,7 @@ static void launchOnce(Built &built, bool isRacing, size_t size) {
       built.session.bufferOf(isRacing ? Values(size, 0) : someValues(size, 7));
   setArgument(built.kernel.get(), 0, y.get());
   setArgument(built.kernel.get(), 1, x.get());
-  setArgument(built.kernel.get(), 2, cl_uint{20000});
+  setArgument(built.kernel.get(), 2, cl_uint{2000});
   launch(built.queue.get(), built.kernel, size, 64);
   const Values values = read(built.queue.get(), y.get(), size);
   print("y",

@@ -58,7 +58,7 @@ static void launchKernel(const Session &session, const Kernel &kernel,
       const Buffer x = session.bufferOf(someValues(size, 7));
       setArgument(kernel.get(), 0, y.get());
       setArgument(kernel.get(), 1, x.get());
-      setArgument(kernel.get(), 2, cl_uint{20000});
+      setArgument(kernel.get(), 2, cl_uint{2000});
       launch(queue.get(), kernel, size, 64);
       print(label, read(queue.get(), y.get(), size));
     }
@@ -199,7 +199,7 @@ static void threads() {
         const Buffer x = session.bufferOf(someValues(1024, number));
         setArgument(kernel.get(), 0, y.get());
         setArgument(kernel.get(), 1, x.get());
-        setArgument(kernel.get(), 2, cl_uint{20000});
+        setArgument(kernel.get(), 2, cl_uint{2000});
         launch(queue.get(), kernel, 1024, 64);
         results[number] = read(queue.get(), y.get(), 1024);
       }
