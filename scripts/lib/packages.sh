@@ -11,11 +11,15 @@ build_packages=(
 
 # What the tests run besides.
 # shellcheck disable=SC2034
-test_packages=(pocl-opencl-icd clinfo clfft-client python3 binutils chromium locales
+test_packages=(pocl-opencl-icd clinfo clfft-client python3 binutils locales
   opencl-clhpp-headers oclgrind)
+
+# What the tests of pages run besides.
+# shellcheck disable=SC2034
+browser_packages=(chromium)
 # Many machines have these two from elsewhere, which Debian's would disturb.
-command -v node >/dev/null || test_packages+=(nodejs)
-command -v npm >/dev/null || test_packages+=(npm)
+command -v node >/dev/null || browser_packages+=(nodejs)
+command -v npm >/dev/null || browser_packages+=(npm)
 
 # What it takes to build the fuzzers and to run them, besides cmake and ninja.
 # shellcheck disable=SC2034

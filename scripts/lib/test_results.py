@@ -22,7 +22,9 @@ for preset; do :; done
 CTEST = """#!/bin/sh
 failures=$(cat "$STUBS/$2.failures" 2>/dev/null || echo 0)
 echo "$2 ran, with $*"
-echo "<testsuite tests='7' failures='$failures' disabled='0' skipped='1'/>" >"$4"
+cases=$(cat "$STUBS/$2.cases" 2>/dev/null)
+echo "<testsuite tests='7' failures='$failures' disabled='0' skipped='1'>\
+$cases</testsuite>" >"$4"
 [ "$failures" = 0 ] || exit 8
 """
 DPKG_QUERY = "#!/bin/sh\necho installed\n"
@@ -50,7 +52,8 @@ class Results(unittest.TestCase):
 
     def table(self, run):
         """The last lines: the cells of each preset, without its minutes."""
-        lines = run.stdout.split("== results\n")[1].splitlines()
+        lines = run.stdout.split("\npreset ")[1].splitlines()
+        lines[0] = f"preset {lines[0]}"
         rows = [re.split(r" {2,}", line) for line in lines if line]
         self.assertEqual(rows[0], ["preset", "passed", "failed", "skipped", "minutes"])
         return [row[:4] + row[5:] for row in rows[1:] if len(row) > 1]
@@ -61,8 +64,23 @@ class Results(unittest.TestCase):
         self.assertEqual(self.table(run), [["release", "6", "0", "1"]])
         self.assertIn("scripts/test --all", run.stdout)
 
-    def test_slow_tests_are_left_out_only_where_nothing_is_named(self):
-        leave_out = "--label-exclude slow"
+    def test_failed_tests_are_named_with_the_end_of_what_they_printed(self):
+        (self.stubs / "release.failures").write_text("1")
+        printed = "\n".join(f"line {number}." for number in range(1, 41))
+        (self.stubs / "release.cases").write_text(
+            "<testcase name='Good' time='1' status='run'>"
+            "<system-out>all is well</system-out></testcase>"
+            "<testcase name='Bad' time='2.34' status='fail'>"
+            f"<system-out>{printed}</system-out></testcase>")
+        run = self.run_script("release")
+        self.assertIn("release: Bad failed after 2.3 s\n    line 16.\n", run.stdout)
+        self.assertIn("    line 40.\n", run.stdout)
+        self.assertNotIn("line 15.", run.stdout)
+        self.assertNotIn("Good", run.stdout)
+        self.assertEqual(self.table(run)[0][2], "1")
+
+    def test_long_tests_are_left_out_only_where_nothing_is_named(self):
+        leave_out = "--label-exclude slow|browser"
         self.assertIn(leave_out, self.run_script().stdout)
         self.assertNotIn(leave_out, self.run_script("release").stdout)
         self.assertNotIn(leave_out, self.run_script("--all").stdout)
