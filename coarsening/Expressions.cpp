@@ -20,9 +20,9 @@ bool Expressions::differs(const IdUse &use) const {
 
 namespace {
 
-class Collector {
+class ExpressionCollector {
 public:
-  Collector(const clang::ASTContext &ast, Expressions &all)
+  ExpressionCollector(const clang::ASTContext &ast, Expressions &all)
       : context(ast), expressions(all) {}
 
   void visit(const clang::Stmt &node) {
@@ -198,7 +198,7 @@ const ExpressionFacts &Expressions::factsOf(const clang::Expr &expr) {
   const auto found = known.find(&expr);
   if (found != known.end())
     return found->second;
-  Collector collector(context, *this);
+  ExpressionCollector collector(context, *this);
   collector.visit(expr);
   return known.emplace(&expr, std::move(collector.facts)).first->second;
 }

@@ -141,10 +141,10 @@ static bool isDeclaredByCompiler(const clang::FunctionDecl &function) {
 namespace {
 
 /// Collects the facts of one body.
-class Collector {
+class FactCollector {
 public:
-  Collector(FunctionTable &functions, const clang::ASTContext &ast,
-            const GlobalIdForms &globalIds)
+  FactCollector(FunctionTable &functions, const clang::ASTContext &ast,
+                const GlobalIdForms &globalIds)
       : table(functions), context(ast), forms(globalIds) {
     for (const auto &[expr, dim] : forms.forms)
       facts.ids.insert({BuiltinKind::GlobalId, dim});
@@ -281,7 +281,7 @@ FunctionTable::factsOf(const clang::FunctionDecl &function) {
     return recursive;
   const GlobalIdForms forms = findGlobalIds(function);
   globalIds.insert(forms.forms.begin(), forms.forms.end());
-  Collector collector(*this, function.getASTContext(), forms);
+  FactCollector collector(*this, function.getASTContext(), forms);
   FunctionFacts collected = collector.collect(*function.getBody());
   unfinished.erase(&function);
   return facts.emplace(&function, std::move(collected)).first->second;

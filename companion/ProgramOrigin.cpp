@@ -6,7 +6,7 @@
 
 using namespace corvane;
 
-static constexpr std::size_t mostBytes = std::size_t{4} << 20;
+static constexpr std::size_t mostOriginBytes = std::size_t{4} << 20;
 static constexpr const char *firstWord = "origin1 ";
 
 KnownBinaries::KnownBinaries(const std::string &path)
@@ -17,16 +17,16 @@ void KnownBinaries::remember(llvm::StringRef binary,
                              const ProgramOrigin &origin) const {
   const std::string bytes = firstWord + std::to_string(origin.options.size()) +
                             "\n" + origin.options + origin.source;
-  if (bytes.size() > mostBytes)
+  if (bytes.size() > mostOriginBytes)
     return;
   const std::string name = sha256Text({binary});
-  if (folder.find(name, mostBytes) != bytes)
+  if (folder.find(name, mostOriginBytes) != bytes)
     folder.keep(name, bytes);
 }
 
 std::optional<ProgramOrigin> KnownBinaries::find(llvm::StringRef binary) const {
   const std::optional<std::string> bytes =
-      folder.find(sha256Text({binary}), mostBytes);
+      folder.find(sha256Text({binary}), mostOriginBytes);
   if (!bytes)
     return std::nullopt;
   llvm::StringRef rest = *bytes;

@@ -113,10 +113,10 @@ void corvane::keepVariants(VariantsFile &file,
 }
 
 bool corvane::includesAreUnchanged(const VariantsFile &file) {
-  constexpr std::size_t mostBytes = std::size_t{16} << 20;
+  constexpr std::size_t mostIncluded = std::size_t{16} << 20;
   return llvm::all_of(file.included, [](const IncludedFile &included) {
     const std::optional<std::string> bytes =
-        readWholeFile(included.path, mostBytes);
+        readWholeFile(included.path, mostIncluded);
     return bytes && sha256Text({llvm::StringRef(*bytes)}) == included.hash;
   });
 }

@@ -12,13 +12,13 @@
 using namespace corvane;
 
 // No driver has a longer text; a runtime that claims one is wrong.
-static constexpr std::size_t mostBytes = std::size_t{1} << 16;
+static constexpr std::size_t mostTextBytes = std::size_t{1} << 16;
 
 // As files have it, so that what was read from one compares equal.
 static std::optional<std::string> textOf(cl_device_id device,
                                          cl_device_info what) {
   const auto text = readRuntimeText(
-      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
+      mostTextBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
         return runtime().clGetDeviceInfo(device, what, capacity, place, size);
       });
   if (!text)

@@ -17,24 +17,24 @@
 using namespace corvane;
 
 // More than any program has; a runtime that claims it is wrong.
-static constexpr std::size_t mostBytes = std::size_t{1} << 30;
+static constexpr std::size_t mostBinaryBytes = std::size_t{1} << 30;
 static constexpr std::size_t mostDevices = 4096;
 
 static std::optional<std::string> sourceOf(cl_program program) {
-  return readRuntimeText(
-      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
-        return runtime().clGetProgramInfo(program, CL_PROGRAM_SOURCE, capacity,
-                                          place, size);
-      });
+  return readRuntimeText(mostBinaryBytes, [=](std::size_t capacity, void *place,
+                                              std::size_t *size) {
+    return runtime().clGetProgramInfo(program, CL_PROGRAM_SOURCE, capacity,
+                                      place, size);
+  });
 }
 
 static std::optional<std::string> optionsOf(cl_program program,
                                             cl_device_id device) {
-  return readRuntimeText(
-      mostBytes, [=](std::size_t capacity, void *place, std::size_t *size) {
-        return runtime().clGetProgramBuildInfo(
-            program, device, CL_PROGRAM_BUILD_OPTIONS, capacity, place, size);
-      });
+  return readRuntimeText(mostBinaryBytes, [=](std::size_t capacity, void *place,
+                                              std::size_t *size) {
+    return runtime().clGetProgramBuildInfo(
+        program, device, CL_PROGRAM_BUILD_OPTIONS, capacity, place, size);
+  });
 }
 
 static std::vector<cl_device_id> devicesOf(cl_program program) {
@@ -74,7 +74,7 @@ static std::optional<Binary> binaryOf(cl_program program, cl_device_id device) {
     return std::nullopt;
   Binary binary;
   binary.size = sizes[index];
-  if (binary.size == 0 || binary.size > mostBytes)
+  if (binary.size == 0 || binary.size > mostBinaryBytes)
     return std::nullopt;
   binary.bytes = allocateZeroed<unsigned char>(binary.size);
   std::vector<unsigned char *> places(devices.size());

@@ -13,7 +13,8 @@
 using namespace corvane;
 
 namespace {
-using Key = std::tuple<std::string, LaunchSizes, std::string, std::size_t>;
+using ComparedKey =
+    std::tuple<std::string, LaunchSizes, std::string, std::size_t>;
 } // namespace
 
 // The version to use, with samples; null without any.
@@ -31,14 +32,14 @@ static bool namesDevices(const Overview &overview) {
 
 // A program whose source has changed is still the same kernel to its user. Of
 // several configurations with the same names the first are compared, and so on.
-static std::map<Key, const OverviewConfiguration *>
+static std::map<ComparedKey, const OverviewConfiguration *>
 byKey(const Overview &overview, bool withDevice) {
-  std::map<Key, const OverviewConfiguration *> map;
+  std::map<ComparedKey, const OverviewConfiguration *> map;
   for (const OverviewConfiguration &configuration : overview.configurations) {
-    Key key(configuration.kernel, configuration.sizes,
-            withDevice ? overview.devices[configuration.device].name
-                       : std::string(),
-            0);
+    ComparedKey key(configuration.kernel, configuration.sizes,
+                    withDevice ? overview.devices[configuration.device].name
+                               : std::string(),
+                    0);
     while (!map.try_emplace(key, &configuration).second)
       ++std::get<3>(key);
   }

@@ -16,7 +16,8 @@ using namespace corvane;
 namespace {
 
 /// What tells one configuration from others, as in a profile.
-using Key = std::tuple<ProfileDevice, std::string, std::string, LaunchSizes>;
+using ConfigurationKey =
+    std::tuple<ProfileDevice, std::string, std::string, LaunchSizes>;
 
 struct GatheredVersion {
   std::vector<double> samples;
@@ -42,7 +43,7 @@ private:
   Overview &overview;
   std::map<ProfileDevice, std::size_t> devices;
   std::map<std::string, std::size_t> programs;
-  std::map<Key, GatheredVersions> configurations;
+  std::map<ConfigurationKey, GatheredVersions> configurations;
 };
 
 } // namespace

@@ -92,8 +92,8 @@ TEST_P(AllocationFaults, CanBeOvercomeWhenNothingIsToBeHadForAWhile) {
   tellWithoutEach("all from there on ", AgentMemory::refuseFrom);
 }
 
-static std::string
-nameOf(const testing::TestParamInfo<std::tuple<bool, Running>> &info) {
+static std::string allocationStoryName(
+    const testing::TestParamInfo<std::tuple<bool, Running>> &info) {
   const auto [tuning, running] = info.param;
   return (tuning ? "Tuning" : "Normal") + textOf(running);
 }
@@ -103,4 +103,4 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Combine(testing::Bool(),
                      testing::Values(Running::AtOnce, Running::BeforeTheRelease,
                                      Running::AfterTheUnload)),
-    nameOf);
+    allocationStoryName);

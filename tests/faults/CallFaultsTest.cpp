@@ -118,7 +118,7 @@ TEST_P(CallFaults, LeaveNoTraceWhenAnEntryAlwaysFails) {
               entries.size(), code);
 }
 
-static std::string nameOf(const testing::TestParamInfo<Parameters> &info) {
+static std::string storyName(const testing::TestParamInfo<Parameters> &info) {
   const auto [tuning, running, code] = info.param;
   const std::string name = tuning ? "Tuning" : "Normal";
   return name + textOf(running) + "Code" + std::to_string(-code);
@@ -133,4 +133,4 @@ INSTANTIATE_TEST_SUITE_P(
                                      Running::AfterTheUnload),
                      testing::Values(CL_OUT_OF_RESOURCES, CL_INVALID_VALUE,
                                      -9999)),
-    nameOf);
+    storyName);

@@ -30,7 +30,7 @@ constexpr const char *source = "kernel void k(global uchar *p) {}";
 constexpr const char *hashOfProgram = "ed37c389c5d83d3b5847e352c538c5f1"
                                       "73b89b00cbd2d946f2dd074b7d9abdb2";
 
-void addOne(const Launch &launch) {
+void incrementAll(const Launch &launch) {
   for (unsigned char &element : launch.buffer(0))
     ++element;
 }
@@ -58,8 +58,8 @@ public:
   explicit ProfiledProcess(const TempFolder &folder)
       : profile(variable::profile, folder.text()) {
     program.source(source)
-        .kernel("k", 1, addOne)
-        .kernel("k_coarsed_g0S2", 1, addOne);
+        .kernel("k", 1, incrementAll)
+        .kernel("k_coarsed_g0S2", 1, incrementAll);
   }
 
   void tell() {

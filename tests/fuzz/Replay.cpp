@@ -13,7 +13,7 @@
 namespace fs = std::filesystem;
 
 // The files in the same order on every system.
-static std::vector<fs::path> filesIn(const fs::path &given) {
+static std::vector<fs::path> inputsIn(const fs::path &given) {
   if (!fs::is_directory(given))
     return {given};
   std::vector<fs::path> files;
@@ -41,7 +41,7 @@ static bool replay(const fs::path &file) {
 int main(int count, char **arguments) {
   std::size_t tried = 0;
   for (int i = 1; i < count; ++i)
-    for (const fs::path &file : filesIn(arguments[i])) {
+    for (const fs::path &file : inputsIn(arguments[i])) {
       if (!replay(file))
         return 1;
       ++tried;

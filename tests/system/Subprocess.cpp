@@ -60,7 +60,7 @@ static test::Environment environmentWith(const test::Environment &changes) {
   return all;
 }
 
-static std::vector<char *> pointersTo(std::vector<std::string> &texts) {
+std::vector<char *> corvane::test::pointersTo(std::vector<std::string> &texts) {
   std::vector<char *> pointers;
   pointers.reserve(texts.size() + 1);
   for (std::string &text : texts)

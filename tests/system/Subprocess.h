@@ -23,6 +23,10 @@ struct ProgramRun {
 ProgramRun runProgram(const std::vector<std::string> &command,
                       const Environment &changes = {});
 
+/// The words or variables of a program as its start takes them: a pointer to
+/// each text and a null pointer. Valid as long as \p texts is not changed.
+std::vector<char *> pointersTo(std::vector<std::string> &texts);
+
 /// The lines of a text, without their line feeds.
 std::vector<std::string> linesOf(const std::string &text);
 

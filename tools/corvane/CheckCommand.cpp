@@ -27,7 +27,7 @@ using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
 
-static constexpr std::uint64_t mostText = std::uint64_t(256) << 20;
+static constexpr std::uint64_t mostLogText = std::uint64_t(256) << 20;
 static constexpr const char *driversVariable = "OCL_ICD_VENDORS";
 
 // The simulator as a driver for a loader: beside the program oclgrind, as its
@@ -212,7 +212,7 @@ int corvane::check(const Program &program) {
                   "what it did before is examined");
   std::string log;
   if (llvm::Expected<std::string> text =
-          readRegularFile(scratch.file("log"), mostText))
+          readRegularFile(scratch.file("log"), mostLogText))
     log = std::move(*text);
   else
     llvm::consumeError(text.takeError());

@@ -20,7 +20,7 @@ using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
 
-static constexpr std::uint64_t mostText = std::uint64_t(256) << 20;
+static constexpr std::uint64_t mostRecordText = std::uint64_t(256) << 20;
 
 // The system's loader lists what it loads, here in a file for each process.
 static std::set<std::string> openClLibraries(const std::string &folder) {
@@ -28,7 +28,8 @@ static std::set<std::string> openClLibraries(const std::string &folder) {
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
-    llvm::Expected<std::string> text = readRegularFile(entry->path(), mostText);
+    llvm::Expected<std::string> text =
+        readRegularFile(entry->path(), mostRecordText);
     if (!text) {
       llvm::consumeError(text.takeError());
       continue;

@@ -13,7 +13,7 @@
 using namespace corvane;
 namespace json = llvm::json;
 
-static constexpr std::uint64_t mostText = std::uint64_t(16) << 20;
+static constexpr std::uint64_t mostProbeText = std::uint64_t(16) << 20;
 
 static void readLine(ProbedOpenCl &probed, const json::Object &line) {
   const auto text = [&line](llvm::StringRef key) {
@@ -47,7 +47,8 @@ ProbedOpenCl corvane::probeOpenCl(const ProbeWords &words) {
   (void)runAndWait({ownProgram(), describeArgument, words.loader, words.layer,
                     words.agent, words.output});
   ProbedOpenCl probed;
-  llvm::Expected<std::string> text = readRegularFile(words.output, mostText);
+  llvm::Expected<std::string> text =
+      readRegularFile(words.output, mostProbeText);
   if (!text) {
     llvm::consumeError(text.takeError());
     return probed;

@@ -3,6 +3,7 @@
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/GroupedDigits.h"
 #include "tests/support/TempFolder.h"
 
 #include "gmock/gmock.h"
@@ -91,13 +92,6 @@ TEST(DiagnosticLog, DefinedOnlyAfterTheLastTextHasNoFile) {
   EXPECT_EQ(ended.errorText, "");
   EXPECT_THAT(ended.files, IsEmpty());
 }
-
-namespace {
-struct GroupedDigits : std::numpunct<char> {
-  char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
-};
-} // namespace
 
 TEST(DiagnosticLog, TellsItsLengthTheSameInEveryLocale) {
   const Ended ended = runToItsEnd([](const std::string &log) {

@@ -2,6 +2,7 @@
 
 #include "tests/behaviour/Calls.h"
 #include "tests/support/ErrorCapture.h"
+#include "tests/support/GroupedDigits.h"
 
 #include "gtest/gtest.h"
 
@@ -77,15 +78,6 @@ TEST(ErrorReport, GivesTheNumberOfCodesMinus14And5WithoutABlank) {
   EXPECT_EQ(reportOf(-14), lineWith("unknown code(-14)"));
   EXPECT_EQ(reportOf(5), lineWith("unknown code(5)"));
 }
-
-namespace {
-/// Digits in groups, as an application may have set for its streams: "-1001" is
-/// "-1.001" then.
-struct GroupedDigits : std::numpunct<char> {
-  char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
-};
-} // namespace
 
 TEST(ErrorReport, IsTheSameInEveryLocale) {
   const std::locale grouped(std::locale::classic(), new GroupedDigits);

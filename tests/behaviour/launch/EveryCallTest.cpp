@@ -98,12 +98,12 @@ TEST(ThrowingCall, LeavesTheAgentUnlocked) {
 namespace {
 /// An application whose kernel works in place. Its two variants first spoil the
 /// buffers and then do what the kernel does.
-template <typename Mode> struct InPlace : Mode {
+template <typename Mode> struct SpoilingApplication : Mode {
   cl_kernel kernel;
   cl_mem y;
   cl_mem x;
 
-  InPlace() {
+  SpoilingApplication() {
     const auto add = [](const Launch &l) { l.buffer(0)[0] += l.buffer(1)[0]; };
     this->program.kernel("k", 2, add);
     this->program.kernel("k_coarsed_g0S2", 2, add);
@@ -122,7 +122,7 @@ template <typename Mode> struct InPlace : Mode {
 // Launches once with each call of the launch failing in turn.
 template <typename Mode> static std::size_t failEachCall() {
   for (std::size_t nth = 1;; ++nth) {
-    InPlace<Mode> app;
+    SpoilingApplication<Mode> app;
     app.runtime.forgetTranscript();
     app.runtime.answerAny(nth, CL_OUT_OF_RESOURCES);
     ErrorCapture errors;

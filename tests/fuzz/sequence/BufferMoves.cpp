@@ -8,7 +8,7 @@
 using namespace corvane;
 using namespace corvane::fuzz;
 
-static constexpr std::size_t sizes[] = {8, 1, 16, 4, 100, 0};
+static constexpr std::size_t bufferSizes[] = {8, 1, 16, 4, 100, 0};
 static constexpr cl_mem_flags flags[] = {
     CL_MEM_READ_WRITE,
     CL_MEM_READ_WRITE,
@@ -45,7 +45,8 @@ static cl_mem makeSeen(Play &play, std::size_t size) {
 }
 
 void corvane::fuzz::createBuffer(Play &play) {
-  const std::size_t size = sizes[play.input.below(std::size(sizes))];
+  const std::size_t size =
+      bufferSizes[play.input.below(std::size(bufferSizes))];
   const cl_mem buffer =
       play.input.below(8) == 1 ? makeUnseen(play, size) : makeSeen(play, size);
   if (buffer)

@@ -32,15 +32,6 @@ static std::vector<std::string> variablesOf(const Environment &environment) {
   return all;
 }
 
-static std::vector<char *> pointersTo(std::vector<std::string> &texts) {
-  std::vector<char *> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string &text : texts)
-    pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 RunningHost::RunningHost(const std::vector<std::string> &command,
                          const Environment &environment) {
   int in[2] = {-1, -1};

@@ -14,9 +14,9 @@
 using namespace corvane::test;
 
 // Plays a runtime that has no lock and remembers nothing.
-static cl_command_queue CL_API_CALL createQueue(cl_context, cl_device_id,
-                                                const cl_queue_properties *,
-                                                cl_int *) {
+static cl_command_queue CL_API_CALL giveQueue(cl_context, cl_device_id,
+                                              const cl_queue_properties *,
+                                              cl_int *) {
   return reinterpret_cast<cl_command_queue>(size_t{0x30});
 }
 static cl_int CL_API_CALL useQueue(cl_command_queue) { return CL_SUCCESS; }
@@ -35,7 +35,7 @@ static void play(std::vector<void *> &table, size_t offset, Function function) {
 static std::vector<void *> tableOfQueues() {
   std::vector<void *> table = scriptedTable();
   play(table, offsetof(cl_icd_dispatch, clCreateCommandQueueWithProperties),
-       &createQueue);
+       &giveQueue);
   play(table, offsetof(cl_icd_dispatch, clRetainCommandQueue), &useQueue);
   play(table, offsetof(cl_icd_dispatch, clReleaseCommandQueue), &useQueue);
   play(table, offsetof(cl_icd_dispatch, clGetCommandQueueInfo), &tellOfQueue);

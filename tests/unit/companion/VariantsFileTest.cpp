@@ -11,12 +11,13 @@ using namespace corvane::test;
 using testing::ElementsAre;
 using testing::Field;
 
-static const std::string first = "// Variants of kernels, format 1\n";
+static const std::string firstLine = "// Variants of kernels, format 1\n";
 
-static const std::string twoVariants = first + "// variant 5 3 k_coarsed_g0S2\n"
-                                               "// variant 8 4 k_coarsed_g0S4\n"
-                                               "// program 15\n"
-                                               "HEAD\nTWOFOUREND";
+static const std::string twoVariants = firstLine +
+                                       "// variant 5 3 k_coarsed_g0S2\n"
+                                       "// variant 8 4 k_coarsed_g0S4\n"
+                                       "// program 15\n"
+                                       "HEAD\nTWOFOUREND";
 
 TEST(VariantsFile, IsWrittenAsItIsRead) {
   const auto file = readVariants(twoVariants);
@@ -29,7 +30,7 @@ TEST(VariantsFile, IsWrittenAsItIsRead) {
 }
 
 TEST(VariantsFile, TellsWhyThereAreNoVariants) {
-  const std::string text = first + "// none it prints\n// program 0\n";
+  const std::string text = firstLine + "// none it prints\n// program 0\n";
   const auto file = readVariants(text);
   ASSERT_TRUE(file);
   EXPECT_EQ(file->whyNone, "it prints");
@@ -60,33 +61,33 @@ TEST(VariantsFile, IsRefusedWhereItBreaksTheFormat) {
   for (const std::string &text : {
            std::string(),
            std::string("kernel void k() {}"),
-           first,
-           first + "// variant 0 1 k_coarsed_g0S2\n",
-           first + "// program 1\n",
-           first + "// program 0\nmore",
-           first + "// program -1\n",
-           first + "// program 18446744073709551617\n",
-           first + "kernel void k() {}\n// program 0\n",
-           first + "// something else\n// program 0\n",
-           first + "// variant 0 1\n// program 1\nk",
-           first + "// variant 0 1 k\n// program 1\nk",
-           first + "// variant 0 1 k_coarsed_g0S2;k2\n// program 1\nk",
-           first + "// variant 0 2 k_coarsed_g0S2\n// program 1\nk",
-           first + "// variant 2 0 k_coarsed_g0S2\n// program 1\nk",
-           first + "// variant 1 18446744073709551615 k_coarsed_g0S2\n"
-                   "// program 2\nkk",
-           first + "// variant 18446744073709551615 1 k_coarsed_g0S2\n"
-                   "// program 2\nkk",
+           firstLine,
+           firstLine + "// variant 0 1 k_coarsed_g0S2\n",
+           firstLine + "// program 1\n",
+           firstLine + "// program 0\nmore",
+           firstLine + "// program -1\n",
+           firstLine + "// program 18446744073709551617\n",
+           firstLine + "kernel void k() {}\n// program 0\n",
+           firstLine + "// something else\n// program 0\n",
+           firstLine + "// variant 0 1\n// program 1\nk",
+           firstLine + "// variant 0 1 k\n// program 1\nk",
+           firstLine + "// variant 0 1 k_coarsed_g0S2;k2\n// program 1\nk",
+           firstLine + "// variant 0 2 k_coarsed_g0S2\n// program 1\nk",
+           firstLine + "// variant 2 0 k_coarsed_g0S2\n// program 1\nk",
+           firstLine + "// variant 1 18446744073709551615 k_coarsed_g0S2\n"
+                       "// program 2\nkk",
+           firstLine + "// variant 18446744073709551615 1 k_coarsed_g0S2\n"
+                       "// program 2\nkk",
            // One lies in the other, comes twice, or is out of order.
-           first + "// variant 0 2 k_coarsed_g0S2\n// variant 1 1 "
-                   "k_coarsed_g0S4\n// program 2\nkk",
-           first + "// variant 0 1 k_coarsed_g0S2\n// variant 1 1 "
-                   "k_coarsed_g0S2\n// program 2\nkk",
-           first + "// variant 1 1 k_coarsed_g0S2\n// variant 0 1 "
-                   "k_coarsed_g0S4\n// program 2\nkk",
+           firstLine + "// variant 0 2 k_coarsed_g0S2\n// variant 1 1 "
+                       "k_coarsed_g0S4\n// program 2\nkk",
+           firstLine + "// variant 0 1 k_coarsed_g0S2\n// variant 1 1 "
+                       "k_coarsed_g0S2\n// program 2\nkk",
+           firstLine + "// variant 1 1 k_coarsed_g0S2\n// variant 0 1 "
+                       "k_coarsed_g0S4\n// program 2\nkk",
            // A program without variants is for no use.
-           first + "// program 1\nk",
-           first + "// included 0\n// none n\n// program 0\n",
+           firstLine + "// program 1\nk",
+           firstLine + "// included 0\n// none n\n// program 0\n",
        })
     EXPECT_FALSE(readVariants(text)) << text;
 }

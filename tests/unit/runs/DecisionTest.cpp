@@ -13,7 +13,7 @@ static VersionSamples version(const char *name, std::vector<double> samples) {
   return {name, std::move(samples), false};
 }
 
-static const VersionSamples original =
+static const VersionSamples ofOriginal =
     version("", {100, 101, 99, 103, 100, 98, 102});
 
 TEST(MedianOf, IsTheMiddleOrBetweenTheTwoInTheMiddle) {
@@ -32,7 +32,7 @@ TEST(IsHopeless, NeedsTwoSamplesOverTwiceTheMedian) {
 
 TEST(Decide, ChoosesAVersionThatIsClearlyFaster) {
   const Decision decision =
-      decide({original, version("a", {50, 51, 49, 53, 50, 48, 52}),
+      decide({ofOriginal, version("a", {50, 51, 49, 53, 50, 48, 52}),
               version("b", {40, 41, 39, 43, 40, 38, 42})});
   EXPECT_TRUE(decision.decided);
   EXPECT_EQ(decision.winner, "b");
@@ -57,7 +57,7 @@ TEST(Decide, KeepsTheOriginalWhereTheGainIsTooSmall) {
 
 TEST(Decide, KeepsTheOriginalWhereSamplesOverlap) {
   const Decision decision =
-      decide({original, version("a", {50, 150, 60, 140, 70, 130, 80})});
+      decide({ofOriginal, version("a", {50, 150, 60, 140, 70, 130, 80})});
   EXPECT_TRUE(decision.decided);
   EXPECT_EQ(decision.winner, "");
 }
@@ -97,7 +97,7 @@ TEST(Decide, WaitsForTheOriginal) {
 
 TEST(Decide, DoesNotWaitForVersionsThatWereDropped) {
   const Decision decision =
-      decide({original, version("a", {300, 301}),
+      decide({ofOriginal, version("a", {300, 301}),
               version("b", {40, 41, 39, 43, 40, 38, 42})});
   EXPECT_TRUE(decision.decided);
   EXPECT_EQ(decision.winner, "b");
@@ -109,7 +109,7 @@ TEST(Decide, LeavesOutVersionsThatAreDifferent) {
   VersionSamples wrong = version("a", {1, 1, 1, 1, 1, 1, 1});
   wrong.out = true;
   const Decision decision =
-      decide({original, wrong, version("b", {40, 41, 39, 43, 40, 38, 42})});
+      decide({ofOriginal, wrong, version("b", {40, 41, 39, 43, 40, 38, 42})});
   EXPECT_TRUE(decision.decided);
   EXPECT_EQ(decision.winner, "b");
   EXPECT_FALSE(decision.versions[1].interval);
@@ -120,13 +120,13 @@ TEST(Decide, ComparesAVersionWithTheSamplesThatWereTakenWithIt) {
   VersionSamples quiet = version("a", {50, 51, 49, 53, 50, 48, 52});
   quiet.originals = {50, 51, 49, 53, 50, 48, 52};
   const VersionSamples faster = version("b", {80, 81, 79, 83, 80, 78, 82});
-  EXPECT_EQ(decide({original, quiet}).winner, "");
-  EXPECT_EQ(decide({original, quiet, faster}).winner, "b");
+  EXPECT_EQ(decide({ofOriginal, quiet}).winner, "");
+  EXPECT_EQ(decide({ofOriginal, quiet, faster}).winner, "b");
 }
 
 TEST(Decide, ChoosesTheFirstOfTwoThatAreAlike) {
   const std::vector<double> fast = {50, 51, 49, 53, 50, 48, 52};
-  EXPECT_EQ(decide({version("b", fast), original, version("a", fast)}).winner,
+  EXPECT_EQ(decide({version("b", fast), ofOriginal, version("a", fast)}).winner,
             "b");
 }
 

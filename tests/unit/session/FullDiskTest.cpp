@@ -20,15 +20,13 @@ struct FullDisk : testing::Test {
   LaunchRecord &launch = state.addLaunch("k", 1, {2, 0, 0}, {1, 0, 0});
 };
 
-constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
-                               "y_local,z_local,coarsed_kernel,time\n";
 constexpr const char *row = "k,2,,,1,,,baseline,1.000\n";
 
 } // namespace
 
 TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsSpaceAgain) {
   state.complete(launch, "", 1000);
-  const std::string whole = std::string(header) + row;
+  const std::string whole = std::string(logHeaderText) + row;
   {
     const FileSizeLimit limit(whole.size() + 10);
     state.complete(launch, "", 2000);
@@ -40,7 +38,7 @@ TEST_F(FullDisk, LeavesTheLogAsItWasAndWritesTheRowWhenThereIsSpaceAgain) {
 }
 
 TEST_F(FullDisk, EndsARewriteAfterTheLastRowThatFits) {
-  const std::string fitting = std::string(header) + row + row;
+  const std::string fitting = std::string(logHeaderText) + row + row;
   directory.set(nullptr);
   for (int i = 0; i != 5; ++i)
     state.complete(launch, "", 1000);

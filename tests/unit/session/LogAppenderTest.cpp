@@ -18,9 +18,6 @@ using namespace corvane::test;
 
 namespace {
 
-constexpr const char *header = "kernel,x_global,y_global,z_global,x_local,"
-                               "y_local,z_local,coarsed_kernel,time\n";
-
 struct LogAppender : testing::Test {
   TempFolder folder{folderInMemory()};
   EnvGuard directory{"CORVANE_AUTOTUNE", folder.text()};
@@ -33,13 +30,13 @@ struct LogAppender : testing::Test {
 
 TEST_F(LogAppender, IsCreatedWithItsHeaderOnly) {
   EXPECT_TRUE(createRawLog(folder.text()));
-  EXPECT_EQ(log(), header);
+  EXPECT_EQ(log(), logHeaderText);
 }
 
 TEST_F(LogAppender, IsEmptiedByAnotherLoad) {
   ASSERT_TRUE(folder.write(".auto.csv", std::string(5000, 'x')));
   EXPECT_TRUE(createRawLog(folder.text()));
-  EXPECT_EQ(log(), header);
+  EXPECT_EQ(log(), logHeaderText);
 }
 
 TEST_F(LogAppender, StaysWholeWhenLoadsEmptyItWhileRunsComplete) {
@@ -61,7 +58,7 @@ TEST_F(LogAppender, StaysWholeWhenLoadsEmptyItWhileRunsComplete) {
     runs.join();
 
     const std::string written = log();
-    std::string whole = header;
+    std::string whole = logHeaderText;
     while (whole.size() < written.size())
       whole += row;
     EXPECT_EQ(written, whole);
@@ -82,14 +79,15 @@ TEST_F(LogAppender, NamesTheOriginalBaseline) {
   ASSERT_TRUE(createRawLog(folder.text()));
   LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
   state.complete(launch, "", 12345);
-  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,baseline,12.345\n");
+  EXPECT_EQ(log(),
+            std::string(logHeaderText) + "k,1024,,,64,,,baseline,12.345\n");
 }
 
 TEST_F(LogAppender, NamesAVariantByItsSpecText) {
   ASSERT_TRUE(createRawLog(folder.text()));
   LaunchRecord &launch = state.addLaunch("k", 1, {1024, 0, 0}, {64, 0, 0});
   state.complete(launch, "g0S4", 9500);
-  EXPECT_EQ(log(), std::string(header) + "k,1024,,,64,,,g0S4,9.500\n");
+  EXPECT_EQ(log(), std::string(logHeaderText) + "k,1024,,,64,,,g0S4,9.500\n");
 }
 
 TEST_F(LogAppender, GetsOneRowForEachCompletedRunInOrderOfCompletion) {
@@ -99,9 +97,9 @@ TEST_F(LogAppender, GetsOneRowForEachCompletedRunInOrderOfCompletion) {
   state.complete(second, "", 3000);
   state.complete(first, "g0S4", 1000);
   state.complete(first, "", 2000);
-  EXPECT_EQ(log(), std::string(header) + "b,2,,,1,,,baseline,3.000\n"
-                                         "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n");
+  EXPECT_EQ(log(), std::string(logHeaderText) + "b,2,,,1,,,baseline,3.000\n"
+                                                "a,2,,,1,,,g0S4,1.000\n"
+                                                "a,2,,,1,,,baseline,2.000\n");
 }
 
 TEST_F(LogAppender, IsRecreatedWithEveryRowAfterItWasDeleted) {
@@ -114,9 +112,9 @@ TEST_F(LogAppender, IsRecreatedWithEveryRowAfterItWasDeleted) {
 
   state.complete(first, "", 2000);
 
-  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n"
-                                         "b,2,,,1,,,baseline,3.000\n");
+  EXPECT_EQ(log(), std::string(logHeaderText) + "a,2,,,1,,,g0S4,1.000\n"
+                                                "a,2,,,1,,,baseline,2.000\n"
+                                                "b,2,,,1,,,baseline,3.000\n");
 }
 
 TEST_F(LogAppender, IsRecreatedAfterItWasEmptied) {
@@ -124,8 +122,8 @@ TEST_F(LogAppender, IsRecreatedAfterItWasEmptied) {
   state.complete(launch, "g0S4", 1000);
   ASSERT_TRUE(folder.write(".auto.csv", ""));
   state.complete(launch, "", 2000);
-  EXPECT_EQ(log(), std::string(header) + "a,2,,,1,,,g0S4,1.000\n"
-                                         "a,2,,,1,,,baseline,2.000\n");
+  EXPECT_EQ(log(), std::string(logHeaderText) + "a,2,,,1,,,g0S4,1.000\n"
+                                                "a,2,,,1,,,baseline,2.000\n");
 }
 
 TEST_F(LogAppender, IsNotLookedAtAfterItsFirstByte) {
@@ -141,9 +139,9 @@ TEST_F(LogAppender, FollowsTheVariableToAnotherDirectory) {
   directory.set(other.text());
   LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
   state.complete(launch, "", 1000);
-  EXPECT_EQ(log(), header);
+  EXPECT_EQ(log(), logHeaderText);
   EXPECT_EQ(other.read(".auto.csv"),
-            std::string(header) + "a,2,,,1,,,baseline,1.000\n");
+            std::string(logHeaderText) + "a,2,,,1,,,baseline,1.000\n");
 }
 
 TEST_F(LogAppender, GetsNothingWhileTheVariableIsAway) {
@@ -151,7 +149,7 @@ TEST_F(LogAppender, GetsNothingWhileTheVariableIsAway) {
   LaunchRecord &launch = state.addLaunch("a", 1, {2, 0, 0}, {1, 0, 0});
   directory.set(nullptr);
   state.complete(launch, "", 1000);
-  EXPECT_EQ(log(), header);
+  EXPECT_EQ(log(), logHeaderText);
 }
 
 TEST_F(LogAppender, IsNotTouchedWithoutAutotuning) {
@@ -178,7 +176,7 @@ TEST_F(LogAppender, IsLostInSilenceWithItsDirectoryAndComesBackWithIt) {
 
   std::filesystem::create_directory(folder.file("later"));
   state.complete(launch, "", 2000);
-  EXPECT_EQ(folder.read("later/.auto.csv"), std::string(header) +
+  EXPECT_EQ(folder.read("later/.auto.csv"), std::string(logHeaderText) +
                                                 "a,2,,,1,,,g0S4,1.000\n"
                                                 "a,2,,,1,,,baseline,2.000\n");
 }
@@ -194,7 +192,7 @@ TEST_F(LogAppender, KeepsNamesOfAnyBytes) {
   ASSERT_TRUE(createRawLog(folder.text()));
   LaunchRecord &launch = state.addLaunch("\xff %s\"<,", 0, {}, {});
   state.complete(launch, "%n", 1);
-  EXPECT_EQ(log(), std::string(header) + "\xff %s\"<,,,,,,,,%n,0.001\n");
+  EXPECT_EQ(log(), std::string(logHeaderText) + "\xff %s\"<,,,,,,,,%n,0.001\n");
 }
 
 TEST_F(LogAppender, GetsNoRowFromALaunchWithoutTimings) {

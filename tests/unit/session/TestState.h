@@ -10,6 +10,11 @@
 
 namespace corvane::test {
 
+/// The first line of the timing log, with its line feed.
+inline constexpr const char *logHeaderText =
+    "kernel,x_global,y_global,z_global,x_local,y_local,z_local,"
+    "coarsed_kernel,time\n";
+
 /// Installs a state and turns autotuning on, until the end of the test or until
 /// a flush takes the state away.
 class TestState {

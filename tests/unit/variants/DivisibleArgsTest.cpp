@@ -28,12 +28,12 @@ bool accepts(const DivisibleArgs &condition, std::uint32_t index, Value value) {
 }
 
 /// The condition that an item makes; ends the test if it makes none.
-DivisibleArgs made(std::initializer_list<std::uint32_t> numbers) {
+DivisibleArgs divisible(std::initializer_list<std::uint32_t> numbers) {
   const std::unique_ptr<llvm::Transform> condition =
       makeDivisibleArgs('d', numbers);
-  const auto *divisible = dynamic_cast<const DivisibleArgs *>(condition.get());
-  EXPECT_NE(divisible, nullptr);
-  return divisible ? *divisible : DivisibleArgs();
+  const auto *found = dynamic_cast<const DivisibleArgs *>(condition.get());
+  EXPECT_NE(found, nullptr);
+  return found ? *found : DivisibleArgs();
 }
 
 TEST(DivisibleArgs, StartsEmpty) {
@@ -68,7 +68,7 @@ TEST(DivisibleArgs, AcceptsEveryArgumentThatItDoesNotName) {
 }
 
 TEST(DivisibleArgs, AcceptsEveryArgumentWithoutPairs) {
-  const DivisibleArgs none = made({});
+  const DivisibleArgs none = divisible({});
   EXPECT_TRUE(accepts(none, 0, std::uint32_t{7}));
   EXPECT_TRUE(accepts(none, 0, std::uint16_t{7}));
   EXPECT_TRUE(none.acceptsArgument(0, 0, nullptr));
@@ -133,19 +133,19 @@ TEST(DivisibleArgs, WritesPairsInAscendingOrder) {
 
 TEST(DivisibleArgs, ClonesItsDivisors) {
   const std::unique_ptr<llvm::Transform> copy = with({{3, 4}, {5, 16}}).clone();
-  const auto *divisible = dynamic_cast<const DivisibleArgs *>(copy.get());
-  ASSERT_NE(divisible, nullptr);
-  EXPECT_EQ(divisible->kind, 3U);
-  EXPECT_THAT(divisible->divisors, ElementsAre(Pair(3, 4), Pair(5, 16)));
+  const auto *found = dynamic_cast<const DivisibleArgs *>(copy.get());
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->kind, 3U);
+  EXPECT_THAT(found->divisors, ElementsAre(Pair(3, 4), Pair(5, 16)));
 }
 
 TEST(MakeDivisibleArgs, ReadsPairsOfIndexAndDivisor) {
-  EXPECT_THAT(made({5, 16, 3, 4}).divisors,
+  EXPECT_THAT(divisible({5, 16, 3, 4}).divisors,
               ElementsAre(Pair(3, 4), Pair(5, 16)));
 }
 
 TEST(MakeDivisibleArgs, KeepsTheFirstPairForAnIndex) {
-  const DivisibleArgs repeated = made({1, 2, 1, 3});
+  const DivisibleArgs repeated = divisible({1, 2, 1, 3});
   EXPECT_THAT(repeated.divisors, ElementsAre(Pair(1, 2)));
   EXPECT_EQ(repeated.specText(), "d1S2");
 }

@@ -10,7 +10,7 @@ namespace {
 
 using corvane::test::allocationCount;
 
-struct Argument {
+struct SetArgument {
   std::uint32_t index;
   std::size_t size;
   const void *value;
@@ -26,8 +26,8 @@ TEST(TransformedKernelAllocation, AnswersALaunchWithoutAllocating) {
   const auto record = corvane::parseVariantName("k_coarsed_r0g0S4d1S2d2S8");
   ASSERT_NE(record, nullptr);
   const std::uint64_t value = 1024;
-  const std::vector<Argument> arguments = {{1, sizeof value, &value},
-                                           {2, sizeof value, &value}};
+  const std::vector<SetArgument> arguments = {{1, sizeof value, &value},
+                                              {2, sizeof value, &value}};
   const std::size_t global[] = {1024, 3};
   const std::size_t local[] = {64, 3};
   std::size_t outGlobal[2] = {};
