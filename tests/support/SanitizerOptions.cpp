@@ -1,8 +1,11 @@
 // What the address and thread sanitizers should do in our tests.
 
+// Weak, because more than one of the objects of a program may bring them along.
 extern "C" {
-__attribute__((visibility("default"))) const char *__asan_default_options();
-__attribute__((visibility("default"))) const char *__tsan_default_options();
+__attribute__((weak, visibility("default"))) const char *
+__asan_default_options();
+__attribute__((weak, visibility("default"))) const char *
+__tsan_default_options();
 }
 
 // Running out of memory is one of the things that are tested.
