@@ -94,22 +94,80 @@ std::string corvane::variantsText(const VariantsFile &file) {
          file.program;
 }
 
-void corvane::keepVariants(VariantsFile &file,
-                           const std::set<std::string> &names) {
-  std::vector<ListedVariant> kept;
-  std::string program;
+namespace {
+/// A variant's text, and where it belongs in the source without variants.
+struct Insertion {
+  std::size_t place = 0;
+  std::string name;
+  std::string text;
+};
+} // namespace
+
+// Leaves the source without variants in \p file.
+static std::vector<Insertion> takeOut(VariantsFile &file) {
+  std::vector<Insertion> insertions;
+  std::string source;
   std::size_t end = 0; // of what was looked at
   for (const ListedVariant &variant : file.variants) {
-    program.append(file.program, end, variant.begin - end);
+    source.append(file.program, end, variant.begin - end);
     end = variant.begin + variant.size;
-    if (names.count(variant.name) == 0)
-      continue;
-    kept.push_back({variant.name, program.size(), variant.size});
-    program.append(file.program, variant.begin, variant.size);
+    insertions.push_back({source.size(), variant.name,
+                          file.program.substr(variant.begin, variant.size)});
+  }
+  source.append(file.program, end);
+  file.variants.clear();
+  file.program = std::move(source);
+  return insertions;
+}
+
+// The opposite, for insertions in the order of their places.
+static void putIn(VariantsFile &file,
+                  const std::vector<Insertion> &insertions) {
+  std::string program;
+  std::size_t end = 0; // of the source that was copied
+  for (const Insertion &insertion : insertions) {
+    program.append(file.program, end, insertion.place - end);
+    end = insertion.place;
+    file.variants.push_back(
+        {insertion.name, program.size(), insertion.text.size()});
+    program += insertion.text;
   }
   program.append(file.program, end);
-  file.variants = std::move(kept);
-  file.program = file.variants.empty() ? std::string() : std::move(program);
+  file.program = insertions.empty() ? std::string() : std::move(program);
+}
+
+void corvane::keepVariants(VariantsFile &file,
+                           const std::set<std::string> &names) {
+  std::vector<Insertion> insertions = takeOut(file);
+  llvm::erase_if(insertions, [&names](const Insertion &insertion) {
+    return names.count(insertion.name) == 0;
+  });
+  putIn(file, insertions);
+}
+
+bool corvane::addVariants(VariantsFile &file, VariantsFile other) {
+  if (other.variants.empty())
+    return true;
+  if (file.variants.empty()) {
+    file = std::move(other);
+    return true;
+  }
+  VariantsFile joined = file;
+  std::vector<Insertion> insertions = takeOut(joined);
+  std::set<std::string> names;
+  for (const Insertion &insertion : insertions)
+    names.insert(insertion.name);
+  for (Insertion &insertion : takeOut(other))
+    if (names.insert(insertion.name).second)
+      insertions.push_back(std::move(insertion));
+  if (joined.program != other.program)
+    return false;
+  llvm::stable_sort(insertions, [](const Insertion &a, const Insertion &b) {
+    return a.place < b.place;
+  });
+  putIn(joined, insertions);
+  file = std::move(joined);
+  return true;
 }
 
 bool corvane::includesAreUnchanged(const VariantsFile &file) {

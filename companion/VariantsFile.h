@@ -45,6 +45,10 @@ std::string variantsText(const VariantsFile &file);
 /// Takes out the text of all variants but those with these names.
 void keepVariants(VariantsFile &file, const std::set<std::string> &names);
 
+/// Adds the variants of \p other that \p file does not have. False, and \p file
+/// is as it was, if they were made of different sources.
+bool addVariants(VariantsFile &file, VariantsFile other);
+
 /// Whether all that it includes is as it was.
 bool includesAreUnchanged(const VariantsFile &file);
 

@@ -69,6 +69,76 @@ TEST_F(Merge, KeepsDevicesDriversAndProgramsApart) {
   EXPECT_EQ(made().entries.size(), 3U);
 }
 
+namespace {
+/// Runs of one program for which two machines generated different variants.
+class MergeGenerated : public Merge {
+protected:
+  /// A tuned folder with a run in which g0S4 wins; those of different processes
+  /// differ.
+  std::string tunedOnMachine(const std::string &name, std::uint64_t pid) const {
+    std::vector<RunLine> lines = runOf(pid);
+    std::get<ProgramLine>(lines[2]).hash = hash;
+    return tunedFolder(name, lines);
+  }
+
+  void writeVariants(const std::string &place, const std::string &text) const {
+    std::filesystem::create_directories(folder.path() / place);
+    EXPECT_TRUE(folder.write(place + "/" + hash + ".cl", text));
+  }
+
+  const std::string hash = std::string(64, 'a');
+  const std::string withS2 = "// Variants of kernels, format 1\n"
+                             "// variant 4 4 scale_coarsed_g0S2\n"
+                             "// program 12\n"
+                             "top\nsc2\nend\n";
+  const std::string withS4 = "// Variants of kernels, format 1\n"
+                             "// variant 4 4 scale_coarsed_g0S4\n"
+                             "// program 12\n"
+                             "top\nsc4\nend\n";
+};
+} // namespace
+
+TEST_F(MergeGenerated, KeepsTheTextOfWhatWins) {
+  const std::string a = tunedOnMachine("a", 1);
+  const std::string b = tunedOnMachine("b", 2);
+  writeVariants("a/generated", withS2);
+  writeVariants("b/generated", withS4);
+  EXPECT_EQ(merged({a, b}).exitCode, 0);
+  EXPECT_EQ(folder.read("all/variants/" + hash + ".cl"), withS4);
+  EXPECT_EQ(folder.read("all/generated/" + hash + ".cl"),
+            "// Variants of kernels, format 1\n"
+            "// variant 4 4 scale_coarsed_g0S2\n"
+            "// variant 8 4 scale_coarsed_g0S4\n"
+            "// program 16\n"
+            "top\nsc2\nsc4\nend\n");
+}
+
+TEST_F(MergeGenerated, NeedsOnlyWhatProgramsRunWith) {
+  const std::string a = tunedOnMachine("a", 1);
+  writeVariants("a/variants", withS4);
+  EXPECT_EQ(merged({a, tunedOnMachine("b", 2)}).exitCode, 0);
+  EXPECT_EQ(folder.read("all/variants/" + hash + ".cl"), withS4);
+}
+
+TEST_F(MergeGenerated, TellsWhatItCannotUse) {
+  const std::string a = tunedOnMachine("a", 1);
+  const std::string b = tunedOnMachine("b", 2);
+  writeVariants("a/generated", withS4);
+  writeVariants("a/variants", "damaged");
+  writeVariants("b/generated", "// Variants of kernels, format 1\n"
+                               "// variant 6 4 scale_coarsed_g0S2\n"
+                               "// program 14\n"
+                               "other\nsc2\nend\n");
+  EXPECT_TRUE(folder.write("b/generated/name.cl", "of somebody else's"));
+  const Outcome outcome = merged({a, b});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.err,
+              AllOf(HasSubstr("has no generated variants that can be read\n"),
+                    HasSubstr("was made of another source")));
+  EXPECT_EQ(folder.read("all/variants/" + hash + ".cl"), withS4);
+  EXPECT_FALSE(folder.has("all/generated/name.cl"));
+}
+
 TEST_F(Merge, JoinsTimingLogs) {
   for (const char *name : {"a", "b"}) {
     std::filesystem::create_directories(folder.path() / name);

@@ -12,6 +12,7 @@
 #include "tools/corvane/ResultFolders.h"
 #include "tools/corvane/StepProgress.h"
 #include "tools/corvane/TunedFolder.h"
+#include "tools/corvane/WinningVariants.h"
 
 #include "llvm/ADT/StringExtras.h"
 #include "llvm/Support/FileSystem.h"
@@ -173,7 +174,10 @@ int corvane::merge(const MergeOptions &options) {
   for (const std::string &place : options.folders)
     if (!merging.addPlace(place))
       return CommandFailed;
-  if (!merging.writeLog())
+  GeneratedPrograms generated;
+  for (const std::string &place : options.folders)
+    generated.addFolder(place);
+  if (!merging.writeLog() || !generated.write(output))
     return CommandFailed;
 
   RunSet runs;
@@ -181,13 +185,15 @@ int corvane::merge(const MergeOptions &options) {
     return CommandFailed;
   const Overview overview = makeOverview(runs);
   const std::vector<RunRecord> records = recordsOnly(std::move(runs));
-  if (!records.empty())
-    if (llvm::Error error =
-            writeProfile(output, makeProfile(mergeRuns(records)))) {
+  if (!records.empty()) {
+    const Profile profile = makeProfile(mergeRuns(records));
+    if (llvm::Error error = writeProfile(output, profile)) {
       say(output +
           ": no profile could be written: " + llvm::toString(std::move(error)));
       return CommandFailed;
     }
+    writeWinningVariants(output, profile);
+  }
   const std::string page = joined(output, reportFile);
   if (!writeReport(page, overview))
     return CommandFailed;

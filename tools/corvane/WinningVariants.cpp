@@ -3,9 +3,9 @@
 #include "tools/corvane/WinningVariants.h"
 
 #include "base/ProgramHash.h"
-#include "companion/VariantsFile.h"
 #include "companion/WholeFile.h"
 #include "tools/corvane/Command.h"
+#include "tools/corvane/TunedFolder.h"
 #include "variants/VariantName.h"
 
 #include "llvm/Support/FileSystem.h"
@@ -19,18 +19,52 @@ using namespace corvane;
 namespace fs = llvm::sys::fs;
 namespace path = llvm::sys::path;
 
-static std::string inFolder(const std::string &folder, const char *name) {
-  llvm::SmallString<256> text(folder);
-  path::append(text, name);
-  return text.str().str();
-}
-
 std::string corvane::generatedFolder(const std::string &folder) {
-  return inFolder(folder, "generated");
+  return joined(folder, "generated");
 }
 
 std::string corvane::variantsFolder(const std::string &folder) {
-  return inFolder(folder, "variants");
+  return joined(folder, "variants");
+}
+
+void GeneratedPrograms::addFile(const std::string &file,
+                                const std::string &name) {
+  const auto bytes = readWholeFile(file, mostVariantsBytes);
+  std::optional<VariantsFile> generated =
+      bytes ? readVariants(*bytes) : std::nullopt;
+  if (!generated)
+    say(file + " has no generated variants that can be read");
+  else if (!addVariants(byName[name], std::move(*generated)))
+    say(file + " was made of another source than a file of this name in "
+               "another folder: its variants are left out");
+}
+
+void GeneratedPrograms::addFolder(const std::string &folder) {
+  for (const std::string &place :
+       {generatedFolder(folder), variantsFolder(folder)}) {
+    std::error_code missing;
+    for (fs::directory_iterator at(place, missing), end; !missing && at != end;
+         at.increment(missing)) {
+      const std::string name = path::filename(at->path()).str();
+      // What else lies there is not ours.
+      if (const llvm::StringRef hash = path::stem(name);
+          isHashText(hash) && name == variantsFileName(hash))
+        addFile(at->path(), name);
+    }
+  }
+}
+
+bool GeneratedPrograms::write(const std::string &folder) const {
+  const std::string to = generatedFolder(folder);
+  for (const auto &[name, generated] : byName) {
+    const std::string file = pathInFolder(to, name);
+    if (fs::create_directories(to) ||
+        !replaceWholeFile(file, variantsText(generated))) {
+      say(file + " cannot be written");
+      return false;
+    }
+  }
+  return true;
 }
 
 /// Kernels and specs, as profiles name them.

@@ -121,3 +121,44 @@ TEST(ProgramHash, TellsOptionsFromSource) {
   EXPECT_NE(programHashText("source", "", "B"),
             programHashText("binary", "", "B"));
 }
+
+static VariantsFile fileWith(const std::string &list,
+                             const std::string &program) {
+  const auto file =
+      readVariants(firstLine + list + "// program " +
+                   std::to_string(program.size()) + "\n" + program);
+  EXPECT_TRUE(file);
+  return file.value_or(VariantsFile());
+}
+
+TEST(VariantsFile, TakesTheVariantsOfAnotherThatItDoesNotHave) {
+  VariantsFile file = fileWith("// variant 5 3 k_coarsed_g0S2\n"
+                               "// variant 14 3 m_coarsed_g0S2\n",
+                               "HEAD\nTWOMIDDLETWOEND");
+  EXPECT_TRUE(addVariants(file, fileWith("// variant 5 3 k_coarsed_g0S2\n"
+                                         "// variant 8 4 k_coarsed_g0S4\n",
+                                         "HEAD\nANYFOURMIDDLEEND")));
+  EXPECT_EQ(variantsText(file), firstLine + "// variant 5 3 k_coarsed_g0S2\n"
+                                            "// variant 8 4 k_coarsed_g0S4\n"
+                                            "// variant 18 3 m_coarsed_g0S2\n"
+                                            "// program 24\n"
+                                            "HEAD\nTWOFOURMIDDLETWOEND");
+}
+
+TEST(VariantsFile, TakesNoVariantsOfAnotherSource) {
+  VariantsFile file = *readVariants(twoVariants);
+  EXPECT_FALSE(addVariants(
+      file, fileWith("// variant 5 4 k_coarsed_g0S8\n", "TAIL\nEIGHEND")));
+  EXPECT_EQ(variantsText(file), twoVariants);
+}
+
+TEST(VariantsFile, MayBeJoinedWithOneThatHasNone) {
+  const VariantsFile none = *readVariants(firstLine + "// none it prints\n"
+                                                      "// program 0\n");
+  VariantsFile file = *readVariants(twoVariants);
+  EXPECT_TRUE(addVariants(file, none));
+  EXPECT_EQ(variantsText(file), twoVariants);
+  VariantsFile empty = none;
+  EXPECT_TRUE(addVariants(empty, file));
+  EXPECT_EQ(variantsText(empty), twoVariants);
+}
