@@ -51,6 +51,7 @@ static Kernel makeKernel(const Program &program, const char *name) {
 // Three times, so that a tuned run measures, waits and uses what it has found.
 static void launchKernel(const Session &session, const Kernel &kernel,
                          const std::string &label) {
+  const cl_uint references = referencesTo(kernel.get());
   const Queue queue = session.queue();
   for (int round = 0; round != 3; ++round)
     for (const size_t size : {size_t{1024}, size_t{2048}}) {
@@ -62,6 +63,7 @@ static void launchKernel(const Session &session, const Kernel &kernel,
       launch(queue.get(), kernel, size, 64);
       print(label, read(queue.get(), y.get(), size));
     }
+  finish(queue.get(), kernel.get(), references);
 }
 
 template <typename Ask> static std::string textOf(Ask ask) {
