@@ -3,6 +3,7 @@
 
 #include "agent/Environment.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LeakCheck.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/loose/Runtime.h"
 
@@ -101,6 +102,7 @@ static void expectNoResults(const std::string &results,
 }
 
 static void forkWhileLaunching(const std::string &log, bool tuning) {
+  leaksAreIgnored = true;
   const std::string results = log + ".results";
   assignForGood(variable::autotune, tuning ? results.c_str() : nullptr);
   assignForGood(variable::installLocation, "/tools");

@@ -119,14 +119,14 @@ TEST_F(UntunedLaunch, IsOnAQueueWithoutAnOrder) {
 
 TEST_F(UntunedLaunch, FailsAsItDoesAlone) {
   start();
-  const std::size_t local = 4;
+  const std::array<std::size_t, 4> sizes = {4, 1, 1, 1};
   EXPECT_EQ(app.cl.clEnqueueNDRangeKernel(app.runtime.queue(), app.kernel, 1,
-                                          nullptr, nullptr, &local, 0, nullptr,
-                                          nullptr),
+                                          nullptr, nullptr, sizes.data(), 0,
+                                          nullptr, nullptr),
             CL_INVALID_GLOBAL_WORK_SIZE);
   EXPECT_EQ(app.cl.clEnqueueNDRangeKernel(app.runtime.queue(), app.kernel, 4,
-                                          nullptr, &local, nullptr, 0, nullptr,
-                                          nullptr),
+                                          nullptr, sizes.data(), nullptr, 0,
+                                          nullptr, nullptr),
             CL_INVALID_WORK_DIMENSION);
 }
 
