@@ -129,7 +129,7 @@ TEST_F(MergeGenerated, TellsWhatItCannotUse) {
                                "// variant 6 4 scale_coarsed_g0S2\n"
                                "// program 14\n"
                                "other\nsc2\nend\n");
-  EXPECT_TRUE(folder.write("b/generated/name.cl", "of somebody else's"));
+  EXPECT_TRUE(folder.write("b/generated/name.cl", "not a program"));
   const Outcome outcome = merged({a, b});
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_THAT(outcome.err,

@@ -25,20 +25,6 @@ static bool startAgent(const cl_icd_dispatch &loaders) {
   return true;
 }
 
-// The loader makes no other query.
-extern "C" cl_int CL_API_CALL clGetLayerInfo(cl_layer_info name,
-                                             size_t capacity, void *value,
-                                             size_t *length) {
-  const cl_layer_api_version version = CL_LAYER_API_VERSION_100;
-  if (name != CL_LAYER_API_VERSION || (value && capacity < sizeof version))
-    return CL_INVALID_VALUE;
-  if (value)
-    std::memcpy(value, &version, sizeof version);
-  if (length)
-    *length = sizeof version;
-  return CL_SUCCESS;
-}
-
 extern "C" cl_int CL_API_CALL clInitLayer(cl_uint count,
                                           const cl_icd_dispatch *loaders,
                                           cl_uint *countRet,
