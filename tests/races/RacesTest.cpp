@@ -30,9 +30,12 @@ TEST_P(Races, LeaveEveryBufferEveryRowAndEveryAnswerWhole) {
 
 INSTANTIATE_TEST_SUITE_P(
     Of, Races,
-    testing::Values(RoundPlan{false, false}, RoundPlan{false, true},
-                    RoundPlan{true, false}, RoundPlan{true, true}),
+    testing::Values(
+        RoundPlan{Mode::Normal, false}, RoundPlan{Mode::Normal, true},
+        RoundPlan{Mode::Profiled, false}, RoundPlan{Mode::Profiled, true},
+        RoundPlan{Mode::Autotuning, false}, RoundPlan{Mode::Autotuning, true},
+        // A launch that is measured runs after its call.
+        RoundPlan{Mode::Measuring, false}),
     [](const auto &test) {
-      return std::string(test.param.tuning ? "Tuned" : "Normal") +
-             (test.param.atOnce ? "AtOnce" : "Late");
+      return nameOf(test.param.mode) + (test.param.atOnce ? "AtOnce" : "Late");
     });

@@ -3,6 +3,7 @@
 #include "tests/races/Round.h"
 
 #include "agent/Environment.h"
+#include "results/profile/ProfileFile.h"
 #include "tests/races/Application.h"
 #include "tests/races/WrittenRows.h"
 
@@ -10,6 +11,7 @@
 #include "gtest/gtest.h"
 
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -23,9 +25,38 @@ static constexpr unsigned stepCount = 20;
 static loose::Behaviour behaviourOf(const RoundPlan &plan) {
   loose::Behaviour behaviour;
   behaviour.atOnce = plan.atOnce;
-  behaviour.variantsSpoil = plan.tuning;
+  behaviour.variantsSpoil = plan.mode == Mode::Autotuning;
+  behaviour.writesAreTruth = plan.mode == Mode::Measuring;
   behaviour.seed = plan.seed;
   return behaviour;
+}
+
+// By: printf 'source 0\nmain' | sha256sum, and the same with "own".
+static constexpr const char *hashOfMain =
+    "6e599785d74c76eb5840caf7be419dfa4a5c64f3e8fe4846494558a1c08fa00b";
+static constexpr const char *hashOfOwn =
+    "7e70cbce5d709d04d7570469dac3bd556eb1979693ad5108374ddbf0b030e13b";
+
+static ProfileEntry entryOf(std::size_t program, const char *kernel,
+                            const char *use) {
+  ProfileEntry entry;
+  entry.program = program;
+  entry.kernel = kernel;
+  entry.use = use;
+  entry.sizes.global[0] = 64;
+  entry.versions[""] = {10.0, 7, Agreement::Equal};
+  entry.versions[use] = {5.0, 7, Agreement::Equal};
+  return entry;
+}
+
+// Variants for launches of 64 work-items, whatever their work-groups.
+static Profile roundProfile() {
+  Profile profile;
+  profile.devices = {{"loose device", "maker", "1.0"}};
+  profile.programs = {hashOfMain, hashOfOwn};
+  profile.entries = {entryOf(0, "sum", "g0S4"), entryOf(0, "pair", "g0S2d2S2"),
+                     entryOf(1, "own", "g0S2")};
+  return profile;
 }
 
 Round::Round(const RoundPlan &roundPlan)
@@ -34,8 +65,16 @@ Round::Round(const RoundPlan &roundPlan)
   for (const char *name :
        {variable::autotuneShadow, variable::bypassVectorizationSafetyCheck})
     environment.emplace_back(name, nullptr);
-  environment.emplace_back(variable::autotune,
-                           plan.tuning ? folder.text().c_str() : nullptr);
+  const std::string path = folder.text();
+  const auto folderIn = [&](Mode mode) {
+    return plan.mode == mode ? path.c_str() : nullptr;
+  };
+  environment.emplace_back(variable::autotune, folderIn(Mode::Autotuning));
+  environment.emplace_back(variable::tune, folderIn(Mode::Measuring));
+  environment.emplace_back(variable::profile, folderIn(Mode::Profiled));
+  if (plan.mode == Mode::Profiled) {
+    EXPECT_TRUE(folder.write("profile.json", profileText(roundProfile())));
+  }
   environment.emplace_back(variable::installLocation, folder.text());
   environment.emplace_back(variable::flushOnReleaseContext,
                            flushesWithContext() ? "1" : nullptr);
@@ -125,10 +164,14 @@ std::size_t Round::check() {
       EXPECT_EQ(runtime.shared.alive(kind), 0) << static_cast<int>(kind);
     }
   const auto reported = runtime.shared.takeReported();
-  if (!plan.tuning) {
-    EXPECT_FALSE(folder.has(".auto.csv"));
-    return 0;
+  if (plan.mode == Mode::Autotuning) {
+    EXPECT_THAT(folder.read("autotune.csv"), testing::Not(IsEmpty()));
+    return expectRows(folder.read(".auto.csv"), reported, reloads());
   }
-  EXPECT_THAT(folder.read("autotune.csv"), testing::Not(IsEmpty()));
-  return expectRows(folder.read(".auto.csv"), reported, reloads());
+  EXPECT_FALSE(folder.has(".auto.csv"));
+  // Without the agent, or with a new one, all threads may have little to do.
+  if (plan.turn == Turn::None) {
+    EXPECT_GT(runtime.shared.variantRuns(), 0U);
+  }
+  return plan.mode == Mode::Measuring ? expectRecords(folder) : 0;
 }

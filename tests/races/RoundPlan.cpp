@@ -8,7 +8,7 @@
 
 using namespace corvane::test;
 
-static const char *nameOf(Turn turn) {
+static const char *turnText(Turn turn) {
   switch (turn) {
   case Turn::None:
     return "no turn";
@@ -26,9 +26,23 @@ static const char *nameOf(Turn turn) {
   return "";
 }
 
+std::string corvane::test::nameOf(Mode mode) {
+  switch (mode) {
+  case Mode::Normal:
+    return "Normal";
+  case Mode::Profiled:
+    return "Profiled";
+  case Mode::Autotuning:
+    return "Tuned";
+  case Mode::Measuring:
+    return "Measured";
+  }
+  return "";
+}
+
 std::string corvane::test::textOf(const RoundPlan &plan) {
-  return std::string(plan.tuning ? "autotuned" : "normal") + ", " +
-         (plan.atOnce ? "at once" : "late") + ", " + nameOf(plan.turn) +
+  return nameOf(plan.mode) + ", " + (plan.atOnce ? "at once" : "late") + ", " +
+         turnText(plan.turn) +
          ", CORVANE_RACES_SEED=" + std::to_string(plan.seed);
 }
 

@@ -18,13 +18,22 @@ enum class Turn {
 };
 inline constexpr unsigned turns = 6;
 
+/// What the environment asks of the agent.
+enum class Mode {
+  Normal,
+  Profiled, ///< normal, with a profile
+  Autotuning,
+  Measuring, ///< variants are compared with their kernel
+};
+
 struct RoundPlan {
-  bool tuning = false; ///< false: normal mode
+  Mode mode = Mode::Normal;
   bool atOnce = false; ///< the runtime runs and calls back within calls
   Turn turn = Turn::None;
   unsigned seed = 1; ///< of every choice; by a rule of the test, of the turn
 };
 
+std::string nameOf(Mode mode);
 std::string textOf(const RoundPlan &plan);
 void PrintTo(const RoundPlan &plan, std::ostream *out);
 

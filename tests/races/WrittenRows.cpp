@@ -1,12 +1,17 @@
-// Compares the rows of a raw timing log with the runs that completed.
+// Compares the rows of a raw timing log with the runs that completed, and reads
+// run records.
 
 #include "tests/races/WrittenRows.h"
 
+#include "results/runs/RunReader.h"
+
 #include "gtest/gtest.h"
 
+#include <filesystem>
 #include <set>
 #include <sstream>
 
+using namespace corvane;
 using namespace corvane::test;
 
 static const char *const header =
@@ -45,4 +50,18 @@ corvane::test::expectRows(const std::string &log,
       EXPECT_EQ(written.count(run.row), 1U) << "no row for " << run.row;
     }
   return written.size();
+}
+
+std::size_t corvane::test::expectRecords(const TempFolder &tunedFolder) {
+  std::size_t samples = 0;
+  for (const auto &run :
+       std::filesystem::directory_iterator(tunedFolder.path() / "runs")) {
+    const RunRecord record = readRun(readBytes(run.path() / "run.jsonl"));
+    for (const RunProblem &problem : record.problems)
+      ADD_FAILURE() << "line " << problem.line << ": " << problem.text;
+    EXPECT_TRUE(record.end);
+    for (const auto &[number, configuration] : record.configurations)
+      samples += configuration.samples.size();
+  }
+  return samples;
 }

@@ -1,7 +1,8 @@
-// Checks a raw timing log against the runs that took place.
+// Checks what the agent has written against the runs that took place.
 
 #pragma once
 
+#include "tests/support/TempFolder.h"
 #include "tests/support/loose/SharedState.h"
 
 #include <cstddef>
@@ -16,5 +17,9 @@ namespace corvane::test {
 std::size_t expectRows(const std::string &log,
                        const std::vector<loose::ReportedRun> &reported,
                        bool someAreLost);
+
+/// Expects that each run folder of \p tunedFolder has a record whose every line
+/// can be read, and an end. Returns how many samples there are.
+std::size_t expectRecords(const TempFolder &tunedFolder);
 
 } // namespace corvane::test

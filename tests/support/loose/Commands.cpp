@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 using namespace corvane;
 using namespace corvane::test::loose;
@@ -15,6 +16,7 @@ namespace {
 /// The arguments that all commands have.
 struct Place {
   cl_command_queue queue;
+  bool isBlocking;
   cl_uint waitCount;
   const cl_event *waitList;
   cl_event *event;
@@ -54,27 +56,32 @@ static cl_int enqueue(const Place &place, Report report,
                          work();
                          event->complete();
                        }});
+  while (place.isBlocking && !made->isOver())
+    std::this_thread::yield();
   return CL_SUCCESS;
 }
 
-static cl_int CL_API_CALL read(cl_command_queue queue, cl_mem handle, cl_bool,
-                               size_t offset, size_t size, void *to,
-                               cl_uint waitCount, const cl_event *waitList,
-                               cl_event *event) {
+static cl_int CL_API_CALL read(cl_command_queue queue, cl_mem handle,
+                               cl_bool isBlocking, size_t offset, size_t size,
+                               void *to, cl_uint waitCount,
+                               const cl_event *waitList, cl_event *event) {
   const Ref<Buffer> buffer(objectOf(handle));
-  return enqueue({queue, waitCount, waitList, event}, {}, [=] {
-    std::memcpy(to, buffer->words.data() + offset / 4, size);
-  });
+  return enqueue(
+      {queue, isBlocking != CL_FALSE, waitCount, waitList, event}, {},
+      [=] { std::memcpy(to, buffer->words.data() + offset / 4, size); });
 }
 
-static cl_int CL_API_CALL write(cl_command_queue queue, cl_mem handle, cl_bool,
-                                size_t offset, size_t size, const void *from,
-                                cl_uint waitCount, const cl_event *waitList,
-                                cl_event *event) {
+static cl_int CL_API_CALL write(cl_command_queue queue, cl_mem handle,
+                                cl_bool isBlocking, size_t offset, size_t size,
+                                const void *from, cl_uint waitCount,
+                                const cl_event *waitList, cl_event *event) {
   const Ref<Buffer> buffer(objectOf(handle));
-  return enqueue({queue, waitCount, waitList, event}, {}, [=] {
-    std::memcpy(buffer->words.data() + offset / 4, from, size);
-  });
+  return enqueue({queue, isBlocking != CL_FALSE, waitCount, waitList, event},
+                 {}, [=] {
+                   std::memcpy(buffer->words.data() + offset / 4, from, size);
+                   if (buffer->shared.behaviour.writesAreTruth)
+                     buffer->truth = buffer->words;
+                 });
 }
 
 static cl_int CL_API_CALL launch(cl_command_queue queue, cl_kernel handle,
@@ -93,8 +100,13 @@ static cl_int CL_API_CALL launch(cl_command_queue queue, cl_kernel handle,
   report.duration = shared.nextDuration();
   if (shared.behaviour.remembersRuns)
     report.row = plan.row(report.duration);
-  return enqueue({queue, waitCount, waitList, event}, std::move(report),
+  return enqueue({queue, false, waitCount, waitList, event}, std::move(report),
                  [plan] { plan.run(); });
+}
+
+static cl_int CL_API_CALL mark(cl_command_queue queue, cl_uint waitCount,
+                               const cl_event *waitList, cl_event *event) {
+  return enqueue({queue, false, waitCount, waitList, event}, {}, [] {});
 }
 
 static cl_int CL_API_CALL flush(cl_command_queue) { return CL_SUCCESS; }
@@ -103,5 +115,6 @@ void corvane::test::loose::addCommands(DispatchTable &table) {
   table.clEnqueueReadBuffer = read;
   table.clEnqueueWriteBuffer = write;
   table.clEnqueueNDRangeKernel = launch;
+  table.clEnqueueMarkerWithWaitList = mark;
   table.clFlush = flush;
 }

@@ -15,5 +15,9 @@ void addPrograms(DispatchTable &table);
 void addKernels(DispatchTable &table);
 void addCommands(DispatchTable &table);
 void addEvents(DispatchTable &table);
+void addDevices(DispatchTable &table);
+
+/// The only device. Nothing but its address is of use.
+cl_device_id theDevice();
 
 } // namespace corvane::test::loose

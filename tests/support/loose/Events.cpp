@@ -26,6 +26,37 @@ static cl_int CL_API_CALL tellTimes(cl_event handle, cl_profiling_info what,
                                                         : event.ended);
 }
 
+static cl_int CL_API_CALL tell(cl_event handle, cl_event_info what,
+                               size_t capacity, void *value, size_t *size) {
+  const Event &event = *objectOf(handle);
+  const Wanted wanted{capacity, value, size};
+  switch (what) {
+  case CL_EVENT_COMMAND_TYPE:
+    return wanted.give<cl_command_type>(event.isUsers ? CL_COMMAND_USER
+                                                      : CL_COMMAND_MARKER);
+  case CL_EVENT_COMMAND_EXECUTION_STATUS:
+    return wanted.give(event.status.load(std::memory_order_acquire));
+  default:
+    return CL_INVALID_VALUE;
+  }
+}
+
+static cl_event CL_API_CALL createUserEvent(cl_context context,
+                                            cl_int *status) {
+  auto *event = new Event(objectOf(context)->shared);
+  event->isUsers = true;
+  *status = CL_SUCCESS;
+  return handleOf<cl_event>(event);
+}
+
+static cl_int CL_API_CALL setStatus(cl_event handle, cl_int status) {
+  Event &event = *objectOf(handle);
+  if (status != CL_COMPLETE)
+    event.shared.reportMistake("a user event was completed with a failure");
+  event.complete();
+  return CL_SUCCESS;
+}
+
 static cl_int CL_API_CALL wait(cl_uint count, const cl_event *events) {
   for (cl_uint i = 0; i != count; ++i)
     while (!objectOf(events[i])->isOver())
@@ -36,5 +67,8 @@ static cl_int CL_API_CALL wait(cl_uint count, const cl_event *events) {
 void corvane::test::loose::addEvents(DispatchTable &table) {
   table.clSetEventCallback = setCallback;
   table.clGetEventProfilingInfo = tellTimes;
+  table.clGetEventInfo = tell;
+  table.clCreateUserEvent = createUserEvent;
+  table.clSetUserEventStatus = setStatus;
   table.clWaitForEvents = wait;
 }

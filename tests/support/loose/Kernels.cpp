@@ -69,6 +69,9 @@ static cl_int CL_API_CALL tell(cl_kernel handle, cl_kernel_info what,
     return wanted.giveText(kernel.type.name);
   case CL_KERNEL_NUM_ARGS:
     return wanted.give(kernel.type.arguments());
+  case CL_KERNEL_PROGRAM:
+    return wanted.give(
+        handleOf<cl_program>(const_cast<Program *>(&*kernel.program)));
   case CL_KERNEL_REFERENCE_COUNT:
     return wanted.give(kernel.referenceCount());
   default:

@@ -72,6 +72,8 @@ static void compute(Words &out, const Words &in, std::uint32_t number) {
 }
 
 void LaunchPlan::run() const {
+  if (type.isVariant())
+    shared.recordVariantRun();
   if (buffers.empty())
     return;
   Buffer &out = *buffers.front();

@@ -25,8 +25,7 @@ static cl_command_queue CL_API_CALL
 createQueue(cl_context context, cl_device_id,
             cl_command_queue_properties properties, cl_int *status) {
   succeed(status);
-  return handleOf<cl_command_queue>(
-      new Queue(objectOf(context)->shared, properties));
+  return handleOf<cl_command_queue>(new Queue(*objectOf(context), properties));
 }
 
 static cl_mem CL_API_CALL createBuffer(cl_context context, cl_mem_flags,
@@ -52,6 +51,7 @@ void corvane::test::loose::addLives(DispatchTable &table) {
   table.clRetainMemObject = retain<cl_mem>;
   table.clReleaseMemObject = release<cl_mem>;
   table.clReleaseProgram = release<cl_program>;
+  table.clRetainProgram = retain<cl_program>;
   table.clRetainKernel = retain<cl_kernel>;
   table.clReleaseKernel = release<cl_kernel>;
   table.clReleaseEvent = release<cl_event>;

@@ -5,11 +5,14 @@
 using namespace corvane::test::loose;
 
 void Object::release() {
-  const unsigned before = references.fetch_sub(1, std::memory_order_relaxed);
+  const unsigned before = references.fetch_sub(1, std::memory_order_release);
   if (before == 0)
     shared.reportMistake("an object was released too often");
-  if (before == 1)
-    letGo();
+  if (before != 1)
+    return;
+  // Orders the releases of other threads before the end, as in letGo.
+  (void)references.load(std::memory_order_acquire);
+  letGo();
 }
 
 void Object::letGo() {

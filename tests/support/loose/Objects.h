@@ -29,6 +29,7 @@ struct KernelType {
 };
 
 struct Source {
+  const char *text; ///< empty: the program was linked
   std::vector<KernelType> kernels;
   const char *log; ///< of every build
 };
@@ -40,8 +41,9 @@ struct Context : Object {
 };
 
 struct Queue : Object {
-  Queue(SharedState &ofRuntime, cl_command_queue_properties with)
-      : Object(ofRuntime, Kind::Queue), properties(with) {}
+  Queue(Context &of, cl_command_queue_properties with)
+      : Object(of.shared, Kind::Queue), context(&of), properties(with) {}
+  const Ref<Context> context;
   const cl_command_queue_properties properties;
 };
 
@@ -99,7 +101,8 @@ struct Event : Object {
   std::atomic<cl_int> status{CL_QUEUED};
   cl_ulong started = 0; ///< nanoseconds
   cl_ulong ended = 0;
-  std::string row; ///< of a run, if it is asked for
+  std::string row;      ///< of a run, if it is asked for
+  bool isUsers = false; ///< whether the application completes it
 
 private:
   struct Waiting;

@@ -46,11 +46,6 @@ static std::string namesOf(const Program &program) {
   return names;
 }
 
-static cl_device_id theDevice() {
-  static int place;
-  return reinterpret_cast<cl_device_id>(&place);
-}
-
 static cl_int CL_API_CALL tell(cl_program handle, cl_program_info what,
                                size_t capacity, void *value, size_t *size) {
   const Program &program = *objectOf(handle);
@@ -60,6 +55,8 @@ static cl_int CL_API_CALL tell(cl_program handle, cl_program_info what,
     return wanted.give(cl_uint{1});
   case CL_PROGRAM_DEVICES:
     return wanted.give(theDevice());
+  case CL_PROGRAM_SOURCE:
+    return wanted.giveText(program.source.text);
   case CL_PROGRAM_NUM_KERNELS:
     return wanted.give(program.source.kernels.size());
   case CL_PROGRAM_KERNEL_NAMES:
@@ -73,9 +70,15 @@ static cl_int CL_API_CALL tellOfBuild(cl_program program, cl_device_id,
                                       cl_program_build_info what,
                                       size_t capacity, void *value,
                                       size_t *size) {
-  if (what != CL_PROGRAM_BUILD_LOG)
+  const Wanted wanted{capacity, value, size};
+  switch (what) {
+  case CL_PROGRAM_BUILD_LOG:
+    return wanted.giveText(objectOf(program)->source.log);
+  case CL_PROGRAM_BUILD_OPTIONS:
+    return wanted.giveText("");
+  default:
     return CL_INVALID_VALUE;
-  return Wanted{capacity, value, size}.giveText(objectOf(program)->source.log);
+  }
 }
 
 void corvane::test::loose::addPrograms(DispatchTable &table) {

@@ -21,6 +21,7 @@ DispatchTable corvane::test::loose::makeTable() {
   addKernels(table);
   addCommands(table);
   addEvents(table);
+  addDevices(table);
   return table;
 }
 

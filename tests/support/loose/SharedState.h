@@ -24,6 +24,10 @@ struct Behaviour {
   /// A variant leaves nonsense in its buffers, as if it had gone on from what
   /// another one wrote; else it does what its kernel does.
   bool variantsSpoil = false;
+  /// Whether transfers to a buffer are taken for contents that it must have,
+  /// because the application's own kernels run more often than it launches
+  /// them.
+  bool writesAreTruth = false;
   /// Whether to remember what was run; a runtime that forgets keeps nothing.
   bool remembersRuns = true;
   unsigned seed = 1; ///< of the order of late tasks
@@ -74,6 +78,12 @@ public:
     return living[static_cast<std::size_t>(kind)].load();
   }
 
+  /// Counts the runs of variants.
+  void recordVariantRun() {
+    variantsRun.fetch_add(1, std::memory_order_relaxed);
+  }
+  unsigned long variantRuns() const { return variantsRun.load(); }
+
   /// Records a mistake of the agent or of the application.
   void reportMistake(const char *what) { mistakes.add(what); }
   std::vector<std::string> takeMistakes() { return mistakes.take(); }
@@ -95,6 +105,7 @@ private:
   std::array<std::atomic<long>, kinds> living{};
   std::atomic<cl_ulong> lastDuration{0};
   std::atomic<bool> flushAnnounced{false};
+  std::atomic<unsigned long> variantsRun{0};
   Inbox<std::string> mistakes;
   Inbox<ReportedRun> reported;
 
