@@ -29,6 +29,14 @@ static void warnAboutRefusal() {
              "values or non-expected input scalar values\n");
 }
 
+bool corvane::giveArguments(const KernelRecord &record,
+                            VariantKernel &variant) {
+  if (record.arguments.replay(variant.kernel, variant.settingsSeen))
+    return true;
+  variant.settingsSeen = 0;
+  return false;
+}
+
 cl_int corvane::launchVariant(const KernelRecord &record,
                               const VariantChoice &choice, const Launch &launch,
                               llvm::raw_ostream *log) {
@@ -47,12 +55,15 @@ static cl_int launchTracked(AgentState &state, KernelRecord &record,
                             const Launch &launch, llvm::raw_ostream *log) {
   const VariantChoice choice = chooseVariant(state, record, launch);
   logChoice(log, record, choice);
-  const bool byVariant = choice.variant && !choice.refusal;
+  // A profile promises the kernel's own results.
+  const bool byVariant =
+      choice.variant && !choice.refusal &&
+      (!state.profile || giveArguments(record, *choice.variant));
   if (state.profile)
     state.profile->countLaunch(record, byVariant);
   if (byVariant)
     return launchVariant(record, choice, launch, log);
-  if (choice.variant)
+  if (choice.variant && choice.refusal)
     warnAboutRefusal();
   return enqueue(launch);
 }

@@ -11,6 +11,11 @@ namespace corvane {
 
 struct AgentState;
 
+/// Gives \p variant the arguments of \p record. False if the runtime refuses
+/// one: it is reported, and all are given again before the next launch. Hold
+/// the agent lock.
+bool giveArguments(const KernelRecord &record, VariantKernel &variant);
+
 /// Launches the variant of \p choice, which takes \p launch, with the arguments
 /// of \p record; returns the runtime's status. A variant that cannot get its
 /// hidden argument leaves the launch to the application's kernel. Hold the

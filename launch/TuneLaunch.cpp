@@ -185,7 +185,7 @@ cl_int TuneLaunch::runWinner() {
     if (winner.empty() || variant.description->spec != winner)
       continue;
     const VariantChoice choice = examine(record, variant, launch);
-    if (choice.refusal)
+    if (choice.refusal || !giveArguments(record, variant))
       break;
     const cl_int status = launchVariant(record, choice, launch, log);
     if (status == CL_SUCCESS)

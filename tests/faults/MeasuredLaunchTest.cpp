@@ -3,6 +3,7 @@
 
 #include "agent/Environment.h"
 #include "tests/behaviour/Calls.h"
+#include "tests/faults/ProfiledKernel.h"
 #include "tests/support/AgentBoundary.h"
 #include "tests/support/AgentMemory.h"
 #include "tests/support/EnvGuard.h"
@@ -21,18 +22,13 @@ using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-void addOne(const Launch &launch) {
-  for (unsigned char &element : launch.buffer(0))
-    ++element;
-}
-
 /// A process that tunes a kernel with a variant; both add 1 to each byte.
 class MeasuredProcess {
 public:
   MeasuredProcess() {
-    program.source("kernel void k(global uchar *p) { ++p[get_global_id(0)]; }")
-        .kernel("k", 1, addOne)
-        .kernel("k_coarsed_g0S2", 1, addOne);
+    program.source(profiledSource)
+        .kernel("k", 1, incrementAll)
+        .kernel("k_coarsed_g0S2", 1, incrementAll);
     boundary.load();
     EXPECT_EQ(build(cl(), program), CL_SUCCESS);
     buffer = createBuffer(runtime, cl());

@@ -4,6 +4,7 @@
 #include "agent/Environment.h"
 #include "results/profile/ProfileFile.h"
 #include "tests/behaviour/Calls.h"
+#include "tests/faults/ProfiledKernel.h"
 #include "tests/support/AgentBoundary.h"
 #include "tests/support/AgentMemory.h"
 #include "tests/support/EnvGuard.h"
@@ -19,37 +20,18 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <vector>
 
 using namespace corvane;
 using namespace corvane::test;
 
 namespace {
-constexpr const char *source = "kernel void k(global uchar *p) {}";
-
-// By: printf 'source 0\nkernel void k(global uchar *p) {}' | sha256sum
-constexpr const char *hashOfProgram = "ed37c389c5d83d3b5847e352c538c5f1"
-                                      "73b89b00cbd2d946f2dd074b7d9abdb2";
-
-void incrementAll(const Launch &launch) {
-  for (unsigned char &element : launch.buffer(0))
-    ++element;
-}
-
 // Entries of many sizes, so that all lists grow more than once.
 Profile manyEntries() {
-  Profile profile;
-  profile.devices = {{"device 1", "maker", "1.0"}};
-  profile.programs = {hashOfProgram};
-  for (std::size_t size = 64; size != 64 * 20; size += 64) {
-    ProfileEntry entry;
-    entry.kernel = "k";
-    entry.use = "g0S2";
-    entry.sizes.global[0] = size;
-    entry.versions[""] = {10.0, 7, Agreement::Equal};
-    entry.versions["g0S2"] = {5.0, 7, Agreement::Equal};
-    profile.entries.push_back(entry);
-  }
-  return profile;
+  std::vector<std::size_t> sizes;
+  for (std::size_t size = 64; size != 64 * 20; size += 64)
+    sizes.push_back(size);
+  return profileOf(sizes, "g0S2");
 }
 
 /// From the load to the unload, each call made again if it throws.
@@ -57,7 +39,7 @@ class ProfiledProcess {
 public:
   explicit ProfiledProcess(const TempFolder &folder)
       : profile(variable::profile, folder.text()) {
-    program.source(source)
+    program.source(profiledSource)
         .kernel("k", 1, incrementAll)
         .kernel("k_coarsed_g0S2", 1, incrementAll);
   }
