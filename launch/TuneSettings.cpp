@@ -24,8 +24,14 @@ static void tellUnreadable(const char *name, llvm::StringRef value,
              "\", which cannot be used: " + used + ".\n");
 }
 
+// Null if the variable is not defined or empty.
+static const char *valueOf(const char *variable) {
+  const char *const value = lookUp(variable);
+  return value && *value != '\0' ? value : nullptr;
+}
+
 static unsigned readSamples(unsigned otherwise) {
-  const char *const value = lookUp(variable::samples);
+  const char *const value = valueOf(variable::samples);
   if (!value)
     return otherwise;
   constexpr unsigned mostSamples = 1000;
@@ -38,7 +44,7 @@ static unsigned readSamples(unsigned otherwise) {
 }
 
 static Tolerance readTolerance() {
-  const char *const value = lookUp(variable::verify);
+  const char *const value = valueOf(variable::verify);
   if (!value)
     return {};
   if (const std::optional<Tolerance> tolerance = parseTolerance(value))
@@ -49,7 +55,7 @@ static Tolerance readTolerance() {
 
 static TuneSettings::Duration readSeconds() {
   constexpr TuneSettings::Duration unlimited = TuneSettings::Duration::max();
-  const char *const value = lookUp(variable::tuneSeconds);
+  const char *const value = valueOf(variable::tuneSeconds);
   if (!value)
     return unlimited;
   const llvm::StringRef text = value;
@@ -69,8 +75,8 @@ static TuneSettings::Duration readSeconds() {
 
 std::optional<TuneSettings>
 corvane::readTuneSettings(const std::string &loadFolder) {
-  const char *const folder = lookUp(variable::tune);
-  if (!folder || *folder == '\0')
+  const char *const folder = valueOf(variable::tune);
+  if (!folder)
     return std::nullopt;
   TuneSettings settings;
   settings.folder = folder;

@@ -5,11 +5,11 @@
 #include "agent/AgentState.h"
 #include "agent/RuntimeTable.h"
 #include "base/CompanionQuery.h"
+#include "launch/ProgramObstacle.h"
 #include "programs/CreatedKernels.h"
 #include "programs/DeviceIdentity.h"
 #include "programs/ProgramIdentity.h"
 #include "programs/RuntimeText.h"
-#include "tuning/SourceObstacles.h"
 #include "variants/LookAlike.h"
 #include "variants/SpillScreen.h"
 #include "variants/VariantName.h"
@@ -83,12 +83,13 @@ static ProgramLine describe(cl_program program, cl_device_id device,
   return line;
 }
 
-// Only the source tells what a program's kernels do besides writing to buffers.
-static std::string obstacleIn(cl_program program) {
+// Only the text tells what a program's kernels do besides writing to buffers.
+static std::string obstacleIn(cl_program program, cl_device_id device) {
   const std::string source = programText(program, CL_PROGRAM_SOURCE);
   if (source.empty())
     return "the program has no source to look at";
-  return obstacleInSource(source).str();
+  return obstacleInProgram(
+      source, buildText(program, device, CL_PROGRAM_BUILD_OPTIONS));
 }
 
 static const TunedProgram *findOrTell(Tuning &tuning, AgentState &state,
@@ -99,7 +100,7 @@ static const TunedProgram *findOrTell(Tuning &tuning, AgentState &state,
   auto known = tuning.programs.find(*hash);
   if (known == tuning.programs.end()) {
     TunedProgram told;
-    told.obstacle = obstacleIn(program);
+    told.obstacle = obstacleIn(program, device);
     told.number = tuning.run.add(describe(program, device, *hash));
     known = tuning.programs.emplace(*hash, std::move(told)).first;
   }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 using namespace corvane;
 
@@ -31,22 +32,38 @@ private:
   const Directives directivesAre;
 };
 
-/// Tells declarations of writable variables from the other statements outside
-/// of functions.
+/// Finds declarations of writable variables that outlive a launch: those
+/// outside of functions, and static ones within.
 class ProgramScope {
 public:
-  /// Whether \p token ends the declaration of a writable variable.
+  /// Whether \p token ends the declaration of such a variable.
   bool endsWritableVariable(llvm::StringRef token);
 
 private:
-  void startStatement() { *this = ProgramScope(); }
+  /// A statement outside of functions, as far as it was read.
+  struct Statement {
+    bool isEmpty = true;
+    bool isReadOnly = false; ///< what was declared last, a pointer or not
+    bool isFunction = false;
+    bool isTypedef = false;
+    bool hasTag = false;  ///< of a structure, union or enumeration
+    bool hasBody = false; ///< of one
+    bool isValue = false; ///< after "=", up to the next variable
+    unsigned names = 0;   ///< after the tag's keyword or the body
+  };
+  bool isInAttribute(llvm::StringRef token);
+  bool endsStaticVariable(llvm::StringRef token);
+  void closeBrace();
+  void read(llvm::StringRef token);
+  bool endStatement();
 
   unsigned braces = 0;
-  bool isEmpty = true;
-  bool isReadOnly = false;
-  bool isGlobal = false;
-  bool isFunction = false;
-  bool isType = false; ///< or a variable of a type that is named as such
+  unsigned groups = 0; ///< parentheses and brackets, outside of braces
+  Statement statement;
+  bool startsAttribute = false;
+  unsigned attributeGroups = 0;
+  bool isStatic = false; ///< a declaration within a function
+  bool staticIsReadOnly = false;
 };
 } // namespace
 
@@ -96,39 +113,110 @@ llvm::StringRef SourceScanner::next() {
   return token;
 }
 
+static bool isConst(llvm::StringRef token) {
+  return llvm::StringSwitch<bool>(token)
+      .Cases("constant", "__constant", "const", "__const", true)
+      .Default(false);
+}
+
+// An attribute has parentheses of its own, wherever it stands.
+bool ProgramScope::isInAttribute(llvm::StringRef token) {
+  if (token == "__attribute__" || token == "__attribute") {
+    startsAttribute = true;
+    return true;
+  }
+  if (!startsAttribute && attributeGroups == 0)
+    return false;
+  startsAttribute = false;
+  if (token == "(")
+    ++attributeGroups;
+  else if (token == ")" && attributeGroups != 0)
+    --attributeGroups;
+  return true;
+}
+
+bool ProgramScope::endsStaticVariable(llvm::StringRef token) {
+  if (token == "static") {
+    isStatic = true;
+    staticIsReadOnly = false;
+  } else if (isConst(token)) {
+    staticIsReadOnly = true;
+  } else if (token == "*") {
+    staticIsReadOnly = false;
+  } else if (token == "=" || token == ";") {
+    return std::exchange(isStatic, false) && !staticIsReadOnly;
+  }
+  return false;
+}
+
+// The body of a function ends its definition; what follows the braces of a type
+// or of an initialiser belongs to them.
+void ProgramScope::closeBrace() {
+  if (braces == 0 || --braces != 0)
+    return;
+  if (statement.isFunction) {
+    statement = Statement();
+    groups = 0;
+  } else if (!statement.isValue) {
+    statement.hasBody = true;
+    statement.names = 0;
+  }
+}
+
+void ProgramScope::read(llvm::StringRef token) {
+  statement.isEmpty = false;
+  if (token == "(" || token == "[") {
+    if (token == "(" && groups == 0 && !statement.isValue)
+      statement.isFunction = true;
+    ++groups;
+  } else if (token == ")" || token == "]") {
+    groups -= groups != 0 ? 1 : 0;
+  } else if (groups != 0) {
+    return;
+  } else if (token == "=" || token == ",") {
+    statement.isValue = token == "=";
+  } else if (statement.isValue) {
+    return;
+  } else if (token == "*") {
+    statement.isReadOnly = false; // what the pointer points to was
+  } else if (isConst(token) || token == "sampler_t") {
+    statement.isReadOnly = true;
+  } else if (token == "typedef") {
+    statement.isTypedef = true;
+  } else if (token == "struct" || token == "union" || token == "enum") {
+    statement.hasTag = true;
+    statement.names = 0;
+  } else if (llvm::isAlpha(token.front()) || token.front() == '_') {
+    ++statement.names;
+  }
+}
+
+bool ProgramScope::endStatement() {
+  const Statement ended = std::exchange(statement, Statement());
+  groups = 0;
+  // A tag alone, or with a body, is the declaration of a type.
+  const unsigned namesOfType = ended.hasTag && !ended.hasBody ? 1 : 0;
+  const bool namesVariable = !ended.hasTag || ended.names > namesOfType;
+  return !ended.isEmpty && !ended.isReadOnly && !ended.isFunction &&
+         !ended.isTypedef && namesVariable;
+}
+
 bool ProgramScope::endsWritableVariable(llvm::StringRef token) {
+  if (isInAttribute(token))
+    return false;
   if (token == "{") {
     ++braces;
     return false;
   }
   if (token == "}") {
-    // The body of a function ends its definition; what follows the braces of a
-    // type or of an initialiser belongs to them.
-    if (braces != 0 && --braces == 0 && isFunction)
-      startStatement();
+    closeBrace();
     return false;
   }
   if (braces != 0)
-    return false;
-  if (token == ";") {
-    const bool isVariable =
-        !isEmpty && !isReadOnly && !isFunction && (isGlobal || !isType);
-    startStatement();
-    return isVariable;
-  }
-  isEmpty = false;
-  if (token == "(")
-    isFunction = true;
-  if (token == "global" || token == "__global")
-    isGlobal = true;
-  if (llvm::StringSwitch<bool>(token)
-          .Cases("constant", "__constant", "const", true)
-          .Default(false))
-    isReadOnly = true;
-  if (llvm::StringSwitch<bool>(token)
-          .Cases("typedef", "struct", "union", "enum", true)
-          .Default(false))
-    isType = true;
+    return endsStaticVariable(token);
+  if (token == ";")
+    return endStatement();
+  read(token);
   return false;
 }
 
@@ -170,4 +258,30 @@ llvm::StringRef corvane::obstacleInSource(llvm::StringRef source) {
       return "the program has writable variables outside of functions";
   }
   return {};
+}
+
+llvm::StringRef corvane::obstacleInOptions(llvm::StringRef options) {
+  return obstacleInDirective(options);
+}
+
+static IncludedFile fileOf(llvm::StringRef text) {
+  const bool isQuoted = text.consume_front("\"");
+  if (!isQuoted && !text.consume_front("<"))
+    return {{}, false};
+  const std::size_t end = text.find(isQuoted ? '"' : '>');
+  return {end == llvm::StringRef::npos ? "" : text.take_front(end).str(),
+          isQuoted};
+}
+
+std::vector<IncludedFile> corvane::includedFiles(llvm::StringRef source) {
+  SourceScanner scanner(source, SourceScanner::Directives::Whole);
+  std::vector<IncludedFile> files;
+  for (llvm::StringRef token = scanner.next(); !token.empty();
+       token = scanner.next())
+    if (token.consume_front("#")) {
+      llvm::StringRef directive = token.ltrim();
+      if (directive.consume_front("include"))
+        files.push_back(fileOf(directive.ltrim()));
+    }
+  return files;
 }

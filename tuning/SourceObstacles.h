@@ -4,15 +4,31 @@
 
 #include "llvm/ADT/StringRef.h"
 
+#include <string>
+#include <vector>
+
 namespace corvane {
 
 /// Why kernels of a program with this OpenCL C source cannot be run repeatedly
-/// and compared: they may print, have writable program-scope variables, use
+/// and compared: they may print, have variables that outlive a launch, use
 /// pipes or enqueue kernels themselves. A short text such as "the program
 /// prints"; empty when nothing of that kind is seen.
 ///
 /// The source is read without its macros and included files. In doubt there is
 /// an obstacle: a name is enough, whether or not a kernel reaches it.
 llvm::StringRef obstacleInSource(llvm::StringRef source);
+
+/// The same for the options of a build, which may define macros.
+llvm::StringRef obstacleInOptions(llvm::StringRef options);
+
+/// The file of an include directive.
+struct IncludedFile {
+  std::string name; ///< empty: only macros name it
+  bool isQuoted;    ///< else in angle brackets
+};
+
+/// The files that \p source includes, in their order, whether or not a
+/// condition leaves a directive out.
+std::vector<IncludedFile> includedFiles(llvm::StringRef source);
 
 } // namespace corvane

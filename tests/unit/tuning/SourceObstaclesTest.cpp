@@ -65,6 +65,47 @@ TEST(SourceObstacles, AreWritableVariablesOutsideOfFunctions) {
   EXPECT_EQ(obstacle("static global uint seeds[64];"), writable);
   EXPECT_EQ(obstacle("global struct Line line;"), writable);
   EXPECT_EQ(obstacle("#define f(x) \\\n x\nint counter;"), writable);
+  EXPECT_EQ(obstacle("global atomic_int c = ATOMIC_VAR_INIT(0);"), writable);
+  EXPECT_EQ(obstacle("global int c = (0);"), writable);
+  EXPECT_EQ(obstacle("global int c __attribute__((aligned(16)));"), writable);
+  EXPECT_EQ(obstacle("global int a[2][sizeof(int)];"), writable);
+  EXPECT_EQ(obstacle("constant int a = 1; constant int *b = &a;"), writable);
+  EXPECT_EQ(obstacle("const int a = 1, *b = &a;"), writable);
+}
+
+TEST(SourceObstacles, AreWritableStructuresOutsideOfFunctions) {
+  const std::string writable =
+      "the program has writable variables outside of functions";
+  EXPECT_EQ(obstacle("struct S { int n; }; struct S state;"), writable);
+  EXPECT_EQ(obstacle("union U { int n; }; union U u;"), writable);
+  EXPECT_EQ(obstacle("struct { int n; } state;"), writable);
+  EXPECT_EQ(obstacle("struct S { int n; } __attribute__((packed)) s = {1};"),
+            writable);
+  EXPECT_EQ(obstacle("global const int *seen;"), writable);
+}
+
+TEST(SourceObstacles, AreStaticVariablesOfFunctions) {
+  const std::string writable =
+      "the program has writable variables outside of functions";
+  EXPECT_EQ(obstacle("void f() { static global int calls; }"), writable);
+  EXPECT_EQ(obstacle("void f() { if (1) { static int calls = 0; } }"),
+            writable);
+  EXPECT_EQ(obstacle("void f() { static constant int a[] = {1}; int b; }"), "");
+}
+
+TEST(SourceObstacles, AreNoneInDeclarationsOfTypesAndConstants) {
+  for (const char *source :
+       {"typedef global int *Pointer;", "struct S;",
+        "struct __attribute__((packed)) S { int n; };",
+        "struct S { int n; } __attribute__((packed));",
+        "typedef struct S { int n; } S; struct S f(struct S s);",
+        "constant sampler_t s = CLK_FILTER_NEAREST;",
+        "sampler_t s = CLK_FILTER_NEAREST | CLK_ADDRESS_NONE;",
+        "constant int a = (2 * 3), b[] = {(1), 2};",
+        "constant char *constant names[2] = {0, 0};",
+        "struct S f(int a[2]) { struct S s; s.n = a[0]; return s; }",
+        "__attribute__((always_inline)) int f(int a) { int b = a; return b; }"})
+    EXPECT_EQ(obstacle(source), "") << source;
 }
 
 TEST(SourceObstacles, SurviveSourcesThatEndAnywhere) {
