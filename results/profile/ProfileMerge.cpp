@@ -28,12 +28,13 @@ struct Samples {
 
 struct Checks {
   Agreement worst = Agreement::Unknown;
-  std::size_t count = 0;
+  std::size_t count = 0; ///< the most of one run
 };
 
 struct Gathered {
   std::map<std::string, Samples> samples; ///< by version
   std::map<std::string, Checks> checks;   ///< by version
+  std::set<std::string> accepted;         ///< variants that take the sizes
   bool decided = false;                   ///< by the process itself
   std::string untunable;
   std::uint64_t launches = 0;
@@ -83,6 +84,8 @@ static void gatherSamples(Gathered &gathered,
   const auto original = runs.find(std::string());
   for (const auto &[version, taken] : runs) {
     const std::size_t passes = passesOf(taken);
+    if (passes == 0)
+      continue;
     Samples &samples = gathered.samples[version];
     append(samples.times, samplesAfter(passes, taken));
     if (original != runs.end())
@@ -103,10 +106,14 @@ static void gather(Gathering &all, const RunRecord &run,
                           line.sizes}];
 
   gatherSamples(gathered, countedRuns(configuration.samples));
+  for (const VariantVerdict &variant : line.variants)
+    if (variant.refusal.empty())
+      gathered.accepted.insert(variant.spec);
+  std::map<std::string, std::size_t> comparisons;
   for (const CheckLine &check : configuration.checks) {
     Checks &checks = gathered.checks[check.version];
     checks.worst = std::max(checks.worst, agreementOf(check.result));
-    ++checks.count;
+    checks.count = std::max(checks.count, ++comparisons[check.version]);
     if (check.result == CheckResult::Different)
       all.different.insert({program, line.kernel, check.version});
   }
@@ -156,18 +163,46 @@ static bool comesBefore(const TunedVersion &left, const TunedVersion &right) {
   return rank(left.figures) < rank(right.figures);
 }
 
-// A version is compared after its first run and once more at its last: the
-// second is missing where the process or its time for tuning ended before.
+// A process compares a version after its first run and once more at its last:
+// the second is missing where the process or its time for tuning ended before.
 static bool lacksACheck(const Gathered &gathered, const std::string &version) {
   const auto checks = gathered.checks.find(version);
   return !version.empty() && checks != gathered.checks.end() &&
          checks->second.count < 2;
 }
 
+// A version that no process came to run, which may be the best.
+static bool lacksAVersion(const Gathered &gathered,
+                          llvm::ArrayRef<VersionSamples> versions) {
+  return llvm::any_of(gathered.accepted, [&](const std::string &spec) {
+    return llvm::none_of(versions, [&](const VersionSamples &version) {
+      return version.version == spec;
+    });
+  });
+}
+
+// Where no process has decided, each version has to have its samples. Where one
+// has, a version that lacks them could not be run, or was begun by another
+// process that ended early: that is no reason against the others.
+static Decision decideBy(const Gathered &gathered,
+                         std::vector<VersionSamples> versions) {
+  Decision decision = decide(versions);
+  if (!gathered.decided && lacksAVersion(gathered, versions)) {
+    decision.decided = false;
+    decision.winner.clear();
+  }
+  if (!gathered.decided || decision.decided)
+    return decision;
+  for (std::size_t i = 0; i != versions.size(); ++i)
+    versions[i].out = versions[i].out || (!decision.versions[i].interval &&
+                                          !decision.versions[i].dropped);
+  return decide(versions);
+}
+
 static TunedConfiguration tune(const Gathering &all, const Key &key,
                                const Gathered &gathered) {
   const auto &[device, program, kernel, sizes] = key;
-  Decision decision = decide(versionsOf(all, key, gathered));
+  Decision decision = decideBy(gathered, versionsOf(all, key, gathered));
   if (lacksACheck(gathered, decision.winner)) {
     decision.decided = false;
     decision.winner.clear();

@@ -10,6 +10,8 @@
 using namespace corvane;
 
 double corvane::sampleOf(std::vector<double> runs) {
+  if (runs.empty())
+    return 0.0;
   if (runs.size() == 1)
     return runs.front();
   const auto counted =
@@ -46,11 +48,13 @@ corvane::countedRuns(llvm::ArrayRef<SampleLine> lines) {
   for (const SampleLine &line : lines) {
     if (line.warmUp)
       continue;
-    SampleRuns &taken = runs[line.version];
-    if (!line.repeats)
-      taken.push_back({line.microseconds});
-    else if (*line.repeats < taken.size())
-      taken[*line.repeats].push_back(line.microseconds);
+    if (!line.repeats) {
+      runs[line.version].push_back({line.microseconds});
+      continue;
+    }
+    const auto taken = runs.find(line.version);
+    if (taken != runs.end() && *line.repeats < taken->second.size())
+      taken->second[*line.repeats].push_back(line.microseconds);
   }
   return runs;
 }

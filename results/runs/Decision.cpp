@@ -37,10 +37,13 @@ static bool competes(const VersionSamples &version) {
   return !version.version.empty() && !version.out && !version.samples.empty();
 }
 
-// Whether a version was given up: it never got more samples.
+// Whether a version was given up after its first two samples. Another run that
+// ended early may have added one.
 static bool isDropped(const VersionSamples &version, double originalMedian) {
-  return version.samples.size() == 2 &&
-         isHopeless(version.samples, originalMedian);
+  const double limit = 2.0 * originalMedian;
+  const auto isSlow = [limit](double sample) { return sample > limit; };
+  return version.samples.size() >= 2 && version.samples.size() <= 3 &&
+         llvm::all_of(version.samples, isSlow);
 }
 
 // The winner is the best of all that compete, and of all tries. With the
@@ -100,9 +103,11 @@ static const VersionFigures *findBest(ArrayRef<VersionSamples> versions,
 // Whether each version has enough samples, or needs no more.
 static bool hasEnough(ArrayRef<VersionSamples> versions,
                       ArrayRef<VersionFigures> figures) {
-  for (std::size_t i = 0; i != versions.size(); ++i)
-    if (competes(versions[i]) && !figures[i].interval && !figures[i].dropped)
+  for (std::size_t i = 0; i != versions.size(); ++i) {
+    const bool needsMore = !versions[i].version.empty() && !versions[i].out;
+    if (needsMore && !figures[i].interval && !figures[i].dropped)
       return false;
+  }
   return true;
 }
 

@@ -36,15 +36,15 @@ bool isHopeless(llvm::ArrayRef<double> samples, double originalMedian);
 struct VersionSamples {
   std::string version; ///< empty: the original
   std::vector<double> samples;
-  bool out = false; ///< not compared: a check found its output different
+  bool out = false; ///< not compared: its output differed, or it cannot run
   /// The samples of the original that were taken together with these. Empty:
   /// all that the original has.
   std::vector<double> originals = {};
 };
 
 struct Decision {
-  /// Whether there are enough samples: for each variant that has samples and is
-  /// not out, it was dropped or has an interval.
+  /// Whether there are enough samples: each variant that is not out was dropped
+  /// or has an interval.
   bool decided = false;
   std::string winner; ///< empty: the original, also when not decided
   /// As many as the versions, in their order.

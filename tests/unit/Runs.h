@@ -41,6 +41,12 @@ public:
     return *this;
   }
 
+  /// A variant that takes the sizes.
+  MadeRun &accepts(const std::string &variant) {
+    current->line.variants.push_back({variant, ""});
+    return *this;
+  }
+
   /// \p count samples about \p time, no two of them the same.
   MadeRun &samples(const std::string &version, double time, int count = 7) {
     for (int i = 0; i != count; ++i)

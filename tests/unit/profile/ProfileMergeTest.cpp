@@ -211,7 +211,50 @@ TEST(MergeRuns, ChoosesNoVariantThatWasComparedOnlyOnce) {
   EXPECT_FALSE(merged({once}).decided);
   EXPECT_EQ(merged({once}).winner, "");
   EXPECT_TRUE(makeProfile(mergeRuns({once})).entries.empty());
-  EXPECT_EQ(merged({once, once}).winner, "g0S4");
+  EXPECT_EQ(merged({once, once}).winner, "");
+  const RunRecord twice = MadeRun()
+                              .configuration("k", sizes)
+                              .samples("", 100)
+                              .samples("g0S4", 50)
+                              .checks("g0S4", CheckResult::Equal);
+  EXPECT_EQ(merged({once, twice}).winner, "g0S4");
+}
+
+// As when a first run is killed after its first round, and a second is not.
+TEST(MergeRuns, KeepsAWinnerWhateverARunThatEndedEarlyLeft) {
+  const RunRecord early = MadeRun()
+                              .configuration("k", sizes)
+                              .samples("", 100, 1)
+                              .samples("g0S4", 50, 1)
+                              .samples("g0S8", 300, 1)
+                              .samples("g0S16", 300, 1);
+  const RunRecord whole = MadeRun()
+                              .configuration("k", sizes)
+                              .samples("", 100)
+                              .samples("g0S4", 50)
+                              .samples("g0S8", 300, 2)
+                              .checks("g0S4", CheckResult::Equal)
+                              .decided();
+  const TunedConfiguration tuned = merged({early, whole});
+  EXPECT_TRUE(tuned.decided);
+  EXPECT_EQ(tuned.winner, "g0S4");
+}
+
+TEST(MergeRuns, WaitsForAVersionThatWasNeverRun) {
+  const RunRecord early =
+      MadeRun().configuration("k", sizes).accepts("g0S2").samples("", 100, 7);
+  EXPECT_FALSE(merged({early}).decided);
+  EXPECT_TRUE(makeProfile(mergeRuns({early})).entries.empty());
+}
+
+TEST(MergeRuns, DoesNotCountARepeatedSampleThatIsNotThere) {
+  MadeRun run;
+  run.configuration("k", sizes).samples("", 100).samples("g0S2", 300);
+  const RunRecord stray =
+      MadeRun().configuration("k", sizes).repeats("g0S2", 1);
+  const TunedConfiguration tuned = merged({run, stray});
+  EXPECT_EQ(tuned.winner, "");
+  EXPECT_EQ(tuned.versions[1].figures.median, 300.0);
 }
 
 TEST(MergeRuns, CountsLaunches) {
