@@ -82,6 +82,7 @@ TuningEnd TuningJob::measure() {
     if (saved->writeTo(launch.queue.get()) != CL_SUCCESS)
       return TuningEnd::Failed;
     buffersAreSpoiled = false;
+    plan.took(std::chrono::steady_clock::now() - start);
     if (wroteNothing)
       return TuningEnd::Unchanged;
   }

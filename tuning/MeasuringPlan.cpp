@@ -14,7 +14,7 @@ static constexpr unsigned mostRoundsPerSample = 2;
 // Each try takes its share of the allowed error, so there are few of them.
 static constexpr std::array<unsigned, mostTries> triesAfter = {1, 3, 9, 27};
 
-static constexpr double mostMicroseconds = 30e6;
+static constexpr std::chrono::seconds mostTime{30};
 
 // How many versions are repeated beside the original.
 static constexpr std::size_t mostRivals = 3;
@@ -96,10 +96,7 @@ std::optional<PlannedRun> MeasuringPlan::nextRepeat() {
 
 void MeasuringPlan::completed(const PlannedRun &run,
                               std::optional<double> microseconds) {
-  if (!microseconds)
-    return;
-  spent += *microseconds;
-  if (run.purpose != PlannedRun::Purpose::Sample)
+  if (!microseconds || run.purpose != PlannedRun::Purpose::Sample)
     return;
   Version &version = versions[run.version];
   if (run.repeats) {
@@ -137,7 +134,7 @@ void MeasuringPlan::failed(const PlannedRun &run) {
 void MeasuringPlan::endPass() {
   ++passes;
   round = turn = 0;
-  const bool isLast = passes == triesAfter.back() || spent > mostMicroseconds;
+  const bool isLast = passes == triesAfter.back() || spent > mostTime;
   const bool isTried = std::find(triesAfter.begin(), triesAfter.end(),
                                  passes) != triesAfter.end();
   if (isTried && !isLast)
@@ -170,7 +167,9 @@ Decision MeasuringPlan::decide() const {
   bool isAnyLeft = false;
   for (const Version &version : versions) {
     const bool isOriginal = measured.empty();
-    const bool isOut = !isOriginal && (!isReproducible() ||
+    // After a whole pass it has samples, or the runtime tells no times of it.
+    const bool isUntimed = passes != 0 && version.samples.empty();
+    const bool isOut = !isOriginal && (!isReproducible() || isUntimed ||
                                        version.fate != VersionFate::Measured);
     isAnyLeft = isAnyLeft || (!isOriginal && !isOut);
     measured.push_back({version.name, version.samples, isOut});

@@ -8,6 +8,7 @@
 
 #include "llvm/ADT/ArrayRef.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -52,7 +53,8 @@ struct PlannedRun {
 /// If the samples are too disturbed for a decision, further passes repeat those
 /// of the original and of the versions that may still win; sampleOf makes one
 /// time of the runs of a sample. A decision is tried after the passes 1, 3, 9
-/// and 27, and no pass begins once all runs together have taken half a minute.
+/// and 27, and no pass begins once all runs, with what is copied and compared
+/// between them, have taken half a minute.
 /// Not for several threads at once.
 class MeasuringPlan {
 public:
@@ -70,6 +72,8 @@ public:
   void completed(const PlannedRun &run, std::optional<double> microseconds);
   /// The output of a compared run; call after completed.
   void compared(const PlannedRun &run, Equality equality);
+  /// How long all of it has taken so far.
+  void took(std::chrono::nanoseconds soFar) { spent = soFar; }
   /// The run could not be made.
   void failed(const PlannedRun &run);
 
@@ -115,7 +119,7 @@ private:
   /// The original and those that may still win; all of them at first.
   std::vector<unsigned> repeated;
   bool isThrough = false;
-  double spent = 0.0;   ///< microseconds, by all runs
+  std::chrono::nanoseconds spent{0};
   unsigned warmUps = 0; ///< handed out
   unsigned passes = 0;  ///< that are over
   unsigned round = 0;   ///< within the pass

@@ -31,6 +31,8 @@ namespace {
 /// What is not set succeeds.
 struct Play {
   std::vector<double> microseconds;
+  /// How long each run takes with all that comes with it.
+  std::chrono::seconds each{0};
   /// By what the time of a run is multiplied.
   std::function<double(const PlannedRun &)> disturbance =
       [](const PlannedRun &) { return 1.0; };
@@ -66,6 +68,7 @@ struct Play {
                                : std::nullopt);
       if (run->compared)
         plan.compared(*run, equality(*run));
+      plan.took(runs.size() * each);
       if (runs.size() > 10000)
         break;
     }
@@ -346,7 +349,7 @@ TEST(MeasuringPlan, EndsAfterTwentySevenPasses) {
 TEST(MeasuringPlan, BeginsNoPassAfterHalfAMinuteOfRuns) {
   MeasuringPlan plan(versions(1), 7, false);
   Play play = wildPlay();
-  play.microseconds = {1e6, 1e6};
+  play.each = std::chrono::seconds(1);
   EXPECT_THAT(play.through(plan), SizeIs(3 + 2 * 14));
 }
 
