@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -70,6 +71,33 @@ TEST_F(Signals, EndAProgramThatHasNoHandler) {
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 128 + SIGINT);
   EXPECT_THAT(profile(), HasSubstr("\"use\":\"g0S4\""));
+}
+
+TEST_F(Signals, OfLimitsAndTheTerminalsEndReachTheProgram) {
+  recordFile("r", fasterVariant());
+  for (const int signal : {SIGHUP, SIGALRM, SIGXCPU}) {
+    std::filesystem::remove_all(output());
+    const int status = statusAfter(signal);
+    ASSERT_TRUE(WIFEXITED(status)) << signal;
+    EXPECT_EQ(WEXITSTATUS(status), 128 + signal);
+  }
+}
+
+// LLVM would end a process that has lost a line.
+TEST_F(Signals, AreNotSentWhereStandardErrorCannotBeWritten) {
+  const std::string file = recordFile("r", fasterVariant());
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::dup2(::open("/dev/full", O_WRONLY), STDERR_FILENO);
+    ::execl(CORVANE_FILE, CORVANE_FILE, "tune", "--output", output().c_str(),
+            "--", APPLICATION_FILE, "record", "a", file.c_str(), "exit", "7",
+            nullptr);
+    ::_exit(99);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 7);
 }
 
 namespace {

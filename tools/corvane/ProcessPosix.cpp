@@ -70,8 +70,8 @@ class HeldSignals {
 public:
   HeldSignals() {
     sigemptyset(&held);
-    for (int signal :
-         {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGCHLD})
+    for (int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2,
+                       SIGALRM, SIGXCPU, SIGCHLD})
       sigaddset(&held, signal);
     pthread_sigmask(SIG_BLOCK, &held, &before);
     // A process that ignores this signal gets none when a child ends.
@@ -157,8 +157,10 @@ static int waitFor(pid_t child, const HeldSignals &signals) {
         return status;
       if (ended < 0 && errno != EINTR)
         return 0; // nothing can be learned of it any more
-    } else if (info.si_code != SI_KERNEL) {
-      // The terminal's signals come from the kernel, and reach the child too.
+    } else if (info.si_code != SI_KERNEL || info.si_signo == SIGHUP ||
+               info.si_signo == SIGXCPU) {
+      // What a terminal's keys send comes from the kernel, and reaches the
+      // child too. Its end is told to the first process of a session alone.
       ::kill(child, info.si_signo);
     }
   }

@@ -6,7 +6,11 @@
 
 #include "tuning/Tolerance.h"
 
+#include "llvm/ADT/StringRef.h"
+#include "llvm/Support/raw_ostream.h"
+
 #include <algorithm>
+#include <charconv>
 #include <memory>
 
 using namespace corvane;
@@ -39,6 +43,28 @@ static std::string checkTolerance(const std::string &text) {
              : "needs exact, off or a number between 0 and 1 such as 1e-5";
 }
 
+// As the library reads the variable.
+static std::string checkSamples(const std::string &text) {
+  unsigned samples = 0;
+  const bool isRead = !llvm::StringRef(text).getAsInteger(10, samples);
+  return isRead && samples >= 5 && samples <= 1000
+             ? std::string()
+             : "needs a number from 5 to 1000";
+}
+
+static std::string checkSeconds(const std::string &text) {
+  double seconds = 0.0;
+  const char *const last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, seconds);
+  return error == std::errc() && end == last && seconds > 0.0
+             ? std::string()
+             : "needs a number above 0";
+}
+
+static std::string checkFolder(const std::string &text) {
+  return text.empty() ? "needs the name of a folder" : std::string();
+}
+
 static void addTune(CLI::App &commands, Actions &actions) {
   const auto options = std::make_shared<TuneOptions>();
   CLI::App *const command = commands.add_subcommand(
@@ -47,12 +73,14 @@ static void addTune(CLI::App &commands, Actions &actions) {
       ->add_option("--output", options->folder,
                    "Folder for runs and profile, earlier ones included")
       ->type_name("DIR")
+      ->check(checkFolder)
       ->capture_default_str();
   command
       ->add_option("--samples", options->samples,
-                   "Samples of each version for a decision (7)")
+                   "Samples of each version for a decision (7); 5 are enough "
+                   "for at most 3 variants")
       ->type_name("N")
-      ->check(CLI::Range(5, 1000));
+      ->check(checkSamples);
   command
       ->add_option("--verify", options->verify,
                    "How far a version's results may be from the original's: "
@@ -63,7 +91,7 @@ static void addTune(CLI::App &commands, Actions &actions) {
       ->add_option("--seconds", options->seconds,
                    "Time that tuning may add, in all")
       ->type_name("S")
-      ->check(CLI::PositiveNumber);
+      ->check(checkSeconds);
   command->add_flag("!--no-generate", options->generates,
                     "Measure only the variants that programs carry");
   command->add_flag("--quiet", options->quiet,
@@ -129,7 +157,9 @@ static void addCoarsen(CLI::App &commands, Actions &actions) {
 static int tellOf(const CLI::App &commands, const CLI::ParseError &error) {
   if (error.get_exit_code() == 0)
     return commands.exit(error);
-  say(error.what());
+  const bool isExtra = error.get_name() == "ExtrasError";
+  say(std::string(error.what()) +
+      (isExtra ? "; a program and its arguments come after --" : ""));
   return CommandFailed;
 }
 
@@ -188,5 +218,9 @@ int main(int count, char **values) {
   if (arguments.size() == 5 && arguments[0] == describeArgument)
     return describeOpenCl(
         {arguments[1], arguments[2], arguments[3], arguments[4]});
-  return dispatch(arguments);
+  const int code = dispatch(arguments);
+  // LLVM ends the process with an error of its own if a line was lost.
+  llvm::errs().flush();
+  llvm::errs().clear_error();
+  return code;
 }
