@@ -2,10 +2,13 @@
 
 #include "results/profile/ProfileMerge.h"
 
+#include "base/Settings.h"
 #include "results/runs/CountedSamples.h"
 #include "results/runs/Decision.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <map>
 #include <set>
 #include <tuple>
@@ -93,9 +96,30 @@ static void gatherSamples(Gathered &gathered,
   }
 }
 
+// By which part results of the run's variants were allowed to differ. Without
+// comparisons nothing is allowed: what another run found different stays so.
+static double boundOf(const RunRecord &run) {
+  double bound = 0.0;
+  if (run.process)
+    for (const auto &[name, value] : run.process->settings)
+      if (name == variable::verify)
+        std::from_chars(value.data(), value.data() + value.size(), bound);
+  return std::isfinite(bound) ? bound : 0.0;
+}
+
+// The latest run tells what is allowed now.
+static double boundInUse(llvm::ArrayRef<RunRecord> runs) {
+  const RunRecord *latest = nullptr;
+  for (const RunRecord &run : runs)
+    if (run.process &&
+        (!latest || run.process->start >= latest->process->start))
+      latest = &run;
+  return latest ? boundOf(*latest) : 0.0;
+}
+
 static void gather(Gathering &all, const RunRecord &run,
                    const RunConfiguration &configuration,
-                   std::uint64_t launches) {
+                   std::uint64_t launches, bool wasStricter) {
   const ConfigurationLine &line = configuration.line;
   const DeviceLine &device = run.devices.at(line.device);
   const std::string &program = run.programs.at(line.program).hash;
@@ -111,6 +135,8 @@ static void gather(Gathering &all, const RunRecord &run,
       gathered.accepted.insert(variant.spec);
   std::map<std::string, std::size_t> comparisons;
   for (const CheckLine &check : configuration.checks) {
+    if (wasStricter && check.result == CheckResult::Different)
+      continue; // that difference may be allowed now
     Checks &checks = gathered.checks[check.version];
     checks.worst = std::max(checks.worst, agreementOf(check.result));
     checks.count = std::max(checks.count, ++comparisons[check.version]);
@@ -236,10 +262,12 @@ std::optional<RatioInterval> TunedConfiguration::bestInterval() const {
 std::vector<TunedConfiguration>
 corvane::mergeRuns(llvm::ArrayRef<RunRecord> runs) {
   Gathering all;
+  const double inUse = boundInUse(runs);
   for (const RunRecord &run : runs) {
+    const bool wasStricter = boundOf(run) < inUse;
     std::map<std::uint32_t, std::uint64_t> launches = launchesOf(run);
     for (const auto &[number, configuration] : run.configurations)
-      gather(all, run, configuration, launches[number]);
+      gather(all, run, configuration, launches[number], wasStricter);
   }
 
   std::vector<TunedConfiguration> tuned;

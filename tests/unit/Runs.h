@@ -30,6 +30,13 @@ public:
     record.programs[0] = program;
   }
 
+  /// When it was made, as "2024-02-29T23:59:58Z", and what CORVANE_VERIFY was.
+  MadeRun &verified(const std::string &start, const std::string &verify) {
+    record.process->start = start;
+    record.process->settings = {{"CORVANE_VERIFY", verify}};
+    return *this;
+  }
+
   /// Begins a configuration; the lines made after it belong to it.
   MadeRun &configuration(const std::string &kernel, const LaunchSizes &sizes) {
     const auto number =

@@ -104,6 +104,34 @@ TEST(MergeRuns, TakesAVariantOutThatIsDifferentAnywhere) {
   }
 }
 
+TEST(MergeRuns, AllowsWhatTheLatestRunAllows) {
+  const auto run = [](const char *start, const char *verify,
+                      CheckResult found) -> RunRecord {
+    return MadeRun()
+        .verified(start, verify)
+        .configuration("k", sizes)
+        .samples("", 100)
+        .samples("g0S4", 50)
+        .checks("g0S4", found);
+  };
+  const auto strict = [&](const char *start) {
+    return run(start, "exact", CheckResult::Different);
+  };
+  const auto loose = [&](const char *start) {
+    return run(start, "1e-5", CheckResult::WithinBound);
+  };
+  const auto off = run("2024-01-03T00:00:00Z", "off", CheckResult::Equal);
+  const char *const first = "2024-01-01T00:00:00Z";
+  const char *const second = "2024-01-02T00:00:00Z";
+  EXPECT_EQ(merged({strict(first), loose(second)}).winner, "g0S4");
+  EXPECT_EQ(checkOf(merged({strict(first), loose(second)}), "g0S4"),
+            Agreement::WithinBound);
+  EXPECT_EQ(merged({loose(first), strict(second)}).winner, "");
+  EXPECT_EQ(merged({strict(first), off}).winner, "");
+  const RunRecord wrong = run(first, "1e-5", CheckResult::Different);
+  EXPECT_EQ(merged({wrong, loose(second)}).winner, "");
+}
+
 TEST(MergeRuns, LeavesTheVariantsOfOtherProgramsAndKernelsIn) {
   const std::vector<TunedConfiguration> tuned =
       mergeRuns({MadeRun("1", "abc")
