@@ -67,7 +67,7 @@ public:
   std::string obstacleIn(StringRef text, StringRef folder);
 
 private:
-  std::optional<Included> read(const IncludedFile &file,
+  std::optional<Included> read(const IncludeDirective &file,
                                StringRef folder) const;
 
   const std::vector<std::string> folders;
@@ -75,7 +75,7 @@ private:
 };
 } // namespace
 
-std::optional<Included> IncludeWalk::read(const IncludedFile &file,
+std::optional<Included> IncludeWalk::read(const IncludeDirective &file,
                                           StringRef folder) const {
   std::vector<std::string> places;
   if (file.isQuoted)
@@ -99,7 +99,7 @@ std::optional<Included> IncludeWalk::read(const IncludedFile &file,
 std::string IncludeWalk::obstacleIn(StringRef text, StringRef folder) {
   if (const StringRef obstacle = obstacleInSource(text); !obstacle.empty())
     return obstacle.str();
-  for (const IncludedFile &file : includedFiles(text)) {
+  for (const IncludeDirective &file : includeDirectives(text)) {
     if (file.name.empty())
       return "the program includes a file that only its macros name";
     const std::optional<Included> included = read(file, folder);

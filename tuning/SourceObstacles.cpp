@@ -264,7 +264,7 @@ llvm::StringRef corvane::obstacleInOptions(llvm::StringRef options) {
   return obstacleInDirective(options);
 }
 
-static IncludedFile fileOf(llvm::StringRef text) {
+static IncludeDirective fileOf(llvm::StringRef text) {
   const bool isQuoted = text.consume_front("\"");
   if (!isQuoted && !text.consume_front("<"))
     return {{}, false};
@@ -273,9 +273,10 @@ static IncludedFile fileOf(llvm::StringRef text) {
           isQuoted};
 }
 
-std::vector<IncludedFile> corvane::includedFiles(llvm::StringRef source) {
+std::vector<IncludeDirective>
+corvane::includeDirectives(llvm::StringRef source) {
   SourceScanner scanner(source, SourceScanner::Directives::Whole);
-  std::vector<IncludedFile> files;
+  std::vector<IncludeDirective> files;
   for (llvm::StringRef token = scanner.next(); !token.empty();
        token = scanner.next())
     if (token.consume_front("#")) {

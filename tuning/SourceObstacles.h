@@ -21,14 +21,14 @@ llvm::StringRef obstacleInSource(llvm::StringRef source);
 /// The same for the options of a build, which may define macros.
 llvm::StringRef obstacleInOptions(llvm::StringRef options);
 
-/// The file of an include directive.
-struct IncludedFile {
-  std::string name; ///< empty: only macros name it
+/// What an include directive says.
+struct IncludeDirective {
+  std::string name; ///< of the file; empty: only macros name it
   bool isQuoted;    ///< else in angle brackets
 };
 
-/// The files that \p source includes, in their order, whether or not a
-/// condition leaves a directive out.
-std::vector<IncludedFile> includedFiles(llvm::StringRef source);
+/// Those of \p source in their order, whether or not a condition leaves one
+/// out.
+std::vector<IncludeDirective> includeDirectives(llvm::StringRef source);
 
 } // namespace corvane
