@@ -49,6 +49,12 @@ TEST_F(CorvaneHelp, TellsTheVersion) {
   EXPECT_EQ(corvane({"--version"}).out, "corvane " CORVANE_VERSION "\n");
 }
 
+TEST_F(CorvaneHelp, TellsWhereAProgramBelongs) {
+  EXPECT_EQ(corvane({"tune", "./x"}).err,
+            "corvane: The following argument was not expected: ./x; a program "
+            "and its arguments come after --\n");
+}
+
 TEST_F(CorvaneHelp, RefusesArgumentsInOneLine) {
   for (const std::vector<std::string> &arguments :
        {std::vector<std::string>{},
