@@ -28,7 +28,8 @@ inline RunRecord eventfulRun() {
       .check("g0S2", CheckResult::Equal)
       .samples("g0S4", 100.0)
       .check("g0S4", CheckResult::WithinBound)
-      .samples("l0S2", 20.0, 1);
+      .samples("l0S2", 20.0, 1)
+      .decided();
   run.ended({{0, 10}});
   RunRecord record = run;
   RunConfiguration &configuration = record.configurations[0];
