@@ -157,8 +157,8 @@ static void addCoarsen(CLI::App &commands, Actions &actions) {
 static int tellOf(const CLI::App &commands, const CLI::ParseError &error) {
   if (error.get_exit_code() == 0)
     return commands.exit(error);
-  const bool isExtra = error.get_exit_code() ==
-                       static_cast<int>(CLI::ExitCodes::ExtrasError);
+  const bool isExtra =
+      error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
   say(std::string(error.what()) +
       (isExtra ? "; a program and its arguments come after --" : ""));
   return CommandFailed;
