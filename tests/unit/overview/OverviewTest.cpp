@@ -54,6 +54,43 @@ TEST(Overview, TellsAVersionThatIsFasterFromTheFastest) {
   EXPECT_EQ(versionIn(overview, "e").verdict, Verdict::TooFew);
 }
 
+TEST(Overview, GivesAReasonForEveryVerdict) {
+  const auto why = [](const Overview &overview, const char *version) {
+    return whyText(overview.configurations[0], versionIn(overview, version));
+  };
+  const Overview timed = overviewOf({MadeRun()
+                                         .configuration("k", oneDimension(64))
+                                         .samples("", 100.0)
+                                         .samples("a", 50.0)
+                                         .samples("b", 20.0)
+                                         .samples("c", 150.0)
+                                         .samples("d", 900.0, 2)
+                                         .samples("e", 60.0, 1)
+                                         .samples("f", 100.0)
+                                         .decided()});
+  EXPECT_THAT(why(timed, "a"), HasSubstr(": not the fastest"));
+  EXPECT_THAT(why(timed, "b"), HasSubstr(": the fastest"));
+  EXPECT_THAT(why(timed, "c"), HasSubstr(": slower"));
+  EXPECT_EQ(why(timed, "d"), "0.11x: given up, its first two runs took more "
+                             "than twice as long");
+  EXPECT_EQ(why(timed, "e"), "1 sample is too few for a comparison");
+  EXPECT_THAT(why(timed, "f"), HasSubstr(": no difference"));
+
+  const Overview wrong = overviewOf({MadeRun()
+                                         .configuration("k", oneDimension(64))
+                                         .samples("", 100.0)
+                                         .check("a", CheckResult::Different)});
+  EXPECT_EQ(why(wrong, "a"),
+            "wrong results: argument 0, element 0 is different");
+  const Overview random = overviewOf({MadeRun()
+                                          .configuration("k", oneDimension(64))
+                                          .samples("", 100.0)
+                                          .check("", CheckResult::Different)
+                                          .samples("a", 50.0)});
+  EXPECT_EQ(why(random, "a"), "cannot be checked: the original's own results "
+                              "differ from run to run");
+}
+
 TEST(Overview, ComparesNothingWithAnOriginalThatDiffersFromItself) {
   const Overview overview =
       overviewOf({MadeRun()

@@ -11,6 +11,8 @@ TEST(VariantWords, SayWhatAWorkItemDoes) {
   EXPECT_EQ(variantWords("g1S2"), "each work-item does 2 rows");
   EXPECT_EQ(variantWords("g0S2g1S2"),
             "each work-item does 2 columns by 2 rows");
+  EXPECT_EQ(variantWords("g2S2"), "each work-item does 2 layers");
+  EXPECT_EQ(variantWords("g5S2"), "each work-item does 2 of dimension 5");
   EXPECT_EQ(variantWords("g0S2S3"), "each work-item does 6 columns");
 }
 
@@ -23,6 +25,12 @@ TEST(VariantWords, SayWhatElseIsDifferent) {
             "each work-item does 4 columns; argument 3 a multiple of 4");
   EXPECT_EQ(variantWords("r1S2g0S4"),
             "each work-item does 4 columns; marked r1S2");
+}
+
+TEST(VariantWords, SayThatWorkItemsDoWhatTheyDid) {
+  EXPECT_EQ(variantWords("g0S1"),
+            "work-items do what they did; whole work-groups only");
+  EXPECT_EQ(variantWords("l0S1"), "work-items do what they did");
 }
 
 TEST(VariantWords, AreNoneForWhatIsNoSpec) {
