@@ -59,7 +59,7 @@ std::size_t corvane::test::expectRecords(const TempFolder &tunedFolder) {
     const RunRecord record = readRun(readBytes(run.path() / "run.jsonl"));
     for (const RunProblem &problem : record.problems)
       ADD_FAILURE() << "line " << problem.line << ": " << problem.text;
-    EXPECT_TRUE(record.end);
+    EXPECT_TRUE(record.process);
     for (const auto &[number, configuration] : record.configurations)
       samples += configuration.samples.size();
   }

@@ -19,7 +19,8 @@ std::size_t expectRows(const std::string &log,
                        bool someAreLost);
 
 /// Expects that each run folder of \p tunedFolder has a record whose every line
-/// can be read, and an end. Returns how many samples there are.
+/// can be read. It may lack its end: the agent does not wait for a lock to
+/// write it. Returns how many samples there are.
 std::size_t expectRecords(const TempFolder &tunedFolder);
 
 } // namespace corvane::test

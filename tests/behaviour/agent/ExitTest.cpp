@@ -70,6 +70,15 @@ static void exitWhileLaunching(const std::string &log) {
 // Every byte that the message about the length counts is in the file.
 TEST_P(ExitMeanwhile, WritesAWholeLog) {
   const Ended ended = runToItsEnd(exitWhileLaunching);
+#ifdef _WIN32
+  // Windows ends the other threads first. If one of them was moving a variable,
+  // the environment is not looked at any more, and nothing is written or
+  // counted.
+  if (ended.diagnosticLog.empty()) {
+    EXPECT_EQ(ended.errorText.find_first_of("0123456789"), std::string::npos);
+    return;
+  }
+#endif
   EXPECT_EQ(ended.errorText, std::to_string(ended.diagnosticLog.size()) + "\n");
   EXPECT_EQ(ended.diagnosticLog.rfind("Frontend loaded\n", 0), 0U);
   EXPECT_EQ(ended.diagnosticLog.find('\0'), std::string::npos);
