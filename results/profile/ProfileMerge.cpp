@@ -6,9 +6,10 @@
 #include "results/runs/CountedSamples.h"
 #include "results/runs/Decision.h"
 
+#include "llvm/ADT/STLExtras.h"
+
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <map>
 #include <set>
 #include <tuple>
@@ -96,15 +97,24 @@ static void gatherSamples(Gathered &gathered,
   }
 }
 
+// As CORVANE_VERIFY is read: what is no bound asks for equal results.
+static double boundIn(const std::string &text) {
+  double bound = 0.0;
+  const char *const last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, bound);
+  const bool isBound =
+      error == std::errc() && end == last && bound > 0.0 && bound < 1.0;
+  return isBound ? bound : 0.0;
+}
+
 // By which part results of the run's variants were allowed to differ. Without
 // comparisons nothing is allowed: what another run found different stays so.
 static double boundOf(const RunRecord &run) {
-  double bound = 0.0;
   if (run.process)
     for (const auto &[name, value] : run.process->settings)
       if (name == variable::verify)
-        std::from_chars(value.data(), value.data() + value.size(), bound);
-  return std::isfinite(bound) ? bound : 0.0;
+        return boundIn(value);
+  return 0.0;
 }
 
 // The latest run tells what is allowed now.
@@ -117,9 +127,27 @@ static double boundInUse(llvm::ArrayRef<RunRecord> runs) {
   return latest ? boundOf(*latest) : 0.0;
 }
 
+// What a stricter run found different may be allowed now, but was not seen to
+// be: then nothing that it tells of the version counts.
+static RunConfiguration withoutDifferent(RunConfiguration configuration) {
+  std::set<std::string> different;
+  for (const CheckLine &check : configuration.checks)
+    if (check.result == CheckResult::Different)
+      different.insert(check.version);
+  if (different.empty())
+    return configuration;
+  const auto isOfThem = [&](const auto &line) {
+    return different.count(line.version) != 0;
+  };
+  llvm::erase_if(configuration.samples, isOfThem);
+  llvm::erase_if(configuration.checks, isOfThem);
+  configuration.decision.reset();
+  return configuration;
+}
+
 static void gather(Gathering &all, const RunRecord &run,
                    const RunConfiguration &configuration,
-                   std::uint64_t launches, bool wasStricter) {
+                   std::uint64_t launches) {
   const ConfigurationLine &line = configuration.line;
   const DeviceLine &device = run.devices.at(line.device);
   const std::string &program = run.programs.at(line.program).hash;
@@ -135,8 +163,6 @@ static void gather(Gathering &all, const RunRecord &run,
       gathered.accepted.insert(variant.spec);
   std::map<std::string, std::size_t> comparisons;
   for (const CheckLine &check : configuration.checks) {
-    if (wasStricter && check.result == CheckResult::Different)
-      continue; // that difference may be allowed now
     Checks &checks = gathered.checks[check.version];
     checks.worst = std::max(checks.worst, agreementOf(check.result));
     checks.count = std::max(checks.count, ++comparisons[check.version]);
@@ -267,7 +293,9 @@ corvane::mergeRuns(llvm::ArrayRef<RunRecord> runs) {
     const bool wasStricter = boundOf(run) < inUse;
     std::map<std::uint32_t, std::uint64_t> launches = launchesOf(run);
     for (const auto &[number, configuration] : run.configurations)
-      gather(all, run, configuration, launches[number], wasStricter);
+      gather(all, run,
+             wasStricter ? withoutDifferent(configuration) : configuration,
+             launches[number]);
   }
 
   std::vector<TunedConfiguration> tuned;

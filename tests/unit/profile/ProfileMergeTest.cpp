@@ -128,8 +128,33 @@ TEST(MergeRuns, AllowsWhatTheLatestRunAllows) {
             Agreement::WithinBound);
   EXPECT_EQ(merged({loose(first), strict(second)}).winner, "");
   EXPECT_EQ(merged({strict(first), off}).winner, "");
+  // Not a bound: the library asks for equal results then.
+  const auto odd = run(second, "5", CheckResult::Equal);
+  EXPECT_EQ(merged({strict(first), odd}).winner, "");
   const RunRecord wrong = run(first, "1e-5", CheckResult::Different);
   EXPECT_EQ(merged({wrong, loose(second)}).winner, "");
+}
+
+TEST(MergeRuns, ChoosesNothingWhereOnlyAStricterRunLooked) {
+  const RunRecord strict = MadeRun()
+                               .verified("2024-01-01T00:00:00Z", "exact")
+                               .configuration("k", sizes)
+                               .accepts("g0S4")
+                               .samples("", 100)
+                               .samples("g0S4", 50)
+                               .check("g0S4", CheckResult::Different)
+                               .decided();
+  const RunRecord loose = MadeRun()
+                              .verified("2024-01-02T00:00:00Z", "1e-5")
+                              .configuration("k", oneDimension(7))
+                              .samples("", 100)
+                              .samples("g0S4", 50)
+                              .checks("g0S4", CheckResult::WithinBound);
+  for (const TunedConfiguration &tuned : mergeRuns({strict, loose})) {
+    const bool wasAllowed = tuned.sizes == oneDimension(7);
+    EXPECT_EQ(tuned.decided, wasAllowed);
+    EXPECT_EQ(tuned.winner, wasAllowed ? "g0S4" : "");
+  }
 }
 
 TEST(MergeRuns, LeavesTheVariantsOfOtherProgramsAndKernelsIn) {
